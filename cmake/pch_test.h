@@ -1,0 +1,5 @@
+// What every test file needs.
+#pragma once
+#include "pch.h"
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>

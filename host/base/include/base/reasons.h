@@ -1,0 +1,57 @@
+#pragma once
+
+/// Numbers of the reasons that statuses carry. Each is the number of a text in the resources and stands in
+/// messages as "E21003"; numbers are forever: add, never renumber or reuse.
+/// A row: name, number. The text's arguments are told in the comment.
+// clang-format off
+#define KV_REASONS(X)                                                                             \
+    /* host/base: files. %ls 1: the path */                                                       \
+    X(FileMissing, 21001)          /* it is not there */                                          \
+    X(AccessDenied, 21002)         /* no right */                                                 \
+    X(FileReadOnly, 21003)                                                                        \
+    X(DiskFull, 21004)                                                                            \
+    X(FileExists, 21005)                                                                          \
+    X(NotRegularFile, 21006)       /* a folder, device, pipe or socket */                         \
+    X(FolderUnreachable, 21007)                                                                   \
+    X(FileTooLarge, 21008)                                                                        \
+    X(SystemError, 21009)          /* 2: the system's own text */                                 \
+    X(ChangedOnDisk, 21010)        /* changed since it was read */                                \
+    X(VerifyFailed, 21011)         /* what was written reads back differently */                  \
+    X(HardLinked, 21012)           /* has several names; replacing would split them */            \
+    X(LinkLoop, 21013)                                                                            \
+    X(PathTooLong, 21014)          /* over 260 units, for what we create */                       \
+    X(NetworkNotTouched, 21015)    /* host or URL that was not agreed to */                       \
+    X(LockHeld, 21016)             /* 2: who holds it */                                          \
+    X(LockLost, 21017)                                                                            \
+    X(PublishConflict, 21018)      /* 2: the recovery file that holds ours */                     \
+    X(ConfigDamaged, 21019)        /* 2: what is wrong */                                         \
+    X(Cancelled, 21020)                                                                           \
+    X(NotReplaced, 21021)          /* 2: where the former version lies */                         \
+    /* core/sm: the sheet-set file. %ls 1: the path */                                            \
+    X(DstNotXml, 21101)            /* 2: line, 3: what the parser says */                         \
+    X(DstNotSheetSet, 21102)       /* well-formed, but no sheet set */                            \
+    X(DstNewerVersion, 21103)      /* 2: its version */                                           \
+    X(DstDoctype, 21104)                                                                          \
+    X(DstBadEncoding, 21105)       /* 2: line */                                                  \
+    X(DstTooDeep, 21106)                                                                          \
+    X(DstTooManyAttributes, 21107) /* 2: element */                                               \
+    X(DstDuplicateAttribute, 21108)/* 2: element, 3: attribute */                                 \
+    X(DstDuplicateHandle, 21109)   /* 2: handle */                                                \
+    X(DstBadHandle, 21110)         /* 2: element, 3: text */                                      \
+    X(DstMissingPart, 21111)       /* 2: element that must be there */                            \
+    X(DstRepeatedPart, 21112)      /* 2: element that may stand once */                           \
+    X(DstReadOnlyVersion, 21113)   /* opened read only because it is newer */                     \
+    X(DstNoFileName, 21114)
+
+// clang-format on
+
+namespace base {
+
+enum class Reason : int {
+    None = 0,
+#define KV_ENUMERATOR(name, number) name = number,
+    KV_REASONS(KV_ENUMERATOR)
+#undef KV_ENUMERATOR
+};
+
+} // namespace base

@@ -1,0 +1,71 @@
+#include "resources/texts.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+namespace {
+
+struct Row {
+    int number;
+    const char16_t* text;
+};
+
+// Ascending by number: looked up by halving.
+constexpr Row kEnglish[] = {
+#include "en/reasons.inc"
+#include "en/tool.inc"
+};
+
+struct Language {
+    const char* tag;
+    const Row* rows;
+    std::size_t count;
+};
+
+constexpr Language kLanguages[] = {
+    {"en", kEnglish, std::size(kEnglish)},
+};
+
+const Language* g_language = &kLanguages[0];
+
+const char16_t* findIn(const Language& language, int number)
+{
+    const Row* end = language.rows + language.count;
+    const Row* row = std::lower_bound(language.rows, end, number,
+                                      [](const Row& at, int wanted) { return at.number < wanted; });
+    return row != end && row->number == number ? row->text : nullptr;
+}
+
+} // namespace
+
+namespace text {
+
+const char16_t* find(int number)
+{
+    const char16_t* found = findIn(*g_language, number);
+    return found ? found : findIn(kLanguages[0], number);
+}
+
+bool setLanguage(const char* tag)
+{
+    for (const Language& language : kLanguages) {
+        if (std::strcmp(language.tag, tag) == 0) {
+            g_language = &language;
+            return true;
+        }
+    }
+    return false;
+}
+
+int count()
+{
+    return static_cast<int>(std::size(kEnglish));
+}
+
+int numberAt(int index)
+{
+    return kEnglish[index].number;
+}
+
+} // namespace text
