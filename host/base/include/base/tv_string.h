@@ -1,6 +1,7 @@
 #pragma once
 
 #include <compare>
+#include <concepts>
 #include <cstddef>
 #include <span>
 #include <string>
@@ -8,14 +9,15 @@
 
 #include <base/format_argument.h>
 
-/// One unit of the system's text: UTF-16, on every platform. Where an interface speaks of wide text,
-/// it means this unit, not the compiler's wchar_t (which has 32 bits on Linux).
+/// One unit of the system's text: UTF-16, on every platform. Where an interface speaks of wide
+/// text, it means this unit, not the compiler's wchar_t (which has 32 bits on Linux).
 using TvChar = char16_t;
 
-/// Text as a value: UTF-16, never null, cheap to move, at most 2^31 - 1 units.
+/// Text as a value: UTF-16, never null, cheap to move, at most 2^31 - 1 units; what would make it
+/// longer throws a KvErrorStatus (out of memory).
 ///
-/// Ill-formed UTF-16 (lone surrogates) is kept as it is: a file name or an old drawing may hold it, and
-/// nothing that was read may change on its way back. Positions and lengths count UTF-16 units.
+/// Ill-formed UTF-16 (lone surrogates) is kept as it is: a file name or an old drawing may hold it,
+/// and nothing that was read may change on its way back. Positions and lengths count UTF-16 units.
 ///
 /// Three comparisons, for three purposes:
 ///  - compare: identity, unit by unit, as keys and stored names are compared;
@@ -36,7 +38,8 @@ public:
     /// From zero-terminated UTF-8; null gives an empty text; bytes that are no UTF-8 become U+FFFD.
     TvString(const char* utf8);
     explicit TvString(std::string_view utf8);
-    /// From the compiler's wide text (UTF-32 on Linux, UTF-16 on Windows); null gives an empty text.
+    /// From the compiler's wide text (UTF-32 on Linux, UTF-16 on Windows); null gives an empty
+    /// text.
     TvString(const wchar_t* text);
 
     /// Zero-terminated units; valid until this text changes or goes.
@@ -59,18 +62,25 @@ public:
 
     /// Replaces this text by @p pattern with its arguments put in, printf-style.
     ///
-    /// Conversions: %ls (text), %s (text; a char* is UTF-8), %d %i %u %x %X %c %f %e %g %%; with the flags
+    /// Conversions: %ls (text), %s (text; a char* is UTF-8), %d %i %u %x %X %c %f %e %g %%; with
+    /// the flags
     /// `-`, `0`, `+`, blank, `#`, a width, a precision and the length marks h, l, ll, which change
-    /// nothing. `%2$ls` takes the second argument, as a translation may need. Numbers are written with
-    /// a point and without grouping, whatever the locale.
+    /// nothing. `%2$ls` takes the second argument, as a translation may need; conversions without a
+    /// position take the arguments in order, and one with a position neither uses one up nor moves
+    /// on. Numbers are written with a point and without grouping, whatever the locale. Width and
+    /// precision of texts count units; a precision never parts a surrogate pair.
     ///
-    /// No pattern can crash or read what was not passed: an argument of the wrong kind is written in
-    /// the way that suits it, a missing one as nothing, an unknown conversion as it stands; width
-    /// and precision are cut at 1024.
+    /// No pattern can crash or read what was not passed: an argument of the wrong kind is written
+    /// in the way that suits it (a text as text, a real like %g, a whole number in decimal; the
+    /// sign of a number is kept under %u), a missing one as nothing, an unknown conversion (%n, %p,
+    /// a percent sign at the end) as it stands; width and precision are cut at 1024, and a `*` in
+    /// their place stands for none and takes no argument. Arguments and pattern may be this text
+    /// itself.
     template <class... Args>
     TvString& format(const TvString& pattern, const Args&... args)
     {
-        const base::FormatArgument packed[] = {base::FormatArgument(args)..., base::FormatArgument()};
+        const base::FormatArgument packed[] = {base::FormatArgument(args)...,
+                                               base::FormatArgument()};
         return formatArguments(pattern, {packed, sizeof...(Args)});
     }
     /// The same with arguments gathered at run time.
@@ -78,10 +88,11 @@ public:
 
     /// Below, at or above zero, unit by unit.
     int compare(std::u16string_view other) const;
-    /// The same after Unicode simple case folding of both sides. Zero means equal without regard to case.
+    /// The same after Unicode simple case folding of both sides. Zero means equal without regard to
+    /// case.
     int compareNoCase(std::u16string_view other) const;
-    /// Order for people: ICU's root collation, digits by their value, case ignored; texts that collate
-    /// equal are put in order by compare(), so that a sort is the same everywhere.
+    /// Order for people: ICU's root collation, digits by their value, case ignored; texts that
+    /// collate equal are put in order by compare(), so that a sort is the same everywhere.
     int collateNoCase(const TvString& other) const;
 
     /// Position of the first @p text at or after @p from; npos when there is none.
@@ -93,7 +104,8 @@ public:
     /// Position of the last unit that is one of @p units; npos when there is none.
     int findLastOneOf(std::u16string_view units) const;
 
-    /// The units from @p start to the end, or @p count of them. Out of range is cut, never an error.
+    /// The units from @p start to the end, or @p count of them (below 0: to the end). What is out
+    /// of range is cut, never an error: substr(-1, 3) gives the first two.
     TvString substr(int start, int count = -1) const;
     TvString left(int count) const { return substr(0, count < 0 ? 0 : count); }
     TvString right(int count) const;
@@ -107,6 +119,14 @@ public:
 
     friend bool operator==(const TvString&, const TvString&) = default;
     friend std::strong_ordering operator<=>(const TvString&, const TvString&) = default;
+    /// With views, strings and literals, without making a text of them first.
+    template <class T>
+    requires(std::convertible_to<const T&, std::u16string_view> && !std::same_as<T, TvString> &&
+             !std::is_pointer_v<T>) friend bool
+    operator==(const TvString& left, const T& right)
+    {
+        return left.view() == std::u16string_view(right);
+    }
 
 private:
     std::u16string m_text;
@@ -130,11 +150,14 @@ std::size_t hashNoCase(std::u16string_view text);
 std::u16string utf16FromUtf8(std::string_view text);
 /// UTF-16 to UTF-8; lone surrogates become U+FFFD.
 std::string utf8FromUtf16(std::u16string_view text);
+/// From the compiler's wide text; a value that is no code point becomes U+FFFD, a surrogate stays a
+/// unit.
+std::u16string utf16FromWide(std::wstring_view text);
 /// Whether @p text is well-formed UTF-8 (no overlong forms, no surrogates, at most U+10FFFF).
 bool isWellFormedUtf8(std::string_view text);
 
-/// Text from outside made safe for a terminal, a log line or a label: control characters (C0 but for
-/// none, DEL, C1), line and paragraph separators and direction overrides become visible \xNN or
+/// Text from outside made safe for a terminal, a log line or a label: control characters (C0 but
+/// for none, DEL, C1), line and paragraph separators and direction overrides become visible \xNN or
 /// \u{NNNN} marks. Nothing else changes.
 TvString escapedForDisplay(const TvString& text);
 
