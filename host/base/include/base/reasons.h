@@ -27,6 +27,7 @@
     X(ConfigDamaged, 21019)        /* 2: what is wrong */                                         \
     X(Cancelled, 21020)                                                                           \
     X(NotReplaced, 21021)          /* 2: where the former version lies */                         \
+    X(NotFlushed, 21022)           /* in place, but its folder could not be flushed: 2: why */    \
     /* core/sm: the sheet-set file. %ls 1: the path */                                            \
     X(DstNotXml, 21101)            /* 2: line, 3: what the parser says */                         \
     X(DstNotSheetSet, 21102)       /* well-formed, but no sheet set */                            \
