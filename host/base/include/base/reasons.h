@@ -42,7 +42,24 @@
     X(DstMissingPart, 21111)       /* 2: element that must be there */                            \
     X(DstRepeatedPart, 21112)      /* 2: element that may stand once */                           \
     X(DstReadOnlyVersion, 21113)   /* opened read only because it is newer */                     \
-    X(DstNoFileName, 21114)
+    X(DstNoFileName, 21114)                                                                       \
+    /* host/dwg: drawings. They are told about a drawing that the caller names */                 \
+    X(DwgNotDrawing, 21301)        /* no version that we know */                                  \
+    X(DwgTooLarge, 21302)                                                                         \
+    X(DwgHeaderDamaged, 21303)                                                                    \
+    X(DwgEncrypted, 21304)                                                                        \
+    X(DwgSectionMissing, 21305)    /* 1: section */                                               \
+    X(DwgSectionDamaged, 21306)    /* 1: section */                                               \
+    X(DwgPagesDamaged, 21307)                                                                     \
+    X(DwgObjectMapDamaged, 21308)                                                                 \
+    X(DwgObjectDamaged, 21309)     /* 1: handle */                                                \
+    X(DwgObjectMissing, 21310)     /* 1: handle */                                                \
+    X(DwgUnpacksTooLarge, 21311)                                                                  \
+    X(DwgVersionNotWritten, 21312) /* 1: version */                                               \
+    X(DwgDamageNotSaved, 21313)    /* a save would hide or lose something */                      \
+    X(DwgVerifyFailed, 21314)                                                                     \
+    X(DwgRecordInvalid, 21315)     /* 1: handle */                                                \
+    X(DwgSectionNotWritten, 21316) /* 1: section */
 
 // clang-format on
 
