@@ -10,8 +10,9 @@ class TvString;
 
 namespace base {
 
-/// One argument of TvString::format, with its kind: a pattern is checked against what was really passed.
-/// Texts are looked at, not copied: an argument lives no longer than the call it is made for.
+/// One argument of TvString::format, with its kind: a pattern is checked against what was really
+/// passed. Texts are looked at, not copied: an argument lives no longer than the call it is made
+/// for.
 class FormatArgument
 {
 public:
@@ -19,7 +20,7 @@ public:
 
     FormatArgument() = default;
     template <class T>
-        requires std::integral<T>
+    requires std::integral<T>
     explicit FormatArgument(T value)
     {
         if constexpr (std::is_same_v<T, char16_t> || std::is_same_v<T, char32_t> ||
@@ -37,13 +38,16 @@ public:
         }
     }
     template <class T>
-        requires std::is_enum_v<T>
+    requires std::is_enum_v<T>
     explicit FormatArgument(T value) : FormatArgument(static_cast<std::underlying_type_t<T>>(value))
     {
     }
     explicit FormatArgument(double value) : m_kind(Kind::Real), m_real(value) {}
     explicit FormatArgument(const char16_t* text) : FormatArgument(viewOf(text)) {}
     explicit FormatArgument(std::u16string_view text) : m_kind(Kind::Utf16), m_utf16(text) {}
+    explicit FormatArgument(const std::u16string& text) : FormatArgument(std::u16string_view(text))
+    {
+    }
     explicit FormatArgument(const char* utf8)
         : FormatArgument(utf8 ? std::string_view(utf8) : std::string_view())
     {
