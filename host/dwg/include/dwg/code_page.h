@@ -1,0 +1,46 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace dwg {
+
+/// The 8-bit text of drawings up to 2004, by the code page number in the file's header.
+///
+/// Escapes (`\U+XXXX`, `\M+nXXXX`) are left as they stand when reading; writing makes `\U+XXXX` of
+/// what the code page does not have, so nothing is lost.
+class CodePage
+{
+public:
+    /// The code page with this number in a drawing's header; unknown numbers mean Windows-1252.
+    /// Made at its first use, lives as long as the program; thread-safe.
+    static const CodePage& numbered(int number);
+
+    CodePage(const CodePage&) = delete;
+    CodePage& operator=(const CodePage&) = delete;
+
+    /// @p bytes as UTF-16, never longer than they; false when writing it would give other bytes.
+    /// Bytes that mean nothing become U+FFFD.
+    bool decode(std::span<const std::uint8_t> bytes, std::u16string& out) const;
+    /// The unit of one byte, where every byte stands for itself and leads back to itself; 0 where
+    /// not.
+    char16_t unitOf(std::uint8_t byte) const { return m_units[byte]; }
+    std::string encode(std::u16string_view text) const;
+
+private:
+    explicit CodePage(const char* converterName);
+
+    bool decodeMultibyte(std::span<const std::uint8_t> bytes, std::u16string& out) const;
+    void appendUnit(std::u16string_view text, std::size_t& at, std::string& out) const;
+
+    const char* m_name;
+    bool m_isMultibyte = false;
+    std::array<char16_t, 256> m_units{}; // 0: none, or not there and back
+    std::unordered_map<char16_t, std::uint8_t> m_bytes;
+};
+
+} // namespace dwg

@@ -1,0 +1,176 @@
+#include "dwg/code_page.h"
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <mutex>
+
+#include <unicode/ucnv.h>
+
+namespace dwg {
+
+namespace {
+
+struct PageName {
+    int number;
+    const char* converter;
+};
+
+// clang-format off
+constexpr PageName kPages[] = {
+    {0, "UTF-8"},         {1, "US-ASCII"},      {2, "ISO-8859-1"},    {3, "ISO-8859-2"},
+    {4, "ISO-8859-3"},    {5, "ISO-8859-4"},    {6, "ISO-8859-5"},    {7, "ISO-8859-6"},
+    {8, "ISO-8859-7"},    {9, "ISO-8859-8"},    {10, "ISO-8859-9"},   {11, "ibm-437"},
+    {12, "ibm-850"},      {13, "ibm-852"},      {14, "ibm-855"},      {15, "ibm-857"},
+    {16, "ibm-860"},      {17, "ibm-861"},      {18, "ibm-863"},      {19, "ibm-864"},
+    {20, "ibm-865"},      {21, "ibm-869"},      {22, "windows-932"},  {23, "macintosh"},
+    {24, "Big5"},         {25, "windows-949"},  {26, "ibm-1363"},     {27, "ibm-866"},
+    {28, "windows-1250"}, {29, "windows-1251"}, {30, "windows-1252"}, {31, "GB2312"},
+    {32, "windows-1253"}, {33, "windows-1254"}, {34, "windows-1255"}, {35, "windows-1256"},
+    {36, "windows-1257"}, {37, "windows-874"},  {38, "windows-932"},  {39, "windows-936"},
+    {40, "windows-949"},  {41, "windows-950"},  {42, "ibm-1363"},     {44, "windows-1258"},
+};
+// clang-format on
+
+const char* converterOf(int number)
+{
+    for (const PageName& page : kPages)
+        if (page.number == number)
+            return page.converter;
+    return "windows-1252";
+}
+
+struct CloseConverter {
+    void operator()(UConverter* converter) const { ucnv_close(converter); }
+};
+using Converter = std::unique_ptr<UConverter, CloseConverter>;
+
+Converter openConverter(const char* name)
+{
+    UErrorCode error = U_ZERO_ERROR;
+    Converter converter(ucnv_open(name, &error));
+    return U_SUCCESS(error) ? std::move(converter) : nullptr;
+}
+
+// The bytes of one character; empty when the code page does not have it.
+std::string bytesOf(UConverter* converter, std::u16string_view character)
+{
+    UErrorCode error = U_ZERO_ERROR;
+    ucnv_setFromUCallBack(converter, UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &error);
+    std::string out(16, '\0');
+    const int32_t size = ucnv_fromUChars(converter, out.data(), 16, character.data(),
+                                         static_cast<int32_t>(character.size()), &error);
+    out.resize(U_SUCCESS(error) && size > 0 && size <= 16 ? static_cast<std::size_t>(size) : 0);
+    return out;
+}
+
+void appendEscape(std::string& out, char16_t unit)
+{
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    out += "\\U+";
+    for (int shift = 12; shift >= 0; shift -= 4)
+        out += kDigits[unit >> shift & 0xF];
+}
+
+bool isSurrogatePair(std::u16string_view text, std::size_t at)
+{
+    return (text[at] & 0xFC00) == 0xD800 && at + 1 < text.size() &&
+           (text[at + 1] & 0xFC00) == 0xDC00;
+}
+
+} // namespace
+
+const CodePage& CodePage::numbered(int number)
+{
+    static std::mutex mutex;
+    static auto* const pages = new std::map<std::string_view, std::unique_ptr<CodePage>>;
+    const char* const name = converterOf(number);
+    const std::scoped_lock lock(mutex);
+    std::unique_ptr<CodePage>& page = (*pages)[name];
+    if (!page)
+        page.reset(new CodePage(name));
+    return *page;
+}
+
+CodePage::CodePage(const char* converterName) : m_name(converterName)
+{
+    const Converter converter = openConverter(m_name);
+    if (!converter)
+        return; // ASCII only, by escapes: never with the ICU that we build upon
+    m_isMultibyte = ucnv_getMaxCharSize(converter.get()) > 1;
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        UErrorCode error = U_ZERO_ERROR;
+        const auto source = static_cast<char>(byte);
+        char16_t units[4] = {};
+        const int32_t size = ucnv_toUChars(converter.get(), units, 4, &source, 1, &error);
+        const std::string back = bytesOf(converter.get(), {units, 1});
+        const bool exact = U_SUCCESS(error) && size == 1 && back == std::string(1, source);
+        if (!exact || (m_isMultibyte && byte >= 0x80))
+            continue;
+        m_units[byte] = units[0];
+        m_bytes[units[0]] = static_cast<std::uint8_t>(byte);
+    }
+}
+
+bool CodePage::decode(std::span<const std::uint8_t> bytes, std::u16string& out) const
+{
+    if (m_isMultibyte)
+        return decodeMultibyte(bytes, out);
+    out.resize(bytes.size());
+    bool exact = true;
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const char16_t unit = m_units[bytes[i]];
+        const bool known = unit != 0 || bytes[i] == 0;
+        out[i] = known ? unit : u'\uFFFD';
+        exact = exact && known;
+    }
+    return exact;
+}
+
+bool CodePage::decodeMultibyte(std::span<const std::uint8_t> bytes, std::u16string& out) const
+{
+    const Converter converter = openConverter(m_name);
+    UErrorCode error = U_ZERO_ERROR;
+    out.resize(bytes.size());
+    const auto* source = reinterpret_cast<const char*>(bytes.data());
+    const auto length = static_cast<int32_t>(bytes.size());
+    const int32_t size = ucnv_toUChars(converter.get(), out.data(), length, source, length, &error);
+    const bool fits = !U_FAILURE(error) && size <= length;
+    out.resize(fits ? static_cast<std::size_t>(size) : 0);
+    return fits && encode(out) == std::string_view(source, bytes.size());
+}
+
+std::string CodePage::encode(std::u16string_view text) const
+{
+    std::string out;
+    out.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();)
+        appendUnit(text, at, out);
+    return out;
+}
+
+void CodePage::appendUnit(std::u16string_view text, std::size_t& at, std::string& out) const
+{
+    const char16_t unit = text[at];
+    if (unit < 0x80) {
+        out += static_cast<char>(unit);
+        ++at;
+        return;
+    }
+    if (const auto known = m_bytes.find(unit); known != m_bytes.end()) {
+        out += static_cast<char>(known->second);
+        ++at;
+        return;
+    }
+    const std::size_t count = isSurrogatePair(text, at) ? 2 : 1;
+    std::string bytes;
+    if (m_isMultibyte)
+        bytes = bytesOf(openConverter(m_name).get(), text.substr(at, count));
+    if (bytes.empty())
+        for (std::size_t i = 0; i < count; ++i)
+            appendEscape(bytes, text[at + i]);
+    out += bytes;
+    at += count;
+}
+
+} // namespace dwg
