@@ -2,6 +2,7 @@
 
 #include <dwg/bit_reader.h>
 #include <dwg/bit_writer.h>
+#include <dwg/bytes.h>
 #include <dwg/version.h>
 
 namespace dwg {

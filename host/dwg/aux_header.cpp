@@ -1,0 +1,56 @@
+#include "aux_header.h"
+
+#include "byte_stream.h"
+
+namespace dwg {
+
+namespace {
+
+constexpr std::size_t kSavesAt = 0x07;
+
+// The places shift by six bytes in one of the two forms of 2018.
+struct AuxLayout {
+    std::size_t updateAt, seedAt, savesAgainAt;
+};
+constexpr AuxLayout kLayouts[] = {{0x47, 0x4F, 0x67}, {0x4D, 0x55, 0x6D}};
+
+DateStamp updateOf(const HeaderVariables& variables)
+{
+    const HeaderValue* value = variables.find("TDUPDATE");
+    return value ? std::get<DateStamp>(*value) : DateStamp{};
+}
+
+const AuxLayout* layoutOf(Bytes bytes, const HeaderVariables& variables)
+{
+    for (const AuxLayout& layout : kLayouts)
+        if (fits(layout.savesAgainAt, 4, bytes.size()) &&
+            readU64(bytes.data() + layout.seedAt) == variables.handSeed())
+            return &layout;
+    return nullptr;
+}
+
+} // namespace
+
+std::uint32_t saveCountOf(Bytes auxHeader)
+{
+    return auxHeader.size() >= kSavesAt + 4 ? readU32(auxHeader.data() + kSavesAt) : 0;
+}
+
+void updateAuxHeader(std::vector<std::uint8_t>& auxHeader, const HeaderVariables& before,
+                     const HeaderVariables& after)
+{
+    const AuxLayout* layout = layoutOf(auxHeader, before);
+    if (!layout)
+        return;
+    std::uint8_t* bytes = auxHeader.data();
+    putU64(bytes + layout->seedAt, after.handSeed());
+    const DateStamp update = updateOf(after);
+    putU32(bytes + layout->updateAt, update.day);
+    putU32(bytes + layout->updateAt + 4, update.milliseconds);
+    const std::uint32_t saves = saveCountOf(auxHeader);
+    if (readU32(bytes + layout->savesAgainAt) == saves)
+        putU32(bytes + layout->savesAgainAt, saves + 1);
+    putU32(bytes + kSavesAt, saves + 1);
+}
+
+} // namespace dwg

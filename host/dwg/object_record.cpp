@@ -1,0 +1,88 @@
+#include "dwg/object_record.h"
+
+#include <base/tv_db_handle.h>
+
+#include "byte_stream.h"
+
+namespace dwg {
+
+namespace {
+
+constexpr std::uint64_t kLargestObject = 256u << 20; // bytes
+
+struct FrameSizes {
+    std::size_t dataAt = 0, dataSize = 0;
+    std::uint64_t handleBits = 0; // from 2010 on
+    bool valid = false;
+};
+
+FrameSizes readSizes(Version version, Bytes bytes)
+{
+    BitReader reader(bytes.first(std::min<std::size_t>(bytes.size(), 16)));
+    FrameSizes sizes;
+    sizes.dataSize = reader.readMS();
+    if (hasHandleStreamSize(version))
+        sizes.handleBits = reader.readUMC();
+    sizes.dataAt = reader.position() / 8;
+    sizes.valid = !reader.failed() && sizes.dataSize > 0 && sizes.dataSize <= kLargestObject &&
+                  sizes.handleBits <= sizes.dataSize * 8;
+    return sizes;
+}
+
+bool readHead(Version version, ObjectRecord& record)
+{
+    BitReader reader(record.data);
+    record.type = hasHandleStreamSize(version) ? reader.readOT() : reader.readBS();
+    if (!hasHandleStreamSize(version)) {
+        record.bitSizeAt = reader.position();
+        record.endBit = reader.readRL();
+    }
+    record.handle = reader.readH().value;
+    record.bodyBit = reader.position();
+    return !reader.failed() && record.endBit >= record.bodyBit &&
+           record.endBit <= record.data.size() * 8;
+}
+
+} // namespace
+
+std::uint64_t recordSize(Version version, Bytes bytes)
+{
+    const FrameSizes sizes = readSizes(version, bytes);
+    return sizes.valid ? sizes.dataAt + sizes.dataSize + 2 : 0;
+}
+
+base::Result<ObjectRecord> parseRecord(Version version, Bytes frame)
+{
+    const FrameSizes sizes = readSizes(version, frame);
+    const bool whole = sizes.valid && fits(sizes.dataAt, sizes.dataSize + 2, frame.size());
+    ObjectRecord record;
+    if (whole) {
+        const std::size_t end = sizes.dataAt + sizes.dataSize;
+        record.frame = frame.first(end + 2);
+        record.data = frame.subspan(sizes.dataAt, sizes.dataSize);
+        record.endBit = sizes.dataSize * 8 - sizes.handleBits;
+        record.checksumRight = crc16(frame.first(end)) == readU16(frame.data() + end);
+    }
+    if (!whole || !readHead(version, record))
+        return base::Status(base::Failure::Damaged, base::Reason::DwgObjectDamaged,
+                            {base::hexText(record.handle)});
+    return record;
+}
+
+std::vector<std::uint8_t> frameRecord(Version version, Bytes data, std::size_t endBit)
+{
+    if (data.empty() || data.size() > kLargestObject || endBit > data.size() * 8)
+        return {};
+    BitWriter writer;
+    writer.writeMS(data.size());
+    if (hasHandleStreamSize(version))
+        writer.writeUMC(data.size() * 8 - endBit);
+    writer.writeBytes(data);
+    auto bytes = writer.take();
+    const std::uint16_t crc = crc16(bytes);
+    bytes.push_back(static_cast<std::uint8_t>(crc));
+    bytes.push_back(static_cast<std::uint8_t>(crc >> 8));
+    return bytes;
+}
+
+} // namespace dwg

@@ -1,0 +1,186 @@
+#include "dwg/raw_drawing.h"
+
+#include <algorithm>
+
+#include <base/tv_db_handle.h>
+
+#include "flat_container.h"
+#include "raw_check.h"
+
+namespace dwg {
+
+namespace {
+
+constexpr std::size_t kSmallestRecord = 6; // size, one byte of data, checksum
+constexpr std::size_t kMostSizeBytes = 16; // of the sizes that a record begins with
+
+base::Status objectStatus(base::Failure failure, base::Reason reason, std::uint64_t handle)
+{
+    return {failure, reason, {base::hexText(handle)}};
+}
+
+template <class Kind>
+base::Result<std::unique_ptr<Container>> openAs(Bytes file)
+{
+    auto container = Kind::open(file);
+    if (!container)
+        return container.status();
+    return std::unique_ptr<Container>(std::move(*container));
+}
+
+base::Result<std::unique_ptr<Container>> openContainer(Version version, Bytes file)
+{
+    switch (version) {
+    case Version::Ac1015: return openAs<FlatContainer>(file);
+    default: return base::Status(base::Failure::Unsupported, base::Reason::DwgNotDrawing);
+    }
+}
+
+} // namespace
+
+RawDrawing::RawDrawing() = default;
+RawDrawing::RawDrawing(RawDrawing&&) noexcept = default;
+RawDrawing& RawDrawing::operator=(RawDrawing&&) noexcept = default;
+RawDrawing::~RawDrawing() = default;
+
+base::Result<RawDrawing> RawDrawing::open(std::vector<std::uint8_t> file)
+{
+    const auto version = versionOf(file);
+    if (!version)
+        return base::Status(base::Failure::Unsupported, base::Reason::DwgNotDrawing);
+    if (file.size() > kLargestFile)
+        return base::Status(base::Failure::TooLarge, base::Reason::DwgTooLarge);
+    RawDrawing drawing;
+    drawing.m_version = *version;
+    drawing.m_file = std::make_unique<std::vector<std::uint8_t>>(std::move(file));
+    auto container = openContainer(*version, *drawing.m_file);
+    if (!container)
+        return container.status();
+    drawing.m_container = std::move(*container);
+    if (base::Status status = drawing.readSections(); !status)
+        return status;
+    return drawing;
+}
+
+base::Status RawDrawing::readSections()
+{
+    const auto headerBytes = section(section::kHeader);
+    if (!headerBytes)
+        return headerBytes.status();
+    auto header = HeaderVariables::read(m_version, *headerBytes);
+    if (!header)
+        return header.status();
+    m_header = std::move(*header);
+
+    const auto classBytes = section(section::kClasses);
+    if (!classBytes)
+        return classBytes.status();
+    auto classes = ClassTable::read(m_version, *classBytes);
+    if (!classes)
+        return classes.status();
+    m_classes = std::move(*classes);
+
+    const auto mapBytes = section(section::kHandles);
+    if (!mapBytes)
+        return mapBytes.status();
+    auto map = readObjectMap(*mapBytes, m_container->objectAreaSize() / kSmallestRecord);
+    if (!map)
+        return map.status();
+    m_map = std::move(*map);
+    addSectionFindings(m_header, m_classes, m_map, m_findings);
+    return {};
+}
+
+std::uint16_t RawDrawing::codePage() const
+{
+    return m_container->codePage();
+}
+
+const ObjectLocation* RawDrawing::find(std::uint64_t handle) const
+{
+    const auto at = std::lower_bound(
+        m_map.objects.begin(), m_map.objects.end(), handle,
+        [](const ObjectLocation& object, std::uint64_t h) { return object.handle < h; });
+    return at != m_map.objects.end() && at->handle == handle ? &*at : nullptr;
+}
+
+base::Result<Bytes> RawDrawing::objectBytes(std::uint64_t handle) const
+{
+    const ObjectLocation* location = find(handle);
+    if (!location)
+        return objectStatus(base::Failure::NotFound, base::Reason::DwgObjectMissing, handle);
+    return recordBytes(*m_container, m_version, *location);
+}
+
+base::Result<ObjectRecord> RawDrawing::object(std::uint64_t handle) const
+{
+    const auto bytes = objectBytes(handle);
+    if (!bytes)
+        return bytes.status();
+    return parseRecord(m_version, *bytes);
+}
+
+base::Result<ObjectRecord> RawDrawing::object(const ObjectLocation& location) const
+{
+    const auto bytes = recordBytes(*m_container, m_version, location);
+    if (!bytes)
+        return bytes.status();
+    return parseRecord(m_version, *bytes);
+}
+
+base::Result<Bytes> recordBytes(Container& container, Version version,
+                                const ObjectLocation& location)
+{
+    const base::Status damaged =
+        objectStatus(base::Failure::Damaged, base::Reason::DwgObjectDamaged, location.handle);
+    const std::uint64_t area = container.objectAreaSize();
+    if (location.offset < container.objectAreaBegin() || location.offset >= area)
+        return damaged;
+    const std::uint64_t room = area - location.offset;
+    const auto sizes =
+        container.objectArea(location.offset, std::min<std::uint64_t>(room, kMostSizeBytes));
+    if (!sizes)
+        return sizes.status();
+    const std::uint64_t size = recordSize(version, *sizes);
+    if (size == 0 || size > room)
+        return damaged;
+    return container.objectArea(location.offset, size);
+}
+
+std::vector<std::string> RawDrawing::sectionNames() const
+{
+    std::vector<std::string> names;
+    for (const Container::Section& section : m_container->sections())
+        names.push_back(section.name);
+    return names;
+}
+
+bool RawDrawing::hasSection(std::string_view name) const
+{
+    return m_container->indexOf(name) < m_container->sections().size();
+}
+
+base::Result<Bytes> RawDrawing::section(std::string_view name) const
+{
+    if (!hasSection(name))
+        return base::Status(base::Failure::NotFound, base::Reason::DwgSectionMissing,
+                            {TvString(name)});
+    return m_container->section(m_container->indexOf(name));
+}
+
+std::vector<Finding> RawDrawing::findings() const
+{
+    std::vector<Finding> all = m_container->findings();
+    all.insert(all.end(), m_findings.begin(), m_findings.end());
+    return all;
+}
+
+std::vector<Finding> RawDrawing::check() const
+{
+    m_container->checkAll();
+    std::vector<Finding> all = findings();
+    addObjectFindings(*m_container, m_version, m_map.objects, all);
+    return all;
+}
+
+} // namespace dwg
