@@ -49,6 +49,8 @@ function(kv_room_tests name)
     target_link_libraries(${name} PRIVATE kv_options kv_test_support ${T_DEPENDS} ${T_LIBS})
     target_compile_definitions(${name} PRIVATE KV_TEST_DATA="${CMAKE_SOURCE_DIR}/tests/data"
         KV_BUILD_DIR="${CMAKE_BINARY_DIR}")
+    # The shared header is compiled as library code; a program that reuses it must be compiled so too.
+    target_compile_options(${name} PRIVATE -fPIC)
     target_precompile_headers(${name} REUSE_FROM kv_test_support)
     math(EXPR last "${T_SHARDS} - 1")
     foreach(shard RANGE ${last})
