@@ -22,7 +22,8 @@ public:
     {
         return m_ops.open(path, mode, m_file);
     }
-    /// What the system says of it: a share may report here that a write failed. 0 when closed already.
+    /// What the system says of it: a share may report here that a write failed. 0 when closed
+    /// already.
     int close()
     {
         const FileOps::Descriptor file = release();
