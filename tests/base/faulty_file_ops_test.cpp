@@ -154,6 +154,14 @@ TEST_F(FaultyFileOpsTest, StartsAfreshOnReset)
     EXPECT_EQ(m_ops.count(), 1);
 }
 
+TEST_F(FaultyFileOpsTest, SkipsFlushingButNotItsFaults)
+{
+    m_ops.skipFlushing();
+    m_ops.failAt(2, EIO);
+    EXPECT_EQ(m_ops.flush(-1), 0) << "nobody was asked";
+    EXPECT_EQ(m_ops.flush(-1), EIO);
+}
+
 TEST_F(FaultyFileOpsTest, HasANameForEveryKind)
 {
     for (int kind = 0; kind <= int(Kind::IsByteLocked); ++kind)

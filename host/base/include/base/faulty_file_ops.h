@@ -77,6 +77,9 @@ public:
     void shortenAt(int n, std::size_t bytes) { m_shortened[n] = bytes; }
     /// Every read and write from @p n on moves at most @p bytes bytes.
     void shortenFrom(int n, std::size_t bytes) { m_shortenFrom = n, m_shortenBytes = bytes; }
+    /// Flushing succeeds without waiting for the disk: nothing that a running system shows depends
+    /// on it, and a test of hundreds of saves is quick. Survives reset().
+    void skipFlushing() { m_skipsFlushing = true; }
     /// At operation @p n the process is gone: neither that one nor any later one does anything, all
     /// give EIO, and what was open is closed with its locks.
     void dieAt(int n) { m_deathAt = n; }
@@ -139,6 +142,7 @@ private:
     std::size_t m_shortenBytes = 0;
     int m_deathAt = 0;
     bool m_isDead = false;
+    bool m_skipsFlushing = false;
 };
 
 } // namespace base
