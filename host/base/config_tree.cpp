@@ -1,5 +1,10 @@
 #include "config_tree.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <span>
+#include <utility>
+
 namespace {
 
 using base::ConfigValues;

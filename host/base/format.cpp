@@ -1,6 +1,9 @@
 #include "base/tv_string.h"
 #include "format_number.h"
 
+#include <algorithm>
+#include <utility>
+
 // Patterns are translated by people and arguments come from files, so nothing here trusts either:
 // the kind of each argument travels with it, and the pattern only says how to show it.
 

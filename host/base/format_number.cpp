@@ -1,7 +1,10 @@
 #include "format_number.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
+#include <iterator>
 
 namespace {
 

@@ -1,5 +1,7 @@
 #include "format_pattern.h"
 
+#include <algorithm>
+
 namespace {
 
 using base::Conversion;

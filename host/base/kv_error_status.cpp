@@ -1,5 +1,7 @@
 #include "base/kv_error_status.h"
 
+#include <utility>
+
 namespace {
 
 KvCrashRecorder* g_recorder = nullptr; // not owned; whoever set it takes it away

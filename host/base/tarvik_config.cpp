@@ -2,6 +2,9 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <optional>
+#include <span>
+#include <utility>
 
 #include "base/atomic_replace.h"
 #include "base/clock.h"

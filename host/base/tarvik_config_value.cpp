@@ -1,6 +1,7 @@
 #include "base/kv_error_status.h"
 #include "base/tarvik_config.h"
 
+#include <algorithm>
 #include <new>
 
 namespace {

@@ -1,5 +1,8 @@
 #include "base/tv_string.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include <unicode/uchar.h>
 
 #include "base/kv_error_status.h"

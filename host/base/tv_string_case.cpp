@@ -1,5 +1,8 @@
 #include "base/tv_string.h"
 
+#include <algorithm>
+#include <utility>
+
 #include <unicode/uchar.h>
 #include <unicode/ustring.h>
 #include <unicode/utf16.h>

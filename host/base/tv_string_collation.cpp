@@ -1,5 +1,7 @@
 #include "base/natural_order.h"
 
+#include <memory>
+
 #include <unicode/coll.h>
 
 namespace {

@@ -70,9 +70,10 @@ TEST(CompareNoCase, TakesAMillionUnits)
     EXPECT_EQ(base::compareNoCase(lower, upper), 1);
 }
 
-TEST(CaseFolding, KeepsTheNumberOfUnitsOfEachCodePoint)
+TEST(CaseFolding, KeepsTheNumberOfUnitsOfEachLetter)
 {
-    for (std::uint32_t point = 0; point <= 0x10ffff; ++point) {
+    constexpr std::uint32_t kEndOfLettersWithCase = 0x20000; // the planes above have none
+    for (std::uint32_t point = 0; point < kEndOfLettersWithCase; ++point) {
         const std::u16string text = textOfPoint(point);
         const TvString folded = TvString(text).toLower();
         ASSERT_EQ(folded.view().size(), text.size()) << std::hex << point;
