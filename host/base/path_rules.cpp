@@ -76,15 +76,17 @@ bool beginsShare(View path, PathFlavour flavour)
            (flavour == PathFlavour::Windows || path[0] == u'\\');
 }
 
-/// Length of "\\.\", "\\?\" or "\??\", the doors to the system's devices; 0 when there is none.
+/// Length of "\\.\", "\\?\" or "\??\", the doors to the system's devices; 0 when there is none. The
+/// last separator may be missing at the end.
 std::size_t deviceLength(View path, PathFlavour flavour)
 {
-    if (path.size() < 4 || !isSeparatorAt(path, 3))
+    if (path.size() < 3 || (path.size() > 3 && !isSeparatorAt(path, 3)))
         return 0;
+    const std::size_t length = std::min<std::size_t>(path.size(), 4);
     if (beginsShare(path, flavour))
-        return path[2] == u'.' || path[2] == u'?' ? 4 : 0;
+        return path[2] == u'.' || path[2] == u'?' ? length : 0;
     const bool isObjectPath = isSeparatorAt(path, 0) && path.substr(1, 2) == u"??";
-    return flavour == PathFlavour::Windows && isObjectPath ? 4 : 0;
+    return flavour == PathFlavour::Windows && isObjectPath ? length : 0;
 }
 
 /// Length of "host\share\" behind @p from.
