@@ -32,12 +32,14 @@ constexpr PageName kPages[] = {
 };
 // clang-format on
 
-const char* converterOf(int number)
+constexpr int kWindows1252 = 30;
+
+const PageName* pageNumbered(int number)
 {
-    for (const PageName& page : kPages)
-        if (page.number == number)
-            return page.converter;
-    return "windows-1252";
+    const auto* const found =
+        std::find_if(std::begin(kPages), std::end(kPages),
+                     [number](const PageName& page) { return page.number == number; });
+    return found == std::end(kPages) ? nullptr : found;
 }
 
 struct CloseConverter {
@@ -83,16 +85,17 @@ bool isSurrogatePair(std::u16string_view text, std::size_t at)
 const CodePage& CodePage::numbered(int number)
 {
     static std::mutex mutex;
-    static auto* const pages = new std::map<std::string_view, std::unique_ptr<CodePage>>;
-    const char* const name = converterOf(number);
+    static auto* const pages = new std::map<int, std::unique_ptr<CodePage>>;
+    const PageName* found = pageNumbered(number);
+    const PageName& known = found ? *found : *pageNumbered(kWindows1252);
     const std::scoped_lock lock(mutex);
-    std::unique_ptr<CodePage>& page = (*pages)[name];
+    std::unique_ptr<CodePage>& page = (*pages)[known.number];
     if (!page)
-        page.reset(new CodePage(name));
+        page.reset(new CodePage(known.number, known.converter));
     return *page;
 }
 
-CodePage::CodePage(const char* converterName) : m_name(converterName)
+CodePage::CodePage(int number, const char* converterName) : m_number(number), m_name(converterName)
 {
     const Converter converter = openConverter(m_name);
     if (!converter)

@@ -25,7 +25,7 @@ FieldReader::FieldReader(RecordStreams streams, Version version, const CodePage&
                          db::Record& record, std::size_t bytes)
     : m_streams(streams), m_texts(hasStringStream(version) ? &m_streams.strings : &m_streams.data),
       m_handles(&m_streams.handles), m_record(record), m_words(record.words()),
-      m_codePage(codePage), m_isWide(hasStringStream(version)),
+      m_at(record.words().data()), m_codePage(codePage), m_isWide(hasStringStream(version)),
       m_mostWords(mostWordsFor(record.words().size(), bytes)),
       m_mostItems(static_cast<std::int64_t>(bytes) * 8)
 {
@@ -37,7 +37,9 @@ std::uint32_t FieldReader::append(std::uint64_t count)
         fail();
         return 0;
     }
-    return m_words.append(static_cast<std::uint32_t>(count));
+    const std::uint32_t at = m_words.append(static_cast<std::uint32_t>(count));
+    m_at = m_words.data();
+    return at;
 }
 
 std::uint64_t FieldReader::absolute(unsigned code, std::uint64_t value)
@@ -65,6 +67,7 @@ void FieldReader::readRare(const db::Op& op, std::uint32_t slot)
     case OpCode::DataHandle: return readHandle(m_streams.data, slot);
     case OpCode::ZeroRun: return readZeroRun(slot);
     case OpCode::ExtendedData: return readExtendedData(slot);
+    case OpCode::XrecordItems: return readXrecord(slot);
     case OpCode::RestOfData: return readRest(m_streams.data, slot);
     case OpCode::RestOfStrings: return m_isWide ? readRest(m_streams.strings, slot) : put(slot, 0);
     case OpCode::RestOfHandleBits: return readRest(*m_handles, slot);
@@ -108,72 +111,83 @@ void FieldReader::readText(std::uint32_t slot)
 
 void FieldReader::readWideText(std::uint32_t slot)
 {
-    if (!m_streams.hasStrings)
-        return put(slot, wordOf(Run{0, TextRun::kAsStored}));
-    BitReader& reader = *m_texts;
-    std::uint32_t length = reader.readBS();
-    if (length == 0)
-        return put(slot, wordOf(Run{0, TextRun::kAsStored}));
-    if (length > reader.remaining() / 16)
+    const std::uint32_t length = m_streams.hasStrings ? m_texts->readBS() : 0u;
+    if (length > m_texts->remaining() / 16)
         return fail();
     const std::uint32_t at = append((length + 3) / 4);
-    if (m_failed)
-        return;
-    auto* const units = reinterpret_cast<char16_t*>(m_words.data() + at);
-    m_words.data()[at + (length - 1) / 4] = 0; // the units behind the last one
-    for (std::uint32_t i = 0; i < length; ++i)
-        units[i] = reader.readRS();
-    std::uint32_t marks = TextRun::kAsStored;
-    if (units[length - 1] == 0) {
-        marks |= TextRun::kEndsInNul;
-        --length;
-    }
-    put(slot, wordOf(Run{at, length | marks}));
+    if (m_failed || length == 0)
+        return put(slot, wordOf(Run{0, TextRun::kAsStored}));
+    m_at[at + (length - 1) / 4] = 0; // the units behind the last one
+    copyBytes(*m_texts, m_at + at, length * sizeof(char16_t));
+    endWideText(slot, at, length);
+}
+
+void FieldReader::putWideText(std::uint32_t slot, Bytes bytes)
+{
+    const auto length = static_cast<std::uint32_t>(bytes.size() / 2);
+    const std::uint32_t at = append((length + 3) / 4);
+    if (m_failed || length == 0)
+        return put(slot, wordOf(Run{0, TextRun::kAsStored}));
+    m_at[at + (length - 1) / 4] = 0;
+    std::memcpy(m_at + at, bytes.data(), bytes.size());
+    endWideText(slot, at, length);
+}
+
+// A last NUL is told beside the text, not in it.
+void FieldReader::endWideText(std::uint32_t slot, std::uint32_t at, std::uint32_t length)
+{
+    const auto* units = reinterpret_cast<const char16_t*>(m_at + at);
+    const bool endsInNul = units[length - 1] == 0;
+    put(slot, wordOf(Run{at, (length - endsInNul) | TextRun::kAsStored |
+                                 (endsInNul ? TextRun::kEndsInNul : 0)}));
 }
 
 void FieldReader::readNarrowText(std::uint32_t slot)
 {
     BitReader& reader = *m_texts;
     const std::uint32_t stored = reader.readBS();
-    if (stored == 0)
-        return put(slot, wordOf(Run{0, TextRun::kAsStored}));
     if (stored > reader.remaining() / 8)
         return fail();
+    m_scratch.resize(stored);
+    copyBytes(reader, m_scratch.data(), stored);
+    putNarrowText(slot, m_scratch, m_codePage);
+}
+
+void FieldReader::putNarrowText(std::uint32_t slot, Bytes bytes, const CodePage& codePage)
+{
+    if (bytes.empty())
+        return put(slot, wordOf(Run{0, TextRun::kAsStored}));
+    const auto stored = static_cast<std::uint32_t>(bytes.size());
     const std::uint32_t at = append((stored + 3) / 4);
     if (m_failed)
         return;
-    auto* const units = reinterpret_cast<char16_t*>(m_words.data() + at);
-    m_words.data()[at + (stored - 1) / 4] = 0;
-    const std::size_t begin = reader.position();
+    auto* const units = reinterpret_cast<char16_t*>(m_at + at);
+    m_at[at + (stored - 1) / 4] = 0;
     bool simple = true; // every byte one unit, and back
     for (std::uint32_t i = 0; i < stored; ++i) {
-        const std::uint8_t byte = reader.readRC();
-        units[i] = m_codePage.unitOf(byte);
-        simple = simple && (units[i] != 0 || byte == 0);
+        units[i] = codePage.unitOf(bytes[i]);
+        simple = simple && (units[i] != 0 || bytes[i] == 0);
     }
-    const bool endsInNul = units[stored - 1] == 0 && simple;
-    if (simple)
-        return put(slot, wordOf(Run{at, (stored - endsInNul) | TextRun::kAsStored |
-                                            (endsInNul ? TextRun::kEndsInNul : 0)}));
-    reader.seek(begin);
-    std::vector<std::uint8_t> bytes(stored);
-    reader.readBytes(bytes);
-    keepBytes(slot, bytes);
+    if (!simple)
+        return keepBytes(slot, bytes, codePage);
+    const bool endsInNul = units[stored - 1] == 0;
+    put(slot, wordOf(Run{at, (stored - endsInNul) | TextRun::kAsStored |
+                                 (endsInNul ? TextRun::kEndsInNul : 0)}));
 }
 
 // Text of a code page with several bytes to a character, or with bytes that mean nothing in it.
-void FieldReader::keepBytes(std::uint32_t slot, std::span<const std::uint8_t> bytes)
+void FieldReader::keepBytes(std::uint32_t slot, Bytes bytes, const CodePage& codePage)
 {
     const bool endsInNul = bytes.back() == 0;
     std::u16string text;
-    const bool exact = m_codePage.decode(bytes.first(bytes.size() - endsInNul), text);
+    const bool exact = codePage.decode(bytes.first(bytes.size() - endsInNul), text);
     const auto length = static_cast<std::uint32_t>(text.size());
     const std::uint64_t unitWords = (length + 3) / 4;
     const std::uint64_t keptWords = exact ? 0 : 1 + (bytes.size() + 7) / 8;
     const std::uint32_t at = append(unitWords + keptWords);
     if (m_failed)
         return;
-    std::uint64_t* const words = m_words.data() + at;
+    std::uint64_t* const words = m_at + at;
     std::fill(words, words + unitWords + keptWords, 0);
     std::memcpy(words, text.data(), length * sizeof(char16_t));
     std::uint32_t marks = TextRun::kAsStored | (endsInNul ? TextRun::kEndsInNul : 0);
@@ -193,6 +207,19 @@ void FieldReader::readZeroRun(std::uint32_t slot)
     put(slot, count);
 }
 
+// Six bytes at a time: the most that a reader gives at once, in whole UTF-16 units.
+void FieldReader::copyBytes(BitReader& reader, void* out, std::size_t count)
+{
+    auto* bytes = static_cast<std::uint8_t*>(out);
+    for (; count >= 6; count -= 6, bytes += 6) {
+        const std::uint64_t six = reader.readBits(48);
+        for (unsigned i = 0; i < 6; ++i)
+            bytes[i] = static_cast<std::uint8_t>(six >> (40 - 8 * i));
+    }
+    for (; count > 0; --count)
+        *bytes++ = reader.readRC();
+}
+
 Run FieldReader::readByteRun(std::int64_t count)
 {
     if (count < 0 || static_cast<std::uint64_t>(count) > m_streams.data.remaining() / 8) {
@@ -204,9 +231,8 @@ Run FieldReader::readByteRun(std::int64_t count)
     const std::uint32_t at = append(static_cast<std::uint64_t>(count + 7) / 8);
     if (m_failed)
         return {};
-    m_words.data()[at + (count - 1) / 8] = 0;
-    auto* const bytes = reinterpret_cast<std::uint8_t*>(m_words.data() + at);
-    m_streams.data.readBytes({bytes, static_cast<std::size_t>(count)});
+    m_at[at + (count - 1) / 8] = 0;
+    copyBytes(m_streams.data, m_at + at, static_cast<std::size_t>(count));
     return {at, static_cast<std::uint32_t>(count)};
 }
 
@@ -245,7 +271,7 @@ std::uint32_t FieldReader::enter(std::uint32_t slot, const db::LoopInfo& loop, s
     const std::uint32_t at = append(std::uint64_t(items) * loop.stride);
     if (m_failed)
         return 0;
-    std::uint64_t* words = m_words.data() + at;
+    std::uint64_t* words = m_at + at;
     if (loop.element)
         for (std::uint32_t i = 0; i < items; ++i, words += loop.stride)
             std::copy(loop.element->defaults.begin(), loop.element->defaults.end(), words);
@@ -261,25 +287,8 @@ void FieldReader::putList(std::uint32_t slot, std::span<const std::uint64_t> wor
     const std::uint32_t at = append(words.size());
     if (m_failed)
         return;
-    std::copy(words.begin(), words.end(), m_words.data() + at);
+    std::copy(words.begin(), words.end(), m_at + at);
     put(slot, wordOf(Run{at, static_cast<std::uint32_t>(words.size() / stride)}));
-}
-
-void FieldReader::readExtendedData(std::uint32_t slot)
-{
-    BitReader& data = m_streams.data;
-    std::uint32_t size = data.readBS();
-    if (size == 0)
-        return;                        // as nearly always
-    std::vector<std::uint64_t> groups; // application, bytes
-    const std::uint32_t scratch = append(1);
-    for (; size != 0 && ok(); size = data.readBS()) {
-        readHandle(data, scratch);
-        groups.push_back(m_words.data()[scratch]);
-        groups.push_back(wordOf(readByteRun(size)));
-    }
-    if (ok())
-        putList(slot, groups, 2);
 }
 
 void FieldReader::readRestOfHandles(std::uint32_t slot)
@@ -288,7 +297,7 @@ void FieldReader::readRestOfHandles(std::uint32_t slot)
     const std::uint32_t scratch = append(1);
     while (ok() && m_handles->remaining() >= 8) {
         readHandle(*m_handles, scratch);
-        handles.push_back(m_words.data()[scratch]);
+        handles.push_back(m_at[scratch]);
     }
     if (ok())
         putList(slot, handles, 1);
@@ -300,13 +309,11 @@ void FieldReader::readRest(BitReader& reader, std::uint32_t slot)
     const std::uint32_t at = append((count + 63) / 64);
     if (m_failed || count == 0 || count >= db::kLargestCount)
         return put(slot, 0);
-    auto* bytes = reinterpret_cast<std::uint8_t*>(m_words.data() + at);
-    m_words.data()[at + (count - 1) / 64] = 0;
-    for (std::size_t left = count; left > 0; ++bytes) {
-        const auto bits = static_cast<unsigned>(std::min<std::size_t>(left, 8));
-        *bytes = static_cast<std::uint8_t>(reader.readBits(bits) << (8 - bits));
-        left -= bits;
-    }
+    auto* const bytes = reinterpret_cast<std::uint8_t*>(m_at + at);
+    m_at[at + (count - 1) / 64] = 0;
+    copyBytes(reader, bytes, count / 8);
+    if (const auto rest = static_cast<unsigned>(count % 8))
+        bytes[count / 8] = static_cast<std::uint8_t>(reader.readBits(rest) << (8 - rest));
     put(slot, wordOf(Run{at, static_cast<std::uint32_t>(count)}));
 }
 
@@ -346,8 +353,8 @@ void FieldReader::readSabBytes(std::uint32_t slot)
     const std::uint32_t at = append((bytes.size() + 7) / 8);
     if (m_failed)
         return;
-    m_words.data()[at + (bytes.size() - 1) / 8] = 0;
-    std::memcpy(m_words.data() + at, bytes.data(), bytes.size());
+    m_at[at + (bytes.size() - 1) / 8] = 0;
+    std::memcpy(m_at + at, bytes.data(), bytes.size());
     put(slot, wordOf(Run{at, static_cast<std::uint32_t>(bytes.size())}));
 }
 

@@ -5,6 +5,7 @@
 
 #include "dwg/code_page.h"
 #include "dwg/record_streams.h"
+#include "object_items.h"
 
 namespace dwg {
 
@@ -22,13 +23,13 @@ public:
     void readHandlesFromData() { m_handles = &m_streams.data; }
     RecordStreams& streams() { return m_streams; }
 
-    const std::uint64_t* words() const { return m_words.data(); }
+    const std::uint64_t* words() const { return m_at; }
     bool ok() const { return !m_failed && !m_streams.failed(); }
     void bytes(std::uint32_t slot, std::int64_t count);
     void chain(std::uint32_t slot, std::int64_t count);
     std::uint32_t enter(std::uint32_t slot, const db::LoopInfo& loop, std::int64_t count);
 
-    void field(const db::Op& op, std::uint32_t slot)
+    [[gnu::always_inline]] void field(const db::Op& op, std::uint32_t slot)
     {
         BitReader& data = m_streams.data;
         switch (op.code) {
@@ -62,7 +63,7 @@ public:
     }
 
 private:
-    void put(std::uint32_t slot, std::uint64_t value) { m_words.data()[slot] = value; }
+    void put(std::uint32_t slot, std::uint64_t value) { m_at[slot] = value; }
     void putSigned(std::uint32_t slot, std::int64_t value)
     {
         put(slot, static_cast<std::uint64_t>(value));
@@ -77,7 +78,7 @@ private:
         putReal(slot + 1, value.y);
         putReal(slot + 2, value.z);
     }
-    double realAt(std::uint32_t slot) const { return std::bit_cast<double>(m_words.data()[slot]); }
+    double realAt(std::uint32_t slot) const { return std::bit_cast<double>(m_at[slot]); }
 
     void readHandle(BitReader& reader, std::uint32_t slot)
     {
@@ -95,16 +96,24 @@ private:
     void readScale(std::uint32_t slot);
     void readText(std::uint32_t slot);
     void readNarrowText(std::uint32_t slot);
+    void putNarrowText(std::uint32_t slot, Bytes bytes, const CodePage& codePage);
+    void putWideText(std::uint32_t slot, Bytes bytes);
+    void endWideText(std::uint32_t slot, std::uint32_t at, std::uint32_t length);
     void readWideText(std::uint32_t slot);
     void readZeroRun(std::uint32_t slot);
     void readExtendedData(std::uint32_t slot);
+    void readXrecord(std::uint32_t slot);
+    void readContent(std::uint32_t slot, std::size_t size, bool isExtended);
+    void putItem(std::uint32_t item, const GroupItem& value);
     void readRestOfHandles(std::uint32_t slot);
     void readRest(BitReader& reader, std::uint32_t slot);
     void readSatBlocks(std::uint32_t slot);
     void readSabBytes(std::uint32_t slot);
 
-    void keepBytes(std::uint32_t slot, std::span<const std::uint8_t> bytes);
+    void keepBytes(std::uint32_t slot, Bytes bytes, const CodePage& codePage);
+    db::Run putBytes(Bytes bytes);
     db::Run readByteRun(std::int64_t count);
+    static void copyBytes(BitReader& reader, void* out, std::size_t count);
     void putList(std::uint32_t slot, std::span<const std::uint64_t> words, std::uint32_t stride);
     /// The first of @p count more words; 0, and failed, where that is too much.
     std::uint32_t append(std::uint64_t count);
@@ -115,9 +124,12 @@ private:
     BitReader* m_handles;
     db::Record& m_record;
     db::WordBuffer& m_words;
+    std::uint64_t* m_at; // the record's words, where they are now
     const CodePage& m_codePage;
     bool m_isWide;
+    bool m_isExtended = false; // the items being read
     bool m_failed = false;
+    std::vector<std::uint8_t> m_scratch;
     std::uint64_t m_mostWords; // the record may take
     std::int64_t m_mostItems;  // an array may have: more do not fit into the bits there are
 };

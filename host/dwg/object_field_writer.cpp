@@ -57,6 +57,7 @@ void FieldWriter::writeRare(const db::Op& op, std::uint32_t slot)
         return data.writeRC(0);
     }
     case OpCode::ExtendedData: return writeExtendedData(slot);
+    case OpCode::XrecordItems: return writeXrecord(slot);
     case OpCode::RestOfData: return writeBits(data, slot);
     case OpCode::RestOfStrings: return m_isWide ? writeBits(strings, slot) : void();
     case OpCode::RestOfHandleBits: return writeBits(*m_handles, slot);
@@ -96,34 +97,35 @@ void FieldWriter::writeScale(const Triple& scale)
 
 void FieldWriter::writeText(Run run)
 {
-    const std::u16string_view text(reinterpret_cast<const char16_t*>(m_words + run.offset),
-                                   TextRun::length(run));
-    if (!m_isWide)
-        return writeNarrowText(run, text);
-    const bool marked = m_isSameVersion && (run.count & TextRun::kEndsInNul);
-    if (!marked)
-        return strings.writeTU(text);
-    std::u16string withNul(text);
-    withNul += u'\0';
-    strings.writeTU(withNul);
+    if (m_isWide)
+        strings.writeTU(wideUnits(run));
+    else
+        data.writeT(narrowBytes(run, m_codePage, true));
 }
 
-void FieldWriter::writeNarrowText(Run run, std::u16string_view text)
+std::u16string FieldWriter::wideUnits(Run run) const
+{
+    std::u16string units(textAt(run));
+    if (m_isSameVersion && (run.count & TextRun::kEndsInNul))
+        units += u'\0';
+    return units;
+}
+
+// New texts are written with a NUL that counts, as most of them are found; but they stay as they
+// were.
+std::string FieldWriter::narrowBytes(Run run, const CodePage& codePage, bool newEndsInNul) const
 {
     const bool asStored = m_isSameVersion && (run.count & TextRun::kAsStored);
     if (asStored && (run.count & TextRun::kKeepsBytes)) {
         const std::uint32_t at = run.offset + TextRun::unitWords(run);
-        const auto size = static_cast<std::uint32_t>(m_words[at]);
-        const auto* kept = reinterpret_cast<const char*>(m_words + at + 1);
-        return data.writeT({kept, size});
+        return {reinterpret_cast<const char*>(m_words + at + 1), m_words[at]};
     }
-    // Texts are written with a NUL that counts, as most of them are found; but they stay as they
-    // were.
-    const bool endsInNul = asStored ? (run.count & TextRun::kEndsInNul) != 0 : !text.empty();
-    std::string bytes = m_codePage.encode(text);
+    std::string bytes = codePage.encode(textAt(run));
+    const bool endsInNul =
+        asStored ? (run.count & TextRun::kEndsInNul) != 0 : newEndsInNul && !bytes.empty();
     if (endsInNul)
         bytes += '\0';
-    data.writeT(bytes);
+    return bytes;
 }
 
 void FieldWriter::writeHandle(BitWriter& writer, std::uint64_t word, std::uint8_t code)
@@ -180,23 +182,6 @@ void FieldWriter::chain(std::uint32_t slot, std::int64_t count)
     data.writeRLL(m_words[at + 1]);
     for (std::uint32_t i = 2; i < count * 2; ++i)
         data.writeDD(realAt(at + i), realAt(at + i - 2));
-}
-
-void FieldWriter::writeExtendedData(std::uint32_t slot)
-{
-    const Run groups = db::arrayOf(m_words[slot]);
-    for (std::uint32_t i = 0; i < groups.count; ++i) {
-        const std::uint32_t group = groups.offset + i * 2;
-        const Run run = db::runOf(m_words[group + 1]);
-        if (run.count == 0 || run.count > 0xFFFF) {
-            m_failed = true; // an empty group would end the list
-            return;
-        }
-        data.writeBS(static_cast<std::uint16_t>(run.count));
-        writeHandle(data, m_words[group], 5);
-        data.writeBytes(bytesAt(run));
-    }
-    data.writeBS(0);
 }
 
 void FieldWriter::writeSatBlocks(std::uint32_t slot)

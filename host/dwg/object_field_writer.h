@@ -55,10 +55,19 @@ private:
     void writeShort(std::uint32_t slot);
     void writeScale(const Triple& scale);
     void writeText(db::Run run);
-    void writeNarrowText(db::Run run, std::u16string_view text);
     void writeHandle(BitWriter& writer, std::uint64_t word, std::uint8_t code);
     bool writeRelative(BitWriter& writer, std::uint8_t code, std::uint64_t target);
     void writeExtendedData(std::uint32_t slot);
+    void writeXrecord(std::uint32_t slot);
+    std::vector<std::uint8_t> contentBytes(std::uint32_t slot, bool isExtended);
+    void appendItem(std::vector<std::uint8_t>& out, std::uint32_t item, bool isExtended);
+    void appendText(std::vector<std::uint8_t>& out, std::uint32_t item, bool isExtended);
+    std::string narrowBytes(db::Run run, const CodePage& codePage, bool newEndsInNul) const;
+    std::u16string wideUnits(db::Run run) const;
+    std::u16string_view textAt(db::Run run) const
+    {
+        return {reinterpret_cast<const char16_t*>(m_words + run.offset), db::TextRun::length(run)};
+    }
     void writeSatBlocks(std::uint32_t slot);
     void writeRestOfHandles(std::uint32_t slot);
     void writeBits(BitWriter& writer, std::uint32_t slot);

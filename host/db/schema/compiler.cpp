@@ -97,7 +97,9 @@ private:
             if (condition.isConstant() && condition.value == 0)
                 continue;
             const bool always = condition.isConstant();
-            const std::uint32_t skip = always ? 0 : emitUnless(condition, scope);
+            std::vector<std::uint32_t> skips;
+            if (!always)
+                emitUnless(condition, scope, skips);
             addBody(branch.body, scope);
             if (always)
                 break;
@@ -106,7 +108,8 @@ private:
                 toEnd.push_back(here());
                 emit(OpCode::Jump, 0);
             }
-            m_program.ops[skip].b = here();
+            for (const std::uint32_t skip : skips)
+                m_program.ops[skip].b = here();
         }
         for (const std::uint32_t jump : toEnd)
             m_program.ops[jump].b = here();
@@ -130,17 +133,21 @@ private:
         return copy;
     }
 
-    // The jump over a branch: a plain one where one field in this frame decides.
-    std::uint32_t emitUnless(const Condition& condition, const Scope& scope)
+    // The jumps over a branch: plain ones where single fields in this frame decide.
+    void emitUnless(const Condition& condition, const Scope& scope,
+                    std::vector<std::uint32_t>& skips)
     {
-        const std::uint32_t at = here();
+        if (condition.is(Code::And)) {
+            emitUnless(condition.parts[0], scope, skips);
+            return emitUnless(condition.parts[1], scope, skips);
+        }
+        skips.push_back(here());
         if (emitPlainJump(condition, scope, OpCode::JumpIfZero))
-            return at;
+            return;
         if (condition.is(Code::Not) &&
             emitPlainJump(condition.parts[0], scope, OpCode::JumpIfNonZero))
-            return at;
+            return;
         emit(OpCode::JumpUnless, 0).a = addExpression(condition, scope);
-        return at;
     }
 
     bool emitPlainJump(const Condition& condition, const Scope& scope, OpCode code)

@@ -59,8 +59,8 @@ bool hasOnePart(Expression::Code code)
 
 std::int64_t Expression::evaluateSteps(const std::uint64_t* words, const Frame& frame) const
 {
-    std::array<std::int64_t, kStackSize> stack{}; // the compiler of tables keeps within it
-    std::size_t top = 0;                          // how many there are
+    std::array<std::int64_t, kStackSize> stack; // the compiler of tables keeps within it
+    std::size_t top = 0;                        // how many there are
     for (const Step& step : m_steps) {
         if (loads(step.code)) {
             stack[top++] = step.code == Code::Constant ? step.value : loaded(step, words, &frame);

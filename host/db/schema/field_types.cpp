@@ -44,9 +44,11 @@ constexpr FieldType kTypes[] = {
     {"H3",         OpCode::Handle,            3,              Handle},
     {"H4",         OpCode::Handle,            4,              Handle},
     {"H5",         OpCode::Handle,            5,              Handle},
+    {"SEED",       OpCode::DataHandle,        1,              Handle}, // refers to nothing yet
     {"DH0",        OpCode::DataHandle,        0,              Handle},
     {"HREST",      OpCode::RestOfHandles,     kAnyHandleCode, Array},
     {"EED",        OpCode::ExtendedData,      1,              Array},
+    {"XITEMS",     OpCode::XrecordItems,      1,              Struct},
     {"SAT1",       OpCode::SatBlocks,         1,              Array},
     {"SAB",        OpCode::SabBytes,          1,              Bytes},
     {"RESTBITS",   OpCode::RestOfData,        1,              Bits},

@@ -170,16 +170,25 @@ private:
     {
         field.storage = type.storage;
         field.angle = type.angle;
+        field.wide = type.code == OpCode::BitLongLong;
         if (type.storage == Storage::Real || type.code == OpCode::BitLong)
             field.width = type.arity;
         if (type.code == OpCode::Handle && type.arity != kAnyHandleCode)
             field.handleCode = type.arity;
         if (type.code == OpCode::RestOfHandles)
             field.element = Storage::Handle;
-        if (type.code == OpCode::ExtendedData || type.code == OpCode::SatBlocks) {
+        field.structure = structureOf(type.code);
+        if (field.storage == Storage::Array && field.structure)
             field.element = Storage::Struct;
-            field.structure =
-                type.code == OpCode::ExtendedData ? extendedDataElement() : satBlockElement();
+    }
+
+    static const StructDef* structureOf(OpCode code)
+    {
+        switch (code) {
+        case OpCode::ExtendedData: return extendedDataElement();
+        case OpCode::XrecordItems: return xrecordContent();
+        case OpCode::SatBlocks: return satBlockElement();
+        default: return nullptr;
         }
     }
 
@@ -316,24 +325,69 @@ private:
     std::vector<Guard> m_guards; // of the branches we are in
 };
 
-StructDef* makeElement(std::string_view name, bool withApplication)
+/// A struct that no table describes, because its codec is written out.
+class FixedStruct
 {
-    auto* def = new StructDef;
-    def->name = name;
-    if (withApplication) {
-        FieldDef app;
-        app.id = fieldId("app");
-        app.storage = Storage::Handle;
-        app.handleCode = 5;
-        def->fields.push_back(app);
+public:
+    explicit FixedStruct(std::string_view name) : m_def(new StructDef) { m_def->name = name; }
+
+    FixedStruct& add(const char* name, Storage storage, std::uint8_t width = 1)
+    {
+        FieldDef field;
+        field.id = fieldId(name);
+        field.storage = storage;
+        field.width = width;
+        return add(field);
     }
-    FieldDef data;
-    data.id = fieldId("data");
-    data.storage = Storage::Bytes;
-    data.slot = withApplication ? 1 : 0;
-    def->fields.push_back(data);
-    def->defaults.assign(def->fields.size(), 0);
-    def->index();
+    FixedStruct& addWide(const char* name)
+    {
+        add(name, Storage::Integer);
+        m_def->fields.back().wide = true;
+        return *this;
+    }
+    FixedStruct& addHandle(const char* name, std::uint8_t code)
+    {
+        add(name, Storage::Handle);
+        m_def->fields.back().handleCode = code;
+        return *this;
+    }
+    FixedStruct& addArray(const char* name, const StructDef* element)
+    {
+        FieldDef field;
+        field.id = fieldId(name);
+        field.storage = Storage::Array;
+        field.element = Storage::Struct;
+        field.structure = element;
+        return add(field);
+    }
+    const StructDef* done()
+    {
+        m_def->index();
+        return m_def; // never destroyed: classes point to it
+    }
+
+private:
+    FixedStruct& add(FieldDef field)
+    {
+        field.slot = m_def->size();
+        m_def->fields.push_back(field);
+        m_def->defaults.resize(m_def->size() + field.width, 0);
+        return *this;
+    }
+
+    StructDef* m_def;
+};
+
+const StructDef* groupItem()
+{
+    static const StructDef* const def = FixedStruct("item")
+                                            .add("code", Storage::Integer)
+                                            .addWide("integer")
+                                            .add("point", Storage::Real, 3)
+                                            .add("text", Storage::Text)
+                                            .addHandle("handle", 0)
+                                            .add("bytes", Storage::Bytes)
+                                            .done();
     return def;
 }
 
@@ -365,14 +419,25 @@ const NamedStruct* structNamed(std::string_view name)
 
 const StructDef* extendedDataElement()
 {
-    static const StructDef* const element = makeElement("eed", true);
-    return element;
+    static const StructDef* const def = FixedStruct("eed")
+                                            .addArray("items", groupItem())
+                                            .add("data", Storage::Bytes)
+                                            .addHandle("app", 5)
+                                            .done();
+    return def;
+}
+
+const StructDef* xrecordContent()
+{
+    static const StructDef* const def =
+        FixedStruct("xrecord").addArray("items", groupItem()).add("data", Storage::Bytes).done();
+    return def;
 }
 
 const StructDef* satBlockElement()
 {
-    static const StructDef* const element = makeElement("sat", false);
-    return element;
+    static const StructDef* const def = FixedStruct("sat").add("data", Storage::Bytes).done();
+    return def;
 }
 
 } // namespace db

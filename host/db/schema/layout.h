@@ -30,8 +30,9 @@ struct NamedStruct {
 };
 const NamedStruct* structNamed(std::string_view name);
 
-/// The element of an EED list: app, data. And of a SAT1 list: data.
+/// What the types EED, XITEMS and SAT1 are made of (group_items.h tells the names).
 const StructDef* extendedDataElement();
+const StructDef* xrecordContent();
 const StructDef* satBlockElement();
 
 } // namespace db

@@ -86,9 +86,9 @@ void RecordEditor::openGuards(const FieldDef& field)
 bool RecordEditor::setInteger(FieldKey key, std::int64_t value)
 {
     const FieldDef* field = find(key, Storage::Integer);
-    if (!field || value < kSmallest || value > kLargest)
+    if (!field || (!field->wide && (value < kSmallest || value > kLargest)))
         return false;
-    *slot(*field) = integerWord(value);
+    *slot(*field) = field->wide ? static_cast<std::uint64_t>(value) : integerWord(value);
     openGuards(*field);
     return true;
 }

@@ -1,5 +1,6 @@
 #include "db/references.h"
 
+#include "db/group_items.h"
 #include "db/program_runner.h"
 
 namespace db {
@@ -33,10 +34,11 @@ public:
     void field(const Op& op, std::uint32_t slot)
     {
         switch (op.code) {
-        case OpCode::Handle:
-        case OpCode::DataHandle: return show(slot, op.arity);
-        case OpCode::RestOfHandles: return showAll(slot, 1);
-        case OpCode::ExtendedData: return showAll(slot, 2);
+        case OpCode::Handle: return show(slot, op.arity);
+        case OpCode::DataHandle: return op.arity == 0 ? show(slot, 4) : void();
+        case OpCode::RestOfHandles: return showAll(slot);
+        case OpCode::ExtendedData: return showExtendedData(slot);
+        case OpCode::XrecordItems: return showItems(slot);
         default: return;
         }
     }
@@ -49,12 +51,32 @@ public:
     }
 
 private:
-    void showAll(std::uint32_t slot, std::uint32_t stride)
+    void showAll(std::uint32_t slot)
     {
         const Run run = arrayOf(words()[slot]);
-        const std::uint8_t code = stride == 2 ? 5 : kAnyHandleCode;
         for (std::uint32_t i = 0; i < run.count; ++i)
-            show(run.offset + i * stride, code);
+            show(run.offset + i, kAnyHandleCode);
+    }
+
+    void showExtendedData(std::uint32_t slot)
+    {
+        const Run groups = arrayOf(words()[slot]);
+        for (std::uint32_t i = 0; i < groups.count; ++i) {
+            const std::uint32_t group = groups.offset + i * ContentSlots::kExtendedSize;
+            show(group + ContentSlots::kApplication, 5);
+            showItems(group);
+        }
+    }
+
+    void showItems(std::uint32_t content)
+    {
+        const Run items = arrayOf(words()[content + ContentSlots::kItems]);
+        for (std::uint32_t i = 0; i < items.count; ++i) {
+            const std::uint32_t item = items.offset + i * ItemSlots::kSize;
+            const auto code = static_cast<int>(words()[item + ItemSlots::kCode]);
+            if (const auto kind = itemReferenceKind(code))
+                show(item + ItemSlots::kHandle, static_cast<std::uint8_t>(*kind));
+        }
     }
 
     void show(std::uint32_t slot, std::uint8_t code)

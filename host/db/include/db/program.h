@@ -33,6 +33,7 @@ enum class OpCode : std::uint8_t {
     DataHandle,       ///< a handle that stands among the data
     ZeroRun,          ///< RCZ: a count as so many bytes, then a zero byte
     ExtendedData,     ///< all EED groups
+    XrecordItems,     ///< XITEMS: a size in bytes, then group items
     RestOfData,       ///< RESTBITS
     RestOfStrings,    ///< RESTSTR
     RestOfHandleBits, ///< RESTHND

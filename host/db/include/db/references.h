@@ -13,8 +13,8 @@ struct Reference {
 };
 
 /// Calls @p visit for every reference that the record's version would write, in the order of its
-/// table: owner and reactors, fields, arrays, the applications of extended data. Null references
-/// are left out, and so are handles inside kept bytes (extended data, xrecord items).
+/// table: owner and reactors, fields, arrays, items of extended data and of xrecords. Null
+/// references are left out; so are handles in bytes that are kept undecoded.
 /// @return false when the record contradicts itself, so that it could not be written either.
 bool forEachReference(const Record& record, const std::function<void(const Reference&)>& visit);
 

@@ -42,6 +42,7 @@ struct FieldDef {
     Storage element = Storage::Integer; ///< of an array
     std::uint8_t handleCode = 0;        ///< 2 to 5: the kind of reference; else 0
     bool angle = false;                 ///< radians here, degrees in DXF
+    bool wide = false;                  ///< an integer of more than 32 bits
     std::int16_t dxf = -1;              ///< first group code; -1: not in DXF
     std::uint32_t slot = 0;
     std::uint32_t fixedCount = 0;         ///< elements or bytes that are always there

@@ -23,6 +23,8 @@ public:
     CodePage(const CodePage&) = delete;
     CodePage& operator=(const CodePage&) = delete;
 
+    /// Its number in drawings; that of Windows-1252 for those made of an unknown number.
+    int number() const { return m_number; }
     /// @p bytes as UTF-16, never longer than they; false when writing it would give other bytes.
     /// Bytes that mean nothing become U+FFFD.
     bool decode(std::span<const std::uint8_t> bytes, std::u16string& out) const;
@@ -32,11 +34,12 @@ public:
     std::string encode(std::u16string_view text) const;
 
 private:
-    explicit CodePage(const char* converterName);
+    CodePage(int number, const char* converterName);
 
     bool decodeMultibyte(std::span<const std::uint8_t> bytes, std::u16string& out) const;
     void appendUnit(std::u16string_view text, std::size_t& at, std::string& out) const;
 
+    int m_number;
     const char* m_name;
     bool m_isMultibyte = false;
     std::array<char16_t, 256> m_units{}; // 0: none, or not there and back
