@@ -5,6 +5,7 @@
 #include <base/tv_db_handle.h>
 
 #include "flat_container.h"
+#include "paged_container.h"
 #include "raw_check.h"
 
 namespace dwg {
@@ -32,7 +33,9 @@ base::Result<std::unique_ptr<Container>> openContainer(Version version, Bytes fi
 {
     switch (version) {
     case Version::Ac1015: return openAs<FlatContainer>(file);
-    default: return base::Status(base::Failure::Unsupported, base::Reason::DwgNotDrawing);
+    case Version::Ac1021:
+        return base::Status(base::Failure::Unsupported, base::Reason::DwgNotDrawing);
+    default: return openAs<PagedContainer>(file);
     }
 }
 

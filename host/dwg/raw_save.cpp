@@ -67,12 +67,13 @@ std::uint64_t highestHandle(const RawDrawing& drawing, const RawChanges& changes
     return highest;
 }
 
-base::Result<SavePlan> makePlan(const RawDrawing& drawing, const RawChanges& changes)
+base::Result<SavePlan> makePlan(const RawDrawing& drawing, const RawChanges& changes,
+                                const SaveOptions& options)
 {
     if (base::Status status = checkChanges(drawing, changes); !status)
         return status;
     SavePlan plan{drawing, changes, changes.sections,
-                  changes.header ? *changes.header : drawing.header()};
+                  changes.header ? *changes.header : drawing.header(), options.repair};
     const std::uint64_t highest = highestHandle(drawing, changes);
     if (plan.header.handSeed() <= highest) // 2
         plan.header.setHandle("HANDSEED", highest + 1);
@@ -97,9 +98,10 @@ base::Result<std::vector<std::uint8_t>> writePlan(const SavePlan& plan)
 {
     switch (plan.source.version()) {
     case Version::Ac1015: return writeFlat(plan);
-    default:
+    case Version::Ac1021:
         return base::Status(base::Failure::Unsupported, base::Reason::DwgVersionNotWritten,
                             {TvString(nameOf(plan.source.version()))});
+    default: return writePaged(plan);
     }
 }
 
@@ -133,7 +135,7 @@ base::Result<std::vector<std::uint8_t>> save(const RawDrawing& drawing, const Ra
         std::any_of(found.begin(), found.end(), [](const Finding& f) { return f.forbidsSave(); });
     if (forbidden && !options.repair) // 3
         return base::Status(base::Failure::Damaged, base::Reason::DwgDamageNotSaved);
-    const auto plan = makePlan(drawing, changes);
+    const auto plan = makePlan(drawing, changes, options);
     if (!plan)
         return plan.status();
     auto bytes = writePlan(*plan);
@@ -147,7 +149,7 @@ base::Result<std::vector<std::uint8_t>> save(const RawDrawing& drawing, const Ra
 base::Status verifySaved(const RawDrawing& drawing, const RawChanges& changes,
                          const std::vector<std::uint8_t>& saved)
 {
-    const auto plan = makePlan(drawing, changes);
+    const auto plan = makePlan(drawing, changes, {});
     return plan ? verifyPlan(*plan, saved) : plan.status();
 }
 

@@ -18,6 +18,8 @@ struct SavePlan {
     std::map<std::string, std::vector<std::uint8_t>> sections;
     /// The final header variables, whose section is among the sections if it differs.
     HeaderVariables header;
+    /// Whether wrong checksums may become right ones.
+    bool repair = false;
 
     const std::vector<std::uint8_t>* changed(std::string_view name) const
     {
@@ -39,5 +41,6 @@ std::vector<PlannedObject> objectsInFileOrder(const SavePlan& plan);
 
 /// The writers of the containers.
 base::Result<std::vector<std::uint8_t>> writeFlat(const SavePlan& plan);
+base::Result<std::vector<std::uint8_t>> writePaged(const SavePlan& plan);
 
 } // namespace dwg

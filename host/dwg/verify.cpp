@@ -68,6 +68,8 @@ private:
     {
         if (name == section::kHandles || name == section::kObjects || name == section::kSignature)
             return true;
+        if (m_plan.source.container().sameSection(name, m_saved.container()))
+            return true;
         const auto old = m_plan.source.section(name);
         return !old || sectionIs(name, *old, previewAddress(m_plan.source));
     }
@@ -85,13 +87,24 @@ private:
     bool objectsRight() const
     {
         const auto planned = objectsInFileOrder(m_plan);
-        return planned.size() == m_saved.objects().size() &&
-               std::all_of(planned.begin(), planned.end(),
-                           [&](const PlannedObject& object) { return objectRight(object); });
+        if (planned.size() != m_saved.objects().size())
+            return false;
+        for (std::size_t i = 0; i < planned.size(); ++i) {
+            const bool hasNext = i + 1 < planned.size() && !isNew(planned[i + 1]);
+            const std::uint64_t next = hasNext ? planned[i + 1].oldOffset : ~std::uint64_t(0);
+            if (!objectRight(planned[i], next))
+                return false;
+        }
+        return true;
     }
 
-    bool objectRight(const PlannedObject& object) const
+    bool isNew(const PlannedObject& object) const { return !m_plan.source.find(object.handle); }
+
+    // @param next  where the next object of the source begins, or beyond everything
+    bool objectRight(const PlannedObject& object, std::uint64_t next) const
     {
+        if (!object.record && staysInPlace(object, next))
+            return true;
         const auto now = m_saved.objectBytes(object.handle);
         if (!now)
             return false;
@@ -100,6 +113,29 @@ private:
                               object.record->end());
         const auto before = m_plan.source.objectBytes(object.handle);
         return before && std::equal(now->begin(), now->end(), before->begin(), before->end());
+    }
+
+    // Whether nothing changed from the object up to the one behind it. Pages that were taken over
+    // as they are need not be unpacked for this, and an object that nobody can read is kept this
+    // way too.
+    bool staysInPlace(const PlannedObject& object, std::uint64_t next) const
+    {
+        Container& before = m_plan.source.container();
+        Container& now = m_saved.container();
+        const ObjectLocation* location = m_saved.find(object.handle);
+        if (!location || location->offset != object.oldOffset)
+            return false;
+        const std::uint64_t begin = object.oldOffset;
+        const std::uint64_t oldEnd = std::min(next, before.objectAreaSize());
+        const std::uint64_t end = std::min(oldEnd, now.objectAreaSize());
+        if (begin >= end)
+            return begin >= oldEnd; // outside of the old area it cannot change either
+        if (before.sameObjectArea(begin, end - begin, now))
+            return true;
+        const auto oldBytes = before.objectArea(begin, end - begin);
+        const auto newBytes = now.objectArea(begin, end - begin);
+        return oldEnd == end && oldBytes && newBytes &&
+               std::equal(oldBytes->begin(), oldBytes->end(), newBytes->begin(), newBytes->end());
     }
 
     const SavePlan& m_plan;

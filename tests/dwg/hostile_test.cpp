@@ -7,17 +7,18 @@ using Buffer = std::vector<std::uint8_t>;
 
 namespace {
 
-const char* const kMinimal[] = {"empty-ac1015.dwg"};
+const char* const kMinimal[] = {"empty-ac1015.dwg", "empty-ac1018.dwg", "empty-ac1032.dwg"};
 
 // Every byte where that is quick; elsewhere a sample that no round number of bytes can hide from.
 #if defined(__OPTIMIZE__) && !defined(KV_SANITIZED)
 constexpr std::size_t kStep = 1;
 #else
-constexpr std::size_t kStep = 13;
+constexpr std::size_t kStep = 41;
 #endif
+constexpr std::size_t kSaveStep = 11 * kStep; // saving takes longer than reading
 
 // Whatever the bytes are, each answer is a value or a status, and what is saved reads back.
-void useEverything(const Buffer& file)
+void useEverything(const Buffer& file, bool alsoSave)
 {
     const auto drawing = RawDrawing::open(file);
     if (!drawing) {
@@ -30,11 +31,13 @@ void useEverything(const Buffer& file)
     for (const auto& location : drawing->objects())
         if (const auto record = drawing->object(location))
             (void)record->streams(drawing->version()).failed();
+    if (!alsoSave)
+        return;
     const auto again = dwg::save(*drawing, {}, {true});
     if (again)
         ASSERT_TRUE(RawDrawing::open(*again));
     else
-        ASSERT_NE(again.status().reason(), base::Reason::DwgVerifyFailed);
+        ASSERT_NE(int(again.status().reason()), int(base::Reason::DwgVerifyFailed));
 }
 
 } // namespace
@@ -45,7 +48,8 @@ TEST(HostileDrawing, TruncatedAnywhereGivesAStatus)
         const Buffer whole = minimalDrawing(name);
         for (std::size_t size = 0; size < whole.size(); size += kStep) {
             SCOPED_TRACE(std::string(name) + " cut at " + std::to_string(size));
-            useEverything(Buffer(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)));
+            useEverything(Buffer(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)),
+                          size % kSaveStep == 0);
         }
     }
 }
@@ -60,7 +64,7 @@ TEST(HostileDrawing, AnyByteWrongGivesAStatusOrADrawing)
                 SCOPED_TRACE(std::string(name) + " byte " + std::to_string(at) + " is " +
                              std::to_string(wrong));
                 file[at] = static_cast<std::uint8_t>(wrong);
-                useEverything(file);
+                useEverything(file, at % kSaveStep == 0);
             }
             file[at] = right;
         }
@@ -74,6 +78,6 @@ TEST(HostileDrawing, TheNameOfAnotherVersionIsNoKey)
             SCOPED_TRACE(std::string(name) + " as " + other);
             Buffer file = minimalDrawing(name);
             std::copy_n(other, 6, file.begin());
-            useEverything(file);
+            useEverything(file, true);
         }
 }

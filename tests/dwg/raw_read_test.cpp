@@ -4,7 +4,7 @@ using dwg::RawDrawing;
 
 namespace {
 
-const char* const kReadable[] = {"ac1015"};
+const char* const kReadable[] = {"ac1015", "ac1018", "ac1024", "ac1027", "ac1032"};
 
 struct KnownDrawing {
     std::string name;
@@ -23,7 +23,8 @@ std::vector<KnownDrawing> knownDrawings()
 RawDrawing opened(const std::string& name)
 {
     auto drawing = RawDrawing::open(readFile(drawingsFolder() / name));
-    EXPECT_TRUE(drawing) << name << " " << static_cast<int>(drawing.status().reason());
+    if (!drawing)
+        throw std::runtime_error(name + " " + std::to_string(int(drawing.status().reason())));
     return std::move(*drawing);
 }
 
@@ -113,7 +114,9 @@ TEST(RawDrawing, HeaderVariablesAndClassesGoBackBitForBit)
         EXPECT_TRUE(reread->checksumRight());
         for (const auto variable : header.names())
             EXPECT_EQ(*reread->find(variable), *drawing.header().find(variable)) << variable;
-        EXPECT_EQ(again.size(), before.size());
+        // Some programs write a needless byte behind the last handle.
+        EXPECT_LE(again.size(), before.size());
+        EXPECT_GE(again.size() + 1, before.size());
     }
 }
 

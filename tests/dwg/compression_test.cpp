@@ -1,0 +1,121 @@
+#include <lz2004.h>
+
+#include <gtest/gtest.h>
+#include <rapidcheck/gtest.h>
+
+using Buffer = std::vector<std::uint8_t>;
+
+namespace {
+
+Buffer fromHex(const std::string& hex)
+{
+    Buffer bytes;
+    for (std::size_t i = 0; i + 1 < hex.size(); i += 2)
+        bytes.push_back(static_cast<std::uint8_t>(std::stoi(hex.substr(i, 2), nullptr, 16)));
+    return bytes;
+}
+
+Buffer sampleText()
+{
+    const std::string word = "abcdefgh";
+    const std::string text = word + word + word + std::string(30, '\0') + "xyz";
+    return {text.begin(), text.end()};
+}
+
+// Bytes as drawings have them: runs, repeats from far and near, and noise between.
+Buffer drawingLike(std::size_t size)
+{
+    Buffer bytes;
+    const auto length = rc::gen::inRange<std::size_t>(1, 400);
+    while (bytes.size() < size) {
+        const auto kind = *rc::gen::inRange(0, 3);
+        const std::size_t count = *length;
+        if (kind == 0) {
+            bytes.insert(bytes.end(), count, *rc::gen::arbitrary<std::uint8_t>());
+        } else if (kind == 1 && !bytes.empty()) {
+            const std::size_t from = *rc::gen::inRange<std::size_t>(0, bytes.size());
+            for (std::size_t i = 0; i < count; ++i)
+                bytes.push_back(bytes[from + i]);
+        } else {
+            std::uint32_t noise = *rc::gen::arbitrary<std::uint32_t>();
+            for (std::size_t i = 0; i < count; ++i)
+                bytes.push_back(static_cast<std::uint8_t>((noise = noise * 69069 + 1) >> 24));
+        }
+    }
+    return bytes;
+}
+
+void expectRoundTrip2004(const Buffer& plain)
+{
+    const Buffer packed = dwg::pack2004(plain);
+    RC_ASSERT(packed.size() <= plain.size() + plain.size() / 255 + 8);
+    Buffer again(plain.size());
+    RC_ASSERT(dwg::unpack2004(packed, again));
+    RC_ASSERT(again == plain);
+}
+
+} // namespace
+
+TEST(Compression2004, UnpacksTheKnownStream)
+{
+    const Buffer known = fromHex("0561626364656667682e1d00003b030078797a110000");
+    Buffer out(57);
+    EXPECT_TRUE(dwg::unpack2004(known, out));
+    EXPECT_EQ(out, sampleText());
+    EXPECT_LE(dwg::pack2004(sampleText()).size(), known.size() + 4);
+}
+
+RC_GTEST_PROP(Compression2004, WhatIsPackedUnpacks, ())
+{
+    expectRoundTrip2004(drawingLike(*rc::gen::inRange<std::size_t>(4, 40'000)));
+    auto noise = *rc::gen::arbitrary<Buffer>();
+    noise.resize(noise.size() + 4);
+    expectRoundTrip2004(noise);
+}
+
+TEST(Compression2004, FarRepeatsAndLongRunsComeBack)
+{
+    Buffer plain(300'000);
+    std::uint32_t noise = 7;
+    for (std::size_t i = 0; i < 0xC010; ++i)
+        plain[i] = static_cast<std::uint8_t>((noise = noise * 69069 + 1) >> 24);
+    for (std::size_t i = 0; i < 5'000; ++i) {
+        plain[0x4002 + i + 60'000] = plain[i];        // beyond the middle distance
+        plain[0xC020 + 80'000 + i] = plain[0x21 + i]; // too far
+    }
+    for (const std::size_t size : {4u, 5u, 17u, 18u, 19u, 272u, 273u, 274u, 49'100u, 300'000u}) {
+        const Buffer part(plain.begin(), plain.begin() + static_cast<std::ptrdiff_t>(size));
+        Buffer again(size);
+        ASSERT_TRUE(dwg::unpack2004(dwg::pack2004(part), again)) << size;
+        EXPECT_EQ(again, part) << size;
+    }
+}
+
+TEST(Compression2004, TheWrongSizeIsRefused)
+{
+    const Buffer packed = dwg::pack2004(sampleText());
+    Buffer less(56), more(58);
+    EXPECT_FALSE(dwg::unpack2004(packed, less));
+    EXPECT_FALSE(dwg::unpack2004(packed, more));
+}
+
+TEST(Compression2004, TruncatedInputIsRefused)
+{
+    const Buffer packed = dwg::pack2004(sampleText());
+    for (std::size_t size = 0; size + 3 < packed.size(); ++size) {
+        Buffer out(57);
+        EXPECT_FALSE(dwg::unpack2004(dwg::Bytes(packed).first(size), out)) << size;
+    }
+}
+
+RC_GTEST_PROP(Compression2004, HostileInputNeverLeavesTheOutput, ())
+{
+    auto packed = dwg::pack2004(drawingLike(2'000));
+    const auto hits = *rc::gen::container<std::vector<std::size_t>>(
+        rc::gen::inRange<std::size_t>(0, packed.size()));
+    for (const std::size_t at : hits)
+        packed[at] = *rc::gen::arbitrary<std::uint8_t>();
+    Buffer out(*rc::gen::inRange<std::size_t>(0, 4'000));
+    dwg::unpack2004(packed, out); // the sanitizers watch
+    dwg::unpack2004(*rc::gen::arbitrary<Buffer>(), out);
+}
