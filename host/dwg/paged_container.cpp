@@ -50,11 +50,8 @@ base::Result<std::unique_ptr<PagedContainer>> PagedContainer::open(Bytes file)
             return status;
     if (container->indexOf(section::kSecurity) < container->m_sections.size())
         return base::Status(base::Failure::Unsupported, base::Reason::DwgEncrypted);
-    container->m_objects = container->indexOf(section::kObjects);
-    if (container->m_objects == container->m_sections.size())
-        return base::Status(base::Failure::Damaged, base::Reason::DwgSectionMissing,
-                            {TvString(section::kObjects)});
-    container->m_buffers.resize(container->m_descriptors.size());
+    if (base::Status status = container->findObjects(); !status)
+        return status;
     return container;
 }
 
@@ -145,7 +142,7 @@ base::Status PagedContainer::readSectionMap()
         return map.status();
     if (!addDescriptors(*map))
         return pagesDamaged();
-    if (m_promised > mostUnpackedBytes(m_file.size()))
+    if (promisedBytes() > mostUnpackedBytes(m_file.size()))
         return {base::Failure::Damaged, base::Reason::DwgUnpacksTooLarge};
     const auto isHidden = [](const Descriptor& d) { return d.encrypted == 1; };
     if (std::any_of(m_descriptors.begin(), m_descriptors.end(), isHidden))
@@ -182,11 +179,18 @@ bool PagedContainer::addDescriptors(Bytes map)
             continue; // the one without content, which every file has
         if (!isPossible(descriptor) || indexOf(name) < m_sections.size())
             return false;
-        m_promised += alignUp(descriptor.size, descriptor.pageSize);
-        m_sections.push_back({name, descriptor.size});
-        m_descriptors.push_back(std::move(descriptor));
+        keep(std::move(descriptor), name);
     }
     return true;
+}
+
+void PagedContainer::keep(Descriptor descriptor, std::string name)
+{
+    std::vector<PageRange> ranges;
+    for (const Page& page : descriptor.pages)
+        ranges.push_back({page.offset, descriptor.pageSize, page.number});
+    addSection(std::move(name), descriptor.size, std::move(ranges));
+    m_descriptors.push_back(std::move(descriptor));
 }
 
 bool PagedContainer::addPages(ByteReader& reader, std::uint32_t count, Descriptor& descriptor)
@@ -232,161 +236,42 @@ bool PagedContainer::isPossible(const Descriptor& descriptor) const
     return true;
 }
 
-Bytes PagedContainer::packedBytes(const Page& page) const
+Bytes PagedContainer::diskBytes(std::size_t section, std::size_t page) const
 {
-    const std::uint64_t at = page.address + kDataHead;
-    return fits(at, page.packedSize, m_file.size()) ? m_file.subspan(at, page.packedSize) : Bytes();
+    const Page& place = m_descriptors[section].pages[page];
+    const std::uint64_t at = place.address + kDataHead;
+    return fits(at, place.packedSize, m_file.size()) ? m_file.subspan(at, place.packedSize)
+                                                     : Bytes();
 }
 
-bool PagedContainer::isSound(const Descriptor& descriptor, const Page& page) const
+bool PagedContainer::isSound(std::size_t section, std::size_t page) const
 {
-    const Bytes packed = packedBytes(page);
-    if (packed.size() != page.packedSize)
+    const Descriptor& descriptor = m_descriptors[section];
+    const Page& place = descriptor.pages[page];
+    const Bytes packed = diskBytes(section, page);
+    if (packed.empty() || packed.size() != place.packedSize)
         return false;
-    const PageHead head = readPageHead(m_file.data() + page.address, page.address);
+    const PageHead head = readPageHead(m_file.data() + place.address, place.address);
     return head.type == kDataPageType && head.sectionId == descriptor.id &&
-           head.packedSize == page.packedSize && head.offset == page.offset &&
+           head.packedSize == place.packedSize && head.offset == place.offset &&
            head.headSum == headSumOf(head) && head.dataSum == pageSum(0, packed);
 }
 
-bool PagedContainer::unpackInto(const Descriptor& descriptor, const Page& page,
+bool PagedContainer::unpackPage(std::size_t section, std::size_t page,
                                 std::span<std::uint8_t> out) const
 {
-    const Bytes packed = packedBytes(page);
-    if (packed.size() != page.packedSize)
-        return false;
-    if (descriptor.mode == 2)
+    const Bytes packed = diskBytes(section, page);
+    if (m_descriptors[section].mode == 2)
         return unpack2004(packed, out);
-    if (packed.size() > out.size())
+    if (packed.empty() || packed.size() > out.size())
         return false;
     std::copy(packed.begin(), packed.end(), out.begin());
     return true;
 }
 
-bool PagedContainer::makeBuffer(std::size_t section)
-{
-    if (m_buffers[section])
-        return true;
-    const Descriptor& descriptor = m_descriptors[section];
-    // Zeroed by the system page by page as they are touched: pages that no one asks for cost
-    // nothing.
-    const std::uint64_t size =
-        alignUp(std::max<std::uint64_t>(descriptor.size, 1), descriptor.pageSize);
-    m_buffers[section].reset(static_cast<std::uint8_t*>(std::calloc(size, 1)));
-    return m_buffers[section] != nullptr;
-}
-
-base::Result<Bytes> PagedContainer::unpacked(std::size_t section, std::size_t page)
-{
-    const std::uint64_t begin = m_descriptors[section].pages[page].offset;
-    const std::uint64_t size = m_descriptors[section].pageSize;
-    if (base::Status status = unpackRange(section, begin, begin + size); !status)
-        return status;
-    return Bytes(m_buffers[section].get() + begin, size);
-}
-
-base::Status PagedContainer::unpackRange(std::size_t section, std::uint64_t begin,
-                                         std::uint64_t end)
-{
-    Descriptor& descriptor = m_descriptors[section];
-    const std::string& name = m_sections[section].name;
-    if (!makeBuffer(section))
-        return {base::Failure::TooLarge, base::Reason::DwgUnpacksTooLarge};
-    const std::uint64_t first = begin / descriptor.pageSize * descriptor.pageSize;
-    auto page = std::lower_bound(descriptor.pages.begin(), descriptor.pages.end(), first,
-                                 [](const Page& p, std::uint64_t at) { return p.offset < at; });
-    for (; page != descriptor.pages.end() && page->offset < end; ++page) {
-        if (page->state == Page::State::Packed) {
-            if (!isSound(descriptor, *page))
-                m_findings.push_back({FindingKind::PageChecksum, name, page->number});
-            const std::span<std::uint8_t> out(m_buffers[section].get() + page->offset,
-                                              descriptor.pageSize);
-            const bool isWhole = unpackInto(descriptor, *page, out);
-            page->state = isWhole ? Page::State::Unpacked : Page::State::Damaged;
-            m_unpackedBytes += out.size();
-            if (!isWhole)
-                m_findings.push_back({FindingKind::PageUnreadable, name, page->number});
-        }
-        if (page->state == Page::State::Damaged)
-            return sectionDamaged(name);
-    }
-    return {};
-}
-
-base::Result<Bytes> PagedContainer::section(std::size_t index)
-{
-    const std::uint64_t size = m_descriptors[index].size;
-    if (base::Status status = unpackRange(index, 0, size); !status)
-        return status;
-    return Bytes(m_buffers[index].get(), size);
-}
-
-std::uint64_t PagedContainer::objectAreaSize() const
-{
-    return m_descriptors[m_objects].size;
-}
-
-base::Result<Bytes> PagedContainer::objectArea(std::uint64_t offset, std::uint64_t size)
-{
-    if (base::Status status = unpackRange(m_objects, offset, offset + size); !status)
-        return status;
-    return Bytes(m_buffers[m_objects].get() + offset, size);
-}
-
 std::uint16_t PagedContainer::codePage() const
 {
     return readU16(m_file.data() + 0x13);
-}
-
-void PagedContainer::checkAll()
-{
-    for (std::size_t i = 0; i < m_descriptors.size(); ++i)
-        for (std::size_t page = 0; page < m_descriptors[i].pages.size(); ++page)
-            (void)unpacked(i, page); // what is wrong with it is among the findings then
-}
-
-bool PagedContainer::samePages(const Descriptor& mine, const Descriptor& theirs,
-                               const PagedContainer& other, std::uint64_t begin,
-                               std::uint64_t end) const
-{
-    const auto from = [&](const Descriptor& d) {
-        return std::lower_bound(d.pages.begin(), d.pages.end(), begin / d.pageSize * d.pageSize,
-                                [](const Page& p, std::uint64_t at) { return p.offset < at; });
-    };
-    const auto isInside = [&](const Descriptor& d, const Page* p) {
-        return p != d.pages.data() + d.pages.size() && p->offset < end;
-    };
-    const Page* a = mine.pages.data() + (from(mine) - mine.pages.begin());
-    const Page* b = theirs.pages.data() + (from(theirs) - theirs.pages.begin());
-    for (; isInside(mine, a) && isInside(theirs, b); ++a, ++b) {
-        const Bytes bytes = packedBytes(*a), others = other.packedBytes(*b);
-        if (a->offset != b->offset || bytes.size() != a->packedSize ||
-            !std::equal(bytes.begin(), bytes.end(), others.begin(), others.end()))
-            return false;
-    }
-    return !isInside(mine, a) && !isInside(theirs, b);
-}
-
-bool PagedContainer::sameSection(std::string_view name, const Container& other) const
-{
-    const auto& pages = static_cast<const PagedContainer&>(other);
-    const std::size_t mine = indexOf(name), theirs = other.indexOf(name);
-    if (mine == m_sections.size() || theirs == other.sections().size())
-        return false;
-    const Descriptor& a = m_descriptors[mine];
-    const Descriptor& b = pages.m_descriptors[theirs];
-    return a.size == b.size && a.pageSize == b.pageSize && a.mode == b.mode &&
-           samePages(a, b, pages, 0, a.size);
-}
-
-bool PagedContainer::sameObjectArea(std::uint64_t offset, std::uint64_t size,
-                                    const Container& other) const
-{
-    const auto& pages = static_cast<const PagedContainer&>(other);
-    const Descriptor& a = m_descriptors[m_objects];
-    const Descriptor& b = pages.m_descriptors[pages.m_objects];
-    return a.pageSize == b.pageSize && a.mode == b.mode &&
-           samePages(a, b, pages, offset, offset + size);
 }
 
 } // namespace dwg

@@ -116,10 +116,10 @@ private:
     {
         const auto& descriptor = m_source.descriptors()[index];
         const auto& old = descriptor.pages[page];
-        if (m_source.isSound(descriptor, old)) {
+        if (m_source.isSound(index, page)) {
             OutPage taken;
             taken.offset = old.offset;
-            taken.body = m_source.file().subspan(old.address + kDataHead, old.packedSize);
+            taken.body = m_source.diskBytes(index, page);
             out.pages.push_back(std::move(taken));
             return {};
         }
@@ -152,18 +152,6 @@ private:
         out.pages.push_back(std::move(page));
     }
 
-    // The position of the old page at @p offset; the number of pages when there is none.
-    std::size_t oldPageAt(std::size_t index, std::uint64_t offset) const
-    {
-        const auto& pages = m_source.descriptors()[index].pages;
-        const auto found = std::lower_bound(
-            pages.begin(), pages.end(), offset,
-            [](const PagedContainer::Page& p, std::uint64_t at) { return p.offset < at; });
-        return found != pages.end() && found->offset == offset
-                   ? static_cast<std::size_t>(found - pages.begin())
-                   : pages.size();
-    }
-
     // A new content for a section; pages that are the same as before are taken over.
     base::Status cut(std::size_t index, OutSection& out, Bytes payload)
     {
@@ -187,9 +175,9 @@ private:
     base::Status addOrTake(std::size_t index, OutSection& out, std::uint64_t at, Bytes plain)
     {
         const auto& old = m_source.descriptors()[index];
-        const std::size_t page = oldPageAt(index, at);
+        const std::size_t page = m_source.pageAt(index, at);
         if (page < old.pages.size() && old.pageSize == out.descriptor.pageSize &&
-            m_source.isSound(old, old.pages[page])) {
+            m_source.isSound(index, page)) {
             const auto before = m_source.unpacked(index, page);
             if (before && std::equal(plain.begin(), plain.end(), before->begin()) &&
                 isZero(before->subspan(plain.size())))
@@ -260,7 +248,7 @@ private:
 
     base::Status keepPage(std::size_t index, OutSection& out, std::uint64_t at)
     {
-        const std::size_t page = oldPageAt(index, at);
+        const std::size_t page = m_source.pageAt(index, at);
         return page < m_source.descriptors()[index].pages.size() ? takePage(index, page, out)
                                                                  : base::Status();
     }
@@ -270,7 +258,7 @@ private:
     {
         const std::uint64_t pageSize = out.descriptor.pageSize;
         std::vector<std::uint8_t> plain(pageSize);
-        const std::size_t page = oldPageAt(index, at);
+        const std::size_t page = m_source.pageAt(index, at);
         if (page < m_source.descriptors()[index].pages.size()) {
             const auto old = m_source.unpacked(index, page);
             if (!old)

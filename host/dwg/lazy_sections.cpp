@@ -1,0 +1,136 @@
+#include "lazy_sections.h"
+
+#include <algorithm>
+
+namespace dwg {
+
+void LazySections::addSection(std::string name, std::uint64_t size, std::vector<PageRange> pages)
+{
+    std::uint64_t room = std::max<std::uint64_t>(size, 1);
+    for (const PageRange& page : pages)
+        room = std::max(room, page.end());
+    m_promised += room;
+    m_sections.push_back({std::move(name), size});
+    m_pages.push_back(std::move(pages));
+    m_bufferSizes.push_back(room);
+    m_buffers.emplace_back();
+}
+
+base::Status LazySections::findObjects()
+{
+    m_objects = indexOf(section::kObjects);
+    if (m_objects < m_sections.size())
+        return {};
+    return {base::Failure::Damaged, base::Reason::DwgSectionMissing, {TvString(section::kObjects)}};
+}
+
+std::size_t LazySections::firstPageReaching(std::size_t section, std::uint64_t offset) const
+{
+    const auto& pages = m_pages[section];
+    const auto found = std::partition_point(
+        pages.begin(), pages.end(), [&](const PageRange& page) { return page.end() <= offset; });
+    return static_cast<std::size_t>(found - pages.begin());
+}
+
+std::size_t LazySections::pageAt(std::size_t section, std::uint64_t offset) const
+{
+    const std::size_t page = firstPageReaching(section, offset);
+    const bool isThere = page < m_pages[section].size() && m_pages[section][page].offset == offset;
+    return isThere ? page : m_pages[section].size();
+}
+
+base::Status LazySections::unpackOne(std::size_t section, std::size_t page)
+{
+    PageRange& range = m_pages[section][page];
+    const std::string& name = m_sections[section].name;
+    if (range.state == PageState::Packed) {
+        if (!isSound(section, page))
+            m_findings.push_back({FindingKind::PageChecksum, name, range.number});
+        const std::span<std::uint8_t> out(m_buffers[section].get() + range.offset, range.size);
+        const bool isWhole = unpackPage(section, page, out);
+        range.state = isWhole ? PageState::Unpacked : PageState::Damaged;
+        m_unpackedBytes += range.size;
+        if (!isWhole)
+            m_findings.push_back({FindingKind::PageUnreadable, name, range.number});
+    }
+    return range.state == PageState::Damaged ? sectionDamaged(name) : base::Status();
+}
+
+base::Status LazySections::unpackRange(std::size_t section, std::uint64_t begin, std::uint64_t end)
+{
+    // Zeroed by the system as pages of it are touched: what no one asks for costs nothing.
+    auto& buffer = m_buffers[section];
+    if (!buffer)
+        buffer.reset(static_cast<std::uint8_t*>(std::calloc(m_bufferSizes[section], 1)));
+    if (!buffer)
+        return {base::Failure::TooLarge, base::Reason::DwgUnpacksTooLarge};
+    for (std::size_t page = firstPageReaching(section, begin);
+         page < m_pages[section].size() && m_pages[section][page].offset < end; ++page)
+        if (base::Status status = unpackOne(section, page); !status)
+            return status;
+    return {};
+}
+
+base::Result<Bytes> LazySections::section(std::size_t index)
+{
+    const std::uint64_t size = m_sections[index].size;
+    if (base::Status status = unpackRange(index, 0, size); !status)
+        return status;
+    return Bytes(m_buffers[index].get(), size);
+}
+
+base::Result<Bytes> LazySections::objectArea(std::uint64_t offset, std::uint64_t size)
+{
+    if (base::Status status = unpackRange(m_objects, offset, offset + size); !status)
+        return status;
+    return Bytes(m_buffers[m_objects].get() + offset, size);
+}
+
+base::Result<Bytes> LazySections::unpacked(std::size_t section, std::size_t page)
+{
+    const PageRange range = m_pages[section][page];
+    if (base::Status status = unpackRange(section, range.offset, range.end()); !status)
+        return status;
+    return Bytes(m_buffers[section].get() + range.offset, range.size);
+}
+
+void LazySections::checkAll()
+{
+    for (std::size_t i = 0; i < m_sections.size(); ++i)
+        for (std::size_t page = 0; page < m_pages[i].size(); ++page)
+            (void)unpacked(i, page); // what is wrong with it is among the findings then
+}
+
+bool LazySections::samePages(std::size_t mine, std::size_t theirs, const LazySections& other,
+                             std::uint64_t begin, std::uint64_t end) const
+{
+    const auto& a = m_pages[mine];
+    const auto& b = other.m_pages[theirs];
+    std::size_t i = firstPageReaching(mine, begin), k = other.firstPageReaching(theirs, begin);
+    for (; i < a.size() && a[i].offset < end; ++i, ++k) {
+        if (k >= b.size() || a[i].offset != b[k].offset || a[i].size != b[k].size)
+            return false;
+        const Bytes bytes = diskBytes(mine, i), others = other.diskBytes(theirs, k);
+        if (bytes.empty() || !std::equal(bytes.begin(), bytes.end(), others.begin(), others.end()))
+            return false;
+    }
+    return k >= b.size() || b[k].offset >= end;
+}
+
+bool LazySections::sameSection(std::string_view name, const Container& other) const
+{
+    const std::size_t mine = indexOf(name), theirs = other.indexOf(name);
+    return mine < m_sections.size() && theirs < other.sections().size() &&
+           m_sections[mine].size == other.sections()[theirs].size &&
+           samePages(mine, theirs, static_cast<const LazySections&>(other), 0,
+                     m_sections[mine].size);
+}
+
+bool LazySections::sameObjectArea(std::uint64_t offset, std::uint64_t size,
+                                  const Container& other) const
+{
+    const auto& lazy = static_cast<const LazySections&>(other);
+    return samePages(m_objects, lazy.m_objects, lazy, offset, offset + size);
+}
+
+} // namespace dwg
