@@ -44,10 +44,10 @@ base::Status LazySections::unpackOne(std::size_t section, std::size_t page)
     PageRange& range = m_pages[section][page];
     const std::string& name = m_sections[section].name;
     if (range.state == PageState::Packed) {
-        if (!isSound(section, page))
-            m_findings.push_back({FindingKind::PageChecksum, name, range.number});
         const std::span<std::uint8_t> out(m_buffers[section].get() + range.offset, range.size);
         const bool isWhole = unpackPage(section, page, out);
+        if (!isSound(section, page) || (isWhole && !isContentRight(section, page, out)))
+            m_findings.push_back({FindingKind::PageChecksum, name, range.number});
         range.state = isWhole ? PageState::Unpacked : PageState::Damaged;
         m_unpackedBytes += range.size;
         if (!isWhole)

@@ -53,6 +53,8 @@ protected:
     /// Fills @p out, which is zero before, with a page's bytes; false when it is damaged.
     virtual bool unpackPage(std::size_t section, std::size_t page,
                             std::span<std::uint8_t> out) const = 0;
+    /// Whether a checksum over a page's unpacked bytes is right, in a container that has such.
+    virtual bool isContentRight(std::size_t, std::size_t, Bytes) const { return true; }
     /// Adds a section after its bounds were checked. The pages are sorted by their offsets.
     void addSection(std::string name, std::uint64_t size, std::vector<PageRange> pages);
     /// What all sections together would take; for the limit on a file's unpacked size.

@@ -4,6 +4,7 @@
 
 #include <base/tv_db_handle.h>
 
+#include "coded_container.h"
 #include "flat_container.h"
 #include "paged_container.h"
 #include "raw_check.h"
@@ -33,8 +34,7 @@ base::Result<std::unique_ptr<Container>> openContainer(Version version, Bytes fi
 {
     switch (version) {
     case Version::Ac1015: return openAs<FlatContainer>(file);
-    case Version::Ac1021:
-        return base::Status(base::Failure::Unsupported, base::Reason::DwgNotDrawing);
+    case Version::Ac1021: return openAs<CodedContainer>(file);
     default: return openAs<PagedContainer>(file);
     }
 }

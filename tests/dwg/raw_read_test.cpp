@@ -4,7 +4,7 @@ using dwg::RawDrawing;
 
 namespace {
 
-const char* const kReadable[] = {"ac1015", "ac1018", "ac1024", "ac1027", "ac1032"};
+const char* const kReadable[] = {"ac1015", "ac1018", "ac1021", "ac1024", "ac1027", "ac1032"};
 
 struct KnownDrawing {
     std::string name;
