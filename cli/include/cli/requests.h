@@ -1,0 +1,119 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <base/tv_string.h>
+
+namespace cli {
+
+/// What every verb that changes a set is told besides.
+struct ChangeOptions {
+    /// How long to wait for somebody else's lock.
+    std::chrono::milliseconds lockWait{0};
+    /// Works on a private copy and tells what would change: takes no lock, writes nothing.
+    bool dryRun = false;
+};
+
+/// A place among the children of a subset, by handles; at most one of both is given. Neither: at
+/// the end.
+struct Place {
+    TvString before;
+    TvString after;
+};
+
+struct NewRequest {
+    TvString file;
+    std::optional<TvString> name; ///< None: the file's name without its extension.
+    std::optional<TvString> description;
+    TvString templateFile; ///< Empty: an empty set.
+    ChangeOptions change;
+};
+
+struct TreeRequest {
+    TvString file;
+    std::optional<int> depth; ///< Levels below the set that are shown; none: all.
+};
+
+struct InfoRequest {
+    TvString file;
+};
+
+struct SubsetAddRequest {
+    TvString file;
+    TvString name;
+    TvString in; ///< Empty: where the neighbour stands, or the set itself.
+    Place place;
+    ChangeOptions change;
+};
+
+struct MoveRequest {
+    TvString file;
+    TvString handle;
+    TvString to;
+    Place place;
+    ChangeOptions change;
+};
+
+struct SetRequest {
+    TvString file;
+    TvString handle;
+    std::vector<TvString> assignments; ///< key=value
+    ChangeOptions change;
+};
+
+/// Whom a property belongs to.
+enum class PropertyScope { Keep, SheetSet, Sheets };
+
+struct PropSetRequest {
+    TvString file;
+    TvString handle;
+    std::vector<TvString> assignments; ///< name=value
+    /// Keep: as it is; a new one follows the object: a sheet's for a sheet, the set's elsewhere.
+    PropertyScope scope = PropertyScope::Keep;
+    ChangeOptions change;
+};
+
+struct PropRemoveRequest {
+    TvString file;
+    TvString handle;
+    std::vector<TvString> names;
+    ChangeOptions change;
+};
+
+struct PropListRequest {
+    TvString file;
+    TvString handle;
+};
+
+struct RemoveRequest {
+    TvString file;
+    TvString handle;
+    ChangeOptions change;
+};
+
+struct CheckRequest {
+    TvString file;
+    bool drawings = false; ///< A drawing that is not there is an error.
+};
+
+struct LockRequest {
+    TvString file;
+};
+
+struct HelpRequest {
+    std::vector<std::string> verb; ///< Its words; empty: the tool as a whole.
+    bool manual = false;           ///< The man page's source instead.
+    bool brief = false; ///< Without examples and without the options that all verbs have.
+};
+
+struct CompletionRequest {
+    std::string shell;
+};
+
+struct VersionRequest {
+};
+
+} // namespace cli

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cli/console.h>
+#include <cli/requests.h>
+
+namespace cli {
+
+/// One function for each verb: does what @p request says, puts data and messages on the console,
+/// and answers how it ended. None throws a Refusal.
+///
+/// A verb that changes a set first looks at its request (Usage, before any lock is taken), then
+/// takes the lock, changes, and commits; on every other way out nothing was changed and the lock is
+/// free.
+
+Outcome run(const NewRequest& request, Console& console);
+Outcome run(const TreeRequest& request, Console& console);
+Outcome run(const InfoRequest& request, Console& console);
+Outcome run(const SubsetAddRequest& request, Console& console);
+Outcome run(const MoveRequest& request, Console& console);
+Outcome run(const SetRequest& request, Console& console);
+Outcome run(const PropSetRequest& request, Console& console);
+Outcome run(const PropRemoveRequest& request, Console& console);
+Outcome run(const PropListRequest& request, Console& console);
+Outcome run(const RemoveRequest& request, Console& console);
+Outcome run(const CheckRequest& request, Console& console);
+Outcome run(const LockRequest& request, Console& console);
+Outcome run(const HelpRequest& request, Console& console);
+Outcome run(const CompletionRequest& request, Console& console);
+Outcome run(const VersionRequest& request, Console& console);
+
+} // namespace cli

@@ -1,0 +1,140 @@
+#include <resources/texts.h>
+
+#include "cli/help_text.h"
+
+// The man page in the language of man(7), made from the option tree and the table of texts.
+
+namespace cli {
+
+namespace {
+
+/// Plain text for troff: what would be a request or an escape is written as what it looks like.
+std::string troff(const std::string& text)
+{
+    std::string out;
+    for (const char letter : text) {
+        if (letter == '\\')
+            out += "\\e";
+        else if (letter == '-')
+            out += "\\-";
+        else
+            out += letter;
+    }
+    return !out.empty() && (out[0] == '.' || out[0] == '\'') ? "\\&" + out : out;
+}
+
+std::string section(Word title)
+{
+    return ".SH " + words(title).utf8() + "\n";
+}
+
+std::string optionEntry(const OptionInfo& option)
+{
+    std::string left = option.names.empty() ? "" : "\\fB" + troff(option.names) + "\\fR";
+    if (!option.value.empty())
+        left += (left.empty() ? "" : " ") + ("\\fI" + troff(option.value)) + "\\fR" +
+                (option.isRepeated ? "..." : "");
+    return ".TP\n" + left + "\n" + troff(option.help) + "\n";
+}
+
+std::string exampleBlock(const std::string& examples)
+{
+    std::string out = ".PP\n.EX\n";
+    for (std::size_t from = 0; from < examples.size();) {
+        const std::size_t end = std::min(examples.find('\n', from), examples.size());
+        out += troff(examples.substr(from, end - from)) + "\n";
+        from = end + 1;
+    }
+    return out + ".EE\n";
+}
+
+std::string verbSection(const Verb& verb)
+{
+    std::string out =
+        ".SS " + troff(usageOf(verb)) + "\n" + troff(words(verb.details).utf8()) + "\n";
+    for (const OptionInfo& option : optionsOf(&verb))
+        if (!option.isCommon)
+            out += optionEntry(option);
+    return out + exampleBlock(words(verb.examples).utf8());
+}
+
+std::string commonSection()
+{
+    std::string out = section(Word::ManOptions);
+    for (const OptionInfo& option : optionsOf(nullptr))
+        out += optionEntry(option);
+    return out;
+}
+
+struct ExitRow {
+    ExitCode code;
+    Word meaning;
+};
+constexpr ExitRow kExits[] = {
+    {ExitCode::Ok, Word::ExitOk},
+    {ExitCode::PartlyFailed, Word::ExitPartlyFailed},
+    {ExitCode::Usage, Word::ExitUsage},
+    {ExitCode::NoInput, Word::ExitNoInput},
+    {ExitCode::Locked, Word::ExitLocked},
+    {ExitCode::Conflict, Word::ExitConflict},
+    {ExitCode::CheckFailed, Word::ExitCheckFailed},
+    {ExitCode::Damaged, Word::ExitDamaged},
+    {ExitCode::CannotWrite, Word::ExitCannotWrite},
+    {ExitCode::Internal, Word::ExitInternal},
+    {ExitCode::Interrupted, Word::ExitInterrupted},
+};
+
+std::string exitSection()
+{
+    std::string out = section(Word::ManExitStatus);
+    for (const ExitRow& row : kExits)
+        out += ".TP\n.B " + std::to_string(static_cast<int>(row.code)) + "\n" +
+               troff(words(row.meaning).utf8()) + "\n";
+    return out;
+}
+
+/// A pattern as the manual shows it: what is put in stands as three dots.
+std::string patternText(const char16_t* pattern)
+{
+    const TvString dots(u"...");
+    return TvString(pattern).replaced(u"%ls", dots).replaced(u"%d", dots).utf8();
+}
+
+/// The messages from @p first to @p last, with their codes, so that a code can be searched for.
+std::string messageSection(Word title, int first, int last, const char* codeFormat, int base)
+{
+    std::string out = section(title);
+    for (int at = 0; at < text::count(); ++at) {
+        const int number = text::numberAt(at);
+        if (number < first || number > last)
+            continue;
+        const TvString code = TvString().format(TvString(codeFormat), number - base);
+        out += ".TP\n.B " + code.utf8() + "\n" + troff(patternText(text::find(number))) + "\n";
+    }
+    return out;
+}
+
+} // namespace
+
+std::string manualSource()
+{
+    std::string out = ".\\\" Made by \"kvsheetset help --man\" from the option tree.\n"
+                      ".TH KVSHEETSET 1 \"\" \"TARVIK Sheet Sets\" \"User commands\"\n";
+    out +=
+        section(Word::ManName) + "kvsheetset \\- " + troff(words(Word::ToolSummary).utf8()) + "\n";
+    out += section(Word::ManSynopsis) +
+           ".B kvsheetset\n.I VERB\n[\\fIOPTION\\fR...] \\fIFILE\\fR [\\fIARGUMENT\\fR...]\n";
+    out += section(Word::ManDescription) + troff(words(Word::ToolDetails).utf8()) + "\n.PP\n" +
+           troff(words(Word::ManConventions).utf8()) + "\n";
+    out += section(Word::ManVerbs);
+    for (const Verb& verb : verbs())
+        out += verbSection(verb);
+    out += commonSection() + exitSection();
+    out += messageSection(Word::ManMessages, 22400, 22499, "E%05d", 0);
+    out += messageSection(Word::ManFindings, 22501, 22599, "K%03d", 22500);
+    out += section(Word::ManEnvironment) + ".TP\n.B NO_COLOR\n" +
+           troff(words(Word::ManNoColor).utf8()) + "\n";
+    return out;
+}
+
+} // namespace cli

@@ -1,0 +1,395 @@
+#include "cli/option_tree.h"
+
+#include "cli/verbs.h"
+#include "option_list.h"
+
+// The verbs and their options, in one place: parsing, help, man page and completion all come from
+// here.
+
+namespace cli {
+
+namespace {
+
+// --- what several verbs share
+
+void fileArgument(OptionList& list, TvString& file)
+{
+    list.file("FILE", file, Word::HelpFile)->required();
+}
+
+void handleArgument(OptionList& list, TvString& handle)
+{
+    list.text("HANDLE", "HANDLE", handle, Word::HelpHandle)->required();
+}
+
+void placeOptions(OptionList& list, Place& place)
+{
+    CLI::Option* before = list.text("--before", "HANDLE", place.before, Word::HelpBefore);
+    list.text("--after", "HANDLE", place.after, Word::HelpAfter)->excludes(before);
+}
+
+void dryRunOption(OptionList& list, Invocation& into)
+{
+    list.flag("-n,--dry-run", into.change.dryRun, Word::HelpDryRun);
+}
+
+// --- one function for each verb, in the order of the help
+
+void newOptions(OptionList& list, Invocation& into)
+{
+    list.file("FILE", into.newSet.file, Word::HelpNewFile)->required();
+    list.text("--name", "NAME", into.newSet.name, Word::HelpName);
+    list.text("--desc", "TEXT", into.newSet.description, Word::HelpDesc);
+    list.file("--template", into.newSet.templateFile, Word::HelpTemplate);
+    dryRunOption(list, into);
+}
+
+void treeOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.tree.file);
+    list.number("--depth", "N", into.tree.depth, Word::HelpDepth);
+}
+
+void infoOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.info.file);
+}
+
+void subsetAddOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.subsetAdd.file);
+    list.text("NAME", "NAME", into.subsetAdd.name, Word::HelpSubsetName)->required();
+    list.text("--in", "HANDLE", into.subsetAdd.in, Word::HelpIn);
+    placeOptions(list, into.subsetAdd.place);
+    dryRunOption(list, into);
+}
+
+void moveOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.move.file);
+    handleArgument(list, into.move.handle);
+    list.text("--to", "HANDLE", into.move.to, Word::HelpTo)->required();
+    placeOptions(list, into.move.place);
+    dryRunOption(list, into);
+}
+
+void setOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.set.file);
+    handleArgument(list, into.set.handle);
+    list.texts("KEY=VALUE", into.set.assignments, Word::HelpAssignments)->required();
+    dryRunOption(list, into);
+}
+
+void propSetOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.propSet.file);
+    handleArgument(list, into.propSet.handle);
+    list.texts("NAME=VALUE", into.propSet.assignments, Word::HelpProperties)->required();
+    list.choice("--for", "set|sheets", into.propSet.scope, Word::HelpFor);
+    dryRunOption(list, into);
+}
+
+void propRemoveOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.propRemove.file);
+    handleArgument(list, into.propRemove.handle);
+    list.texts("NAME", into.propRemove.names, Word::HelpPropertyNames)->required();
+    dryRunOption(list, into);
+}
+
+void propListOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.propList.file);
+    handleArgument(list, into.propList.handle);
+}
+
+void removeOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.remove.file);
+    handleArgument(list, into.remove.handle);
+    dryRunOption(list, into);
+}
+
+void checkOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.check.file);
+    list.flag("--drawings", into.check.drawings, Word::HelpDrawings);
+}
+
+void lockOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.lock.file);
+}
+
+void helpOptions(OptionList& list, Invocation& into)
+{
+    list.plains("VERB", into.help.verb, Word::HelpVerb);
+    list.flag("--man", into.help.manual, Word::HelpMan)->group(OptionList::kHiddenGroup);
+}
+
+void completionOptions(OptionList& list, Invocation& into)
+{
+    list.plain("SHELL", "SHELL", into.completion.shell, Word::HelpShell)->required();
+}
+
+/// Gives a verb its request, with the options that all changes share.
+template <auto Request>
+Outcome runRead(Invocation& invocation, Console& console)
+{
+    return run(invocation.*Request, console);
+}
+
+template <auto Request>
+Outcome runChange(Invocation& invocation, Console& console)
+{
+    (invocation.*Request).change = invocation.change;
+    return run(invocation.*Request, console);
+}
+
+using I = Invocation;
+
+// clang-format off
+constexpr Verb kVerbs[] = {
+    {"new",         Word::SumNew,        Word::DetNew,        Word::ExNew,        newOptions,        runChange<&I::newSet>},
+    {"tree",        Word::SumTree,       Word::DetTree,       Word::ExTree,       treeOptions,       runRead<&I::tree>},
+    {"info",        Word::SumInfo,       Word::DetInfo,       Word::ExInfo,       infoOptions,       runRead<&I::info>},
+    {"subset add",  Word::SumSubsetAdd,  Word::DetSubsetAdd,  Word::ExSubsetAdd,  subsetAddOptions,  runChange<&I::subsetAdd>},
+    {"move",        Word::SumMove,       Word::DetMove,       Word::ExMove,       moveOptions,       runChange<&I::move>},
+    {"set",         Word::SumSet,        Word::DetSet,        Word::ExSet,        setOptions,        runChange<&I::set>},
+    {"prop set",    Word::SumPropSet,    Word::DetPropSet,    Word::ExPropSet,    propSetOptions,    runChange<&I::propSet>},
+    {"prop remove", Word::SumPropRemove, Word::DetPropRemove, Word::ExPropRemove, propRemoveOptions, runChange<&I::propRemove>},
+    {"prop list",   Word::SumPropList,   Word::DetPropList,   Word::ExPropList,   propListOptions,   runRead<&I::propList>},
+    {"remove",      Word::SumRemove,     Word::DetRemove,     Word::ExRemove,     removeOptions,     runChange<&I::remove>},
+    {"check",       Word::SumCheck,      Word::DetCheck,      Word::ExCheck,      checkOptions,      runRead<&I::check>},
+    {"lock",        Word::SumLock,       Word::DetLock,       Word::ExLock,       lockOptions,       runRead<&I::lock>},
+    {"help",        Word::SumHelp,       Word::DetHelp,       Word::ExHelp,       helpOptions,       runRead<&I::help>},
+    {"completion",  Word::SumCompletion, Word::DetCompletion, Word::ExCompletion, completionOptions, runRead<&I::completion>},
+};
+// clang-format on
+
+/// What every verb takes, and the tool before a verb as well.
+void commonOptions(OptionList& list, Invocation& into)
+{
+    list.beginCommon();
+    list.flag("--json", into.json, Word::HelpJson);
+    list.seconds("--lock-wait", into.change.lockWait, Word::HelpLockWait);
+    list.plain("-C", "DIR", into.folder, Word::HelpFolder);
+    list.flag("-q,--quiet", into.quiet, Word::HelpQuiet);
+}
+
+void helpFlags(CLI::App& app)
+{
+    app.set_help_flag("-h", words(Word::HelpShort).utf8())->group(OptionList::kCommonGroup);
+    app.set_help_all_flag("--help", words(Word::HelpLong).utf8())->group(OptionList::kCommonGroup);
+}
+
+void buildVerb(CLI::App& app, const Verb& verb, Invocation& into)
+{
+    OptionList list(app);
+    helpFlags(app);
+    verb.options(list, into);
+    commonOptions(list, into);
+}
+
+void buildTop(CLI::App& app, Invocation& into)
+{
+    OptionList list(app);
+    helpFlags(app);
+    commonOptions(list, into);
+    list.flag("--version", into.version, Word::HelpVersion);
+    app.prefix_command();
+}
+
+// --- reading the tree
+
+std::string joined(const std::vector<std::string>& parts, const char* separator)
+{
+    std::string out;
+    for (const std::string& part : parts)
+        out += (out.empty() ? "" : separator) + part;
+    return out;
+}
+
+OptionInfo infoOf(const CLI::Option& option)
+{
+    OptionInfo info;
+    for (const std::string& name : option.get_snames())
+        info.spellings.push_back("-" + name);
+    for (const std::string& name : option.get_lnames())
+        info.spellings.push_back("--" + name);
+    info.names = joined(info.spellings, ", ");
+    const bool isFlag = option.get_items_expected_max() == 0;
+    if (!isFlag)
+        info.value = info.names.empty() ? option.get_name(true) : option.get_type_name();
+    info.help = option.get_description();
+    info.isRequired = option.get_required();
+    info.isRepeated = option.get_items_expected_max() > 1;
+    info.isCommon = option.get_group() == OptionList::kCommonGroup;
+    return info;
+}
+
+// --- wrong usage
+
+bool isOption(const std::string& argument)
+{
+    return argument.size() > 1 && argument[0] == '-' && argument != "--";
+}
+
+TvString shown(const std::string& bytes)
+{
+    return TvString(std::string_view(bytes));
+}
+
+/// Arguments that nobody took.
+[[noreturn]] void refuseExtra(const CLI::App& app, const std::string& extra)
+{
+    const std::string plain = extra[0] == OptionList::kShield ? extra.substr(1) : extra;
+    if (!isOption(extra))
+        refuseUsage(Word::TooManyArguments, shown(plain));
+    std::vector<std::string> known;
+    for (const CLI::Option* option : app.get_options())
+        for (const std::string& name : option->get_lnames())
+            known.push_back("--" + name);
+    const std::string name = plain.substr(0, plain.find('='));
+    const std::string near = nearest(name, known);
+    if (near.empty())
+        refuseUsage(Word::UnknownOption, shown(name));
+    refuseUsage(Word::UnknownOptionNear, shown(name), shown(near));
+}
+
+void refuseExtras(const CLI::App& app)
+{
+    for (const std::string& extra : app.remaining())
+        if (extra != "--")
+            refuseExtra(app, extra);
+}
+
+/// Puts what CLI11 found wrong into our words.
+[[noreturn]] void refuseParse(const CLI::App& app, const CLI::ParseError& error)
+{
+    refuseExtras(app);
+    for (const CLI::Option* option : app.get_options()) {
+        for (const CLI::Option* other : option->get_excludes())
+            if (option->count() > 0 && other->count() > 0)
+                refuseUsage(Word::OptionsExclude, shown(other->get_name()),
+                            shown(option->get_name()));
+        if (option->get_required() && option->count() == 0)
+            refuseUsage(
+                Word::ArgumentMissing,
+                shown(option->nonpositional() ? option->get_name() : option->get_name(true)));
+    }
+    const std::string what = error.what();
+    const std::string name = what.substr(0, what.find(':'));
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::ArgumentMismatch))
+        refuseUsage(Word::OptionValue, shown(name));
+    refuseUsage(Word::CannotParse, shown(what));
+}
+
+std::vector<std::string> shieldedReversed(std::span<const std::string> arguments)
+{
+    std::vector<std::string> out;
+    bool isRest = false; // behind "--" all are arguments
+    for (const std::string& argument : arguments) {
+        const bool keep = isRest ? false : isOption(argument) || argument == "--";
+        out.push_back(keep ? argument : OptionList::kShield + argument);
+        isRest = isRest || argument == "--";
+    }
+    std::reverse(out.begin(), out.end());
+    return out;
+}
+
+template <class Check>
+Parsed parse(CLI::App& app, std::span<const std::string> arguments, Check&& check)
+{
+    std::vector<std::string> list = shieldedReversed(arguments);
+    try {
+        app.parse(list);
+    } catch (const CLI::CallForAllHelp&) {
+        return Parsed::LongHelp;
+    } catch (const CLI::CallForHelp&) {
+        return Parsed::ShortHelp;
+    } catch (const CLI::ParseError& error) {
+        refuseParse(app, error);
+    }
+    check();
+    return Parsed::Ready;
+}
+
+std::vector<std::string> wordsOf(const Verb& verb)
+{
+    const std::string name = verb.name;
+    const std::size_t blank = name.find(' ');
+    if (blank == std::string::npos)
+        return {name};
+    return {name.substr(0, blank), name.substr(blank + 1)};
+}
+
+} // namespace
+
+std::span<const Verb> verbs()
+{
+    return kVerbs;
+}
+
+const Verb* findVerb(std::span<const std::string> typed)
+{
+    for (const Verb& verb : kVerbs) {
+        const std::vector<std::string> name = wordsOf(verb);
+        if (typed.size() >= name.size() && std::equal(name.begin(), name.end(), typed.begin()))
+            return &verb;
+    }
+    return nullptr;
+}
+
+bool isVerbGroup(const std::string& word)
+{
+    for (const Verb& verb : kVerbs)
+        if (const auto name = wordsOf(verb); name.size() == 2 && name[0] == word)
+            return true;
+    return false;
+}
+
+std::vector<OptionInfo> optionsOf(const Verb* verb)
+{
+    CLI::App app;
+    Invocation unused;
+    if (verb)
+        buildVerb(app, *verb, unused);
+    else
+        buildTop(app, unused);
+    std::vector<OptionInfo> own;
+    std::vector<OptionInfo> common;
+    for (const CLI::Option* option : app.get_options()) {
+        if (option->get_group() == OptionList::kHiddenGroup)
+            continue;
+        OptionInfo info = infoOf(*option);
+        (info.isCommon ? common : own).push_back(std::move(info));
+    }
+    own.insert(own.end(), common.begin(), common.end());
+    return own;
+}
+
+Parsed parseBeforeVerb(std::span<const std::string> arguments, Invocation& into,
+                       std::vector<std::string>& rest)
+{
+    CLI::App app;
+    buildTop(app, into);
+    const Parsed parsed = parse(app, arguments, [] {});
+    for (const std::string& argument : app.remaining())
+        rest.push_back(!argument.empty() && argument[0] == OptionList::kShield ? argument.substr(1)
+                                                                               : argument);
+    if (!rest.empty() && isOption(rest.front()))
+        refuseExtra(app, rest.front());
+    return parsed;
+}
+
+Parsed parseVerb(const Verb& verb, std::span<const std::string> arguments, Invocation& into)
+{
+    CLI::App app;
+    app.allow_extras();
+    buildVerb(app, verb, into);
+    return parse(app, arguments, [&] { refuseExtras(app); });
+}
+
+} // namespace cli
