@@ -58,6 +58,18 @@ std::uint64_t& ArrayEditor::slot(const FieldDef& field)
     return m_edited->words().data()[m_base + field.slot];
 }
 
+void ArrayEditor::refresh()
+{
+    if (m_edited)
+        m_run = arrayOf(slot(*m_field));
+}
+
+std::uint32_t ArrayEditor::size()
+{
+    refresh();
+    return m_run.count;
+}
+
 std::uint64_t* ArrayEditor::element(std::uint32_t index, Storage storage)
 {
     if (index >= size() || m_field->element != storage)
@@ -65,7 +77,7 @@ std::uint64_t* ArrayEditor::element(std::uint32_t index, Storage storage)
     return m_edited->words().data() + m_run.offset + index * m_field->stride();
 }
 
-RecordEditor ArrayEditor::operator[](std::uint32_t index) const
+RecordEditor ArrayEditor::operator[](std::uint32_t index)
 {
     if (index >= size() || m_field->element != Storage::Struct)
         return {};
@@ -154,7 +166,7 @@ bool ArrayEditor::apply(const Change& change)
                 applyTo(field, change);
         slot(*m_def->find(m_field->count)) = count;
     }
-    m_run = arrayOf(slot(*m_field));
+    refresh();
     return true;
 }
 

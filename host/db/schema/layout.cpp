@@ -275,6 +275,8 @@ private:
                 continue;
             if (!sameShape(known, field))
                 tableError("two kinds of field", node.name);
+            if (field.fixedCount == 0)
+                known.fixedCount = 0; // fixed in one branch only: nothing to fill beforehand
             return mergeGuards(known, false);
         }
         field.slot = m_def.size();

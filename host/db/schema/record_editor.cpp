@@ -147,8 +147,6 @@ bool RecordEditor::setBytes(FieldKey key, std::span<const std::uint8_t> value)
     const FieldDef* field = find(key, Storage::Bytes);
     if (!field || value.size() >= kLargestCount)
         return false;
-    if (field->fixedCount && value.size() != field->fixedCount)
-        return false;
     const std::vector<std::uint8_t> kept(value.begin(), value.end());
     const Run run = appendBytes(*m_edited, kept);
     *slot(*field) = wordOf(run);

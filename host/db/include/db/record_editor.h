@@ -14,8 +14,10 @@ public:
     ArrayEditor() = default;
     ArrayEditor(Record& record, const StructDef& def, std::uint32_t base, const FieldDef& field);
 
+    /// As it is now, also when another editor has changed it.
+    std::uint32_t size();
     /// Element @p index of an array of structs; empty when there is none.
-    RecordEditor operator[](std::uint32_t index) const;
+    RecordEditor operator[](std::uint32_t index);
     bool setInteger(std::uint32_t index, std::int64_t value);
     bool setReal(std::uint32_t index, double value);
     bool setPoint(std::uint32_t index, const Point& value);
@@ -29,8 +31,9 @@ public:
     /// Appends; the index of the new element. @pre the array is not of fixed length.
     std::uint32_t add()
     {
-        insert(size());
-        return size() - 1;
+        const std::uint32_t index = size();
+        insert(index);
+        return index;
     }
 
 private:
@@ -45,6 +48,7 @@ private:
     void fill(const FieldDef& field, std::uint32_t from, std::uint32_t count);
     std::uint64_t& slot(const FieldDef& field);
     std::uint64_t* element(std::uint32_t index, Storage storage);
+    void refresh();
 
     Record* m_edited = nullptr; // not owned; the caller's
     const StructDef* m_def = nullptr;
