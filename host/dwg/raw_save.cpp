@@ -98,9 +98,7 @@ base::Result<std::vector<std::uint8_t>> writePlan(const SavePlan& plan)
 {
     switch (plan.source.version()) {
     case Version::Ac1015: return writeFlat(plan);
-    case Version::Ac1021:
-        return base::Status(base::Failure::Unsupported, base::Reason::DwgVersionNotWritten,
-                            {TvString(nameOf(plan.source.version()))});
+    case Version::Ac1021: return writeCoded(plan);
     default: return writePaged(plan);
     }
 }

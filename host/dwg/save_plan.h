@@ -42,5 +42,6 @@ std::vector<PlannedObject> objectsInFileOrder(const SavePlan& plan);
 /// The writers of the containers.
 base::Result<std::vector<std::uint8_t>> writeFlat(const SavePlan& plan);
 base::Result<std::vector<std::uint8_t>> writePaged(const SavePlan& plan);
+base::Result<std::vector<std::uint8_t>> writeCoded(const SavePlan& plan);
 
 } // namespace dwg

@@ -7,13 +7,14 @@ using Buffer = std::vector<std::uint8_t>;
 
 namespace {
 
-const char* const kMinimal[] = {"empty-ac1015.dwg", "empty-ac1018.dwg", "empty-ac1032.dwg"};
+const char* const kMinimal[] = {"empty-ac1015.dwg", "empty-ac1018.dwg", "empty-ac1021.dwg",
+                                "empty-ac1032.dwg"};
 
 // A sample, which no round number of bytes can hide from; a larger one where that is quick.
 #if defined(__OPTIMIZE__) && !defined(KV_SANITIZED)
-constexpr std::size_t kStep = 3;
+constexpr std::size_t kStep = 7;
 #else
-constexpr std::size_t kStep = 41;
+constexpr std::size_t kStep = 83;
 #endif
 constexpr std::size_t kSaveStep = 11 * kStep; // saving takes longer than reading
 

@@ -9,7 +9,7 @@ using Buffer = std::vector<std::uint8_t>;
 
 namespace {
 
-const char* const kWritable[] = {"ac1015", "ac1018", "ac1024", "ac1027", "ac1032"};
+const char* const kWritable[] = {"ac1015", "ac1018", "ac1021", "ac1024", "ac1027", "ac1032"};
 
 // Every drawing that this version of the test data has, our own and the real ones.
 std::vector<std::pair<std::string, Buffer>> drawings()
