@@ -226,17 +226,14 @@ private:
         return m_request.verify ? m_request.verify(pathFromNative(m_temporary)) : Status();
     }
 
-    /// The last look before the old version goes.
+    /// The last look before the old version goes. (A new file looks when it takes its name.)
     Status checkStillThere()
     {
-        FileInfo now;
-        const int error = m_ops.describeName(m_target, now);
-        if (error && error != ENOENT)
-            return fromSystem(error);
         if (!m_old)
-            return error ? Status() : appeared();
-        if (error)
-            return failed(Failure::NotFound, Reason::FileMissing);
+            return {};
+        FileInfo now;
+        if (const int error = m_ops.describeName(m_target, now))
+            return fromSystem(error);
         if (!isSameFile(*m_old, now))
             return changed();
         return m_request.expected ? checkContent() : Status();

@@ -36,14 +36,6 @@ bool isBefore(const KvFileSystem::Entry& left, const KvFileSystem::Entry& right)
     return order ? order < 0 : left.name < right.name;
 }
 
-/// Without trailing slashes, but for a root.
-std::string withoutTrailingSlash(std::string path)
-{
-    while (path.size() > 1 && path.back() == '/')
-        path.pop_back();
-    return path;
-}
-
 bool isFolder(FileOps& ops, const std::string& path)
 {
     FileInfo info;
@@ -57,7 +49,7 @@ std::vector<std::string> missingFolders(FileOps& ops, std::string path)
     FileInfo info;
     while (ops.describeTarget(path, info) == ENOENT) {
         missing.push_back(path);
-        std::string above = withoutTrailingSlash(nativeFolderOf(path));
+        std::string above = nativeFolderOf(path);
         if (above.size() >= path.size() || above == ".")
             break;
         path = std::move(above);
@@ -228,14 +220,13 @@ bool FileAccess::createDirectory(const TvString& path)
     const auto native = locate(path);
     if (!native)
         return false;
-    const std::string wanted = withoutTrailingSlash(*native);
-    const std::vector<std::string> missing = missingFolders(m_ops, wanted);
+    const std::vector<std::string> missing = missingFolders(m_ops, *native);
     for (auto folder = missing.rbegin(); folder != missing.rend(); ++folder) {
         const int error = m_ops.makeFolder(*folder);
         if (error && error != EEXIST) // EEXIST: somebody else was quicker
             return false;
     }
-    return isFolder(m_ops, wanted);
+    return isFolder(m_ops, *native);
 }
 
 std::int64_t FileAccess::getFileSize(const TvString& path)

@@ -102,7 +102,7 @@ int lockError(long result)
     if (result != -1)
         return 0;
     switch (errno) {
-    case EACCES: return EAGAIN; // both mean "held" to the system
+    case EACCES: return EAGAIN; // some servers' word for a lock that another holds
     case EINVAL:
     case ENOSYS: return EOPNOTSUPP;
     default: return errno;

@@ -181,12 +181,15 @@ std::u16string guarded(std::u16string text, Root expected, PathFlavour flavour)
 /// Whether \\host\share\ is the same place in both.
 bool isSameShare(View left, View right)
 {
-    const std::size_t host = endOfName(left, 2);
-    const std::size_t share = endOfName(left, std::min(host + 1, left.size()));
-    const std::size_t otherHost = endOfName(right, 2);
-    const std::size_t otherShare = endOfName(right, std::min(otherHost + 1, right.size()));
-    return host == otherHost && equalNoCase(left.substr(2, host - 2), right.substr(2, host - 2)) &&
-           equalNoCase(left.substr(host, share - host), right.substr(host, otherShare - host));
+    const auto namesOfShare = [](View path) {
+        const std::size_t host = endOfName(path, 2);
+        const std::size_t start = std::min(host + 1, path.size());
+        return std::pair(path.substr(2, host - 2),
+                         path.substr(start, endOfName(path, start) - start));
+    };
+    const auto [host, share] = namesOfShare(left);
+    const auto [otherHost, otherShare] = namesOfShare(right);
+    return equalNoCase(host, otherHost) && equalNoCase(share, otherShare);
 }
 
 /// Whether two roots are one, so that a relative path leads from one to the other.
@@ -239,9 +242,9 @@ View hostOfNetworkPath(View path, Root root)
 /// Position of the dot that begins the extension; the end when there is none.
 std::size_t extensionStart(View name)
 {
-    const std::size_t first = name.find_first_not_of(u'.');
+    const std::size_t first = name.find_first_not_of(u'.'); // dots before it begin no extension
     const std::size_t dot = name.rfind(u'.');
-    return dot == View::npos || first == View::npos || dot < first ? name.size() : dot;
+    return dot == View::npos || dot < first ? name.size() : dot;
 }
 
 bool isControl(char16_t unit)

@@ -55,7 +55,7 @@ private:
         if (size > m_limit)
             return {Failure::TooLarge, Reason::FileTooLarge, {m_path}};
         m_size = size;
-        m_content.bytes.reserve(size);
+        m_content.bytes.reserve(size + kReadPadding);
         return {};
     }
 

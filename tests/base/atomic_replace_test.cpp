@@ -114,8 +114,13 @@ TEST_F(AtomicReplaceTest, KeepsNamesOfFullLength)
     std::string wide;
     for (int i = 0; i < 127; ++i)
         wide += "\xC3\xA9";
+    ReplaceRequest request;
+    request.verify = [](const TvString& temporary) { // some systems take no half characters
+        EXPECT_TRUE(base::isWellFormedUtf8(base::nativePath(temporary))) << temporary.utf8();
+        return Status();
+    };
     for (const std::string& name : {ascii, wide}) {
-        EXPECT_TRUE(bool(replace(name, "new"))) << name;
+        EXPECT_TRUE(bool(replace(name, "new", request))) << name;
         EXPECT_TRUE(bool(replace(name, "newer"))) << name;
         EXPECT_EQ(m_folder.read(name), "newer") << name;
     }
@@ -171,6 +176,46 @@ TEST_F(AtomicReplaceTest, HidesTheNewVersionWhileItIsMade)
     EXPECT_EQ(namesIn(m_folder), Names{"a.dwg"});
 }
 
+TEST_F(AtomicReplaceTest, ShowsNobodyTheNewVersionBeforeItHasTheRightsOfTheOld)
+{
+    const ScopedUmask mask(0);
+    m_folder.write("a.dwg", "old");
+    unsigned mode = 0;
+    m_ops.before = [&](int, const FaultyFileOps::Call& call) {
+        if (call.kind == Kind::Write || call.kind == Kind::CopyMetadata)
+            mode |= modeOf(call.kind == Kind::Write ? call.path : call.second);
+    };
+    EXPECT_TRUE(bool(replace("a.dwg", "new")));
+    EXPECT_EQ(mode, 0600u);
+    EXPECT_EQ(modeOf(at("a.dwg")), 0666u);
+}
+
+TEST_F(AtomicReplaceTest, BelievesNoFileThatCouldNotBeClosed)
+{
+    m_folder.write("a.dwg", "old");
+    bool isFailed = false;
+    m_ops.before = [&](int n, const FaultyFileOps::Call& call) {
+        const bool isTemporary = call.path.find(".tmp.") != std::string::npos;
+        if (call.kind == Kind::Close && isTemporary && !std::exchange(isFailed, true))
+            m_ops.failAt(n, EDQUOT); // where a share tells that it could not write
+    };
+    expectRefused("a.dwg", Failure::DiskFull, Reason::DiskFull);
+    EXPECT_EQ(m_folder.read("a.dwg"), "old");
+}
+
+TEST_F(AtomicReplaceTest, LeavesOneNameWhereTheAnswerToALinkIsLost)
+{
+    m_ops.before = [&](int n, const FaultyFileOps::Call& call) {
+        if (call.kind == Kind::RenameNew)
+            m_ops.failAt(n, EINVAL);
+        if (call.kind == Kind::Link)
+            m_ops.failAfter(n, EIO);
+    };
+    EXPECT_TRUE(bool(replace("a.dwg", "new")));
+    EXPECT_EQ(m_folder.read("a.dwg"), "new");
+    EXPECT_EQ(namesIn(m_folder), Names{"a.dwg"});
+}
+
 TEST_F(AtomicReplaceTest, TakesANameInTheCurrentFolder)
 {
     const std::filesystem::path former = std::filesystem::current_path();
@@ -217,6 +262,7 @@ TEST_F(AtomicReplaceTest, RefusesLinksThatLeadInACircle)
     ASSERT_EQ(::symlink("b", at("a").c_str()), 0);
     ASSERT_EQ(::symlink("a", at("b").c_str()), 0);
     expectRefused("a", Failure::Io, Reason::LinkLoop);
+    EXPECT_LT(m_ops.count(), 100);
 }
 
 TEST_F(AtomicReplaceTest, RefusesAFileOfSeveralNamesUnlessToldToSplitThem)
@@ -538,6 +584,16 @@ TEST_F(ReadWholeTest, GivesContentAndStamp)
     ASSERT_TRUE(bool(content));
     EXPECT_EQ(textOf(content->bytes), "content");
     EXPECT_EQ(content->stamp, info.stamp);
+}
+
+TEST_F(ReadWholeTest, LeavesRoomBehindTheContent)
+{
+    for (const std::size_t size : {0u, 1u, 100'000u, 2'000'000u}) {
+        m_folder.write("a.dwg", std::string(size, 'x'));
+        const auto content = read("a.dwg", 1 << 22);
+        ASSERT_TRUE(bool(content)) << size;
+        EXPECT_GE(content->bytes.capacity(), size + base::kReadPadding) << size;
+    }
 }
 
 TEST_F(ReadWholeTest, FollowsLinksAndReadsEmptyFiles)

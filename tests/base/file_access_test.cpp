@@ -219,6 +219,14 @@ TEST_F(FileAccessTest, TakesBackslashesForLettersWhereAFileHasThem)
     EXPECT_EQ(m_folder.read("odd\\folder/b.dwg"), "12345");
 }
 
+TEST_F(FileAccessTest, LeavesPathsAsTheyAreWhereBackslashesAreSeparators)
+{
+    FileAccess elsewhere(m_ops, m_clock, PathFlavour::Windows);
+    EXPECT_FALSE(elsewhere.isFileExisting(u"missing\\a.dwg", 1, 0));
+    ASSERT_EQ(m_ops.count(), 1) << m_ops.traceText();
+    EXPECT_EQ(m_ops.trace()[0].path, "missing\\a.dwg");
+}
+
 TEST_F(FileAccessTest, KeepsCaseTwinsAndSpellingTwinsApart)
 {
     m_folder.write("a.dwg", "1"), m_folder.write("\xC3\xA9.dwg", "12");
@@ -239,6 +247,17 @@ TEST_F(FileAccessTest, RefusesNamesOfAnyLength)
     const TvString longName(std::u16string(32'768, u'x'));
     askEverything(m_files, longName, longName);
     EXPECT_EQ(waitedMs(), 0);
+}
+
+TEST_F(FileAccessTest, OpensNothingButFilesAndFolders)
+{
+    ASSERT_EQ(::mkfifo(at("pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(bool(m_files.readFile(file("pipe"), 100)));
+    EXPECT_EQ(m_files.getModificationTime(file("pipe")), 0u);
+    EXPECT_TRUE(m_files.isReadOnly(file("pipe")));
+    EXPECT_FALSE(m_files.copyFile(file("pipe"), file("b"), 0));
+    for (const FaultyFileOps::Call& call : m_ops.trace())
+        EXPECT_NE(call.kind, Kind::Open) << m_ops.traceText();
 }
 
 // Moving and copying under faults

@@ -201,6 +201,18 @@ TEST_F(FileOpsTest, FlushesFolders)
     EXPECT_EQ(m_ops.flush(open("", OpenMode::Folder)), 0);
 }
 
+TEST_F(FileOpsTest, TakesAFolderThatNeedsNoFlushingForFlushed)
+{
+    FileOps::Descriptor folder = FileOps::kNone, file = FileOps::kNone;
+    ASSERT_EQ(m_ops.open("/proc/self", OpenMode::Folder, folder), 0);
+    m_opened.push_back(folder);
+    ASSERT_EQ(m_ops.open("/proc/self/status", OpenMode::Read, file), 0);
+    m_opened.push_back(file);
+
+    EXPECT_EQ(m_ops.flush(folder), 0);
+    EXPECT_EQ(m_ops.flush(file), EINVAL) << "content is another matter";
+}
+
 TEST_F(FileOpsTest, TouchesNoResultWhenItFails)
 {
     m_folder.write("a", "text");
@@ -490,6 +502,28 @@ TEST_F(MetadataTest, LeavesOwnerAndSetIdBitsToOthersWhereItMust)
     EXPECT_EQ(mode, 0);
     EXPECT_EQ(modeOf(at("new")), 0755u);
     EXPECT_EQ(described("new").owner, 65534u);
+}
+
+TEST_F(MetadataTest, KeepsAtLeastTheGroup)
+{
+    if (!isAdministrator())
+        GTEST_SKIP() << "needs a file of somebody else";
+    constexpr gid_t kProject = 2345;
+    ASSERT_EQ(::chmod(m_folder.path().c_str(), 0777), 0);
+    m_folder.write("old", "");
+    ASSERT_EQ(::chown(at("old").c_str(), 1234, kProject), 0);
+    ASSERT_EQ(::chmod(at("old").c_str(), 0664), 0);
+
+    EXPECT_EQ(asNobody(
+                  [&] {
+                      copy();
+                      return m_ownershipKept ? 1 : 0;
+                  },
+                  {kProject}),
+              0);
+
+    EXPECT_EQ(described("new").group, kProject);
+    EXPECT_EQ(modeOf(at("new")), 0664u);
 }
 
 TEST_F(MetadataTest, KeepsExtendedAttributes)

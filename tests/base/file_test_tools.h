@@ -56,14 +56,15 @@ inline bool isAdministrator()
 }
 
 /// Runs @p work as a user without rights, in a child. @return what it returned.
+/// @param groups  that the user belongs to besides the own one.
 /// @pre isAdministrator()
-inline int asNobody(const std::function<int()>& work)
+inline int asNobody(const std::function<int()>& work, const std::vector<gid_t>& groups = {})
 {
     constexpr unsigned kNobody = 65534;
     const pid_t child = ::fork();
     if (child == 0) {
-        const bool isDone =
-            ::setgroups(0, nullptr) == 0 && ::setgid(kNobody) == 0 && ::setuid(kNobody) == 0;
+        const bool isDone = ::setgroups(groups.size(), groups.data()) == 0 &&
+                            ::setgid(kNobody) == 0 && ::setuid(kNobody) == 0;
         ::_exit(isDone ? work() : 99);
     }
     int status = 0;

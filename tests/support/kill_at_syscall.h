@@ -6,8 +6,10 @@
 /// Kills a process at the entry of any one of its system calls, to see what it leaves behind.
 ///
 /// The work runs in a child of this process, traced: every system call that it makes is a moment at
-/// which it may die (SIGKILL, before the call does anything). The child must not start threads or
-/// processes, and an assertion that fails in it is not seen: it tells by its exit code.
+/// which it may die (SIGKILL, before the call does anything). Calls for memory do not count: they
+/// leave nothing behind, so dying at one is dying at the call that follows. The child must not
+/// start threads or processes, and an assertion that fails in it is not seen: it tells by its exit
+/// code.
 
 /// How one run ended.
 struct KillOutcome {

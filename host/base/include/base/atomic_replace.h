@@ -45,6 +45,10 @@ struct ReplaceRequest {
 ///  4. After success the folder was flushed too.
 Status replaceFile(FileOps& ops, const TvString& path, const ReplaceRequest& request);
 
+/// Room behind the content that readWhole gives: a parser may put its terminator there without
+/// moving all.
+constexpr std::size_t kReadPadding = 32;
+
 /// The whole content of a regular file with the stamp it had; never blocks on pipes and devices. A
 /// file that gives more than its size says (some of the system's own) is refused like a device.
 ///
