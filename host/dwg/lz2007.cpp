@@ -219,8 +219,9 @@ private:
         if (m_failed || offset == 0 || offset > m_done || length > m_out.size() - m_done)
             return false;
         std::uint8_t* to = m_out.data() + m_done;
+        const std::uint8_t* from = to - offset;
         for (std::size_t i = 0; i < length; ++i)
-            to[i] = to[i - offset];
+            to[i] = from[i];
         m_done += length;
         return true;
     }
