@@ -368,6 +368,16 @@ TEST_F(EditLockTest, IsLostWhenAForeignTokenIsThere)
     EXPECT_TRUE(lock.take("again"));
 }
 
+TEST_F(EditLockTest, ReleaseLeavesAForeignRecordThatNoHeartbeatSaw)
+{
+    ASSERT_TRUE(lock.take("x"));
+    scene.folder.write(kSidecar, foreignRecord());
+
+    lock.release();
+
+    EXPECT_EQ(record(), foreignRecord());
+}
+
 TEST_F(EditLockTest, LostOnceIsFreeForOthersAtOnce)
 {
     ASSERT_TRUE(lock.take("x"));
