@@ -112,6 +112,8 @@ int runRequest(std::span<const std::string> arguments, std::string& verb, Ports&
         Console console(ports, "version", styleOf(invocation));
         return finish(console, run(VersionRequest(), console));
     }
+    if (rest.empty() && invocation.json)
+        refuseUsage(Word::NoVerb);
     if (rest.empty()) {
         ports.err(toolHelp(true));
         return static_cast<int>(ExitCode::Usage);

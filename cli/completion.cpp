@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <iterator>
+
 #include "cli/help_text.h"
 
 // The script knows verbs and options as the option tree has them; values follow from what an option
@@ -7,11 +10,11 @@ namespace cli {
 
 namespace {
 
-std::string joined(const std::vector<std::string>& list)
+std::string joined(const std::vector<std::string>& list, const char* separator = " ")
 {
     std::string out;
     for (const std::string& item : list)
-        out += (out.empty() ? "" : " ") + item;
+        out += (out.empty() ? "" : separator) + item;
     return out;
 }
 
@@ -64,43 +67,52 @@ std::string optionCases()
     return out;
 }
 
-/// Spellings, as a pattern of case, of the options whose value is @p value.
-std::string patternOf(const std::string& value)
+/// Spellings of options that take a value, as a pattern of case. @p wants  by the value's name.
+template <class Wants>
+std::string patternOf(Wants&& wants)
 {
     std::vector<std::string> seen;
-    std::string out;
     const auto take = [&](const Verb* verb) {
         for (const OptionInfo& option : optionsOf(verb))
             for (const std::string& name : option.spellings)
-                if (option.value == value &&
-                    std::find(seen.begin(), seen.end(), name) == seen.end()) {
+                if (!option.value.empty() && wants(option.value) &&
+                    std::find(seen.begin(), seen.end(), name) == seen.end())
                     seen.push_back(name);
-                    out += (out.empty() ? "" : "|") + name;
-                }
     };
     take(nullptr);
     for (const Verb& verb : verbs())
         take(&verb);
-    return out;
+    return joined(seen, "|");
 }
 
-std::string valueCase(const std::string& value, const std::string& reply)
+/// Values that can be completed, by their names in the option tree.
+struct ValueRow {
+    std::string_view value;
+    const char* reply;
+};
+constexpr ValueRow kValues[] = {
+    {"FILE", "_kvsheetset_files \"$word\""},
+    {"DIR", "mapfile -t COMPREPLY < <(compgen -d -- \"$word\")"},
+    {"set|sheets", "mapfile -t COMPREPLY < <(compgen -W 'set sheets' -- \"$word\")"},
+};
+
+std::string valueCase(const std::string& pattern, const std::string& reply)
 {
-    const std::string pattern = patternOf(value);
-    return pattern.empty() ? ""
-                           : "        " + pattern + ")\n            " + reply +
-                                 "\n            return\n            ;;\n";
+    return "        " + pattern + ")\n            " + reply +
+           "\n            return\n            ;;\n";
 }
 
 std::string valueCases()
 {
-    const std::string nothing = "COMPREPLY=()";
-    return valueCase("FILE", "_kvsheetset_files \"$word\"") +
-           valueCase("DIR", "mapfile -t COMPREPLY < <(compgen -d -- \"$word\")") +
-           valueCase("set|sheets",
-                     "mapfile -t COMPREPLY < <(compgen -W 'set sheets' -- \"$word\")") +
-           valueCase("HANDLE", nothing) + valueCase("NAME", nothing) + valueCase("TEXT", nothing) +
-           valueCase("N", nothing) + valueCase("SECONDS", nothing);
+    std::string out;
+    for (const ValueRow& row : kValues)
+        out += valueCase(patternOf([&](const std::string& value) { return value == row.value; }),
+                         row.reply);
+    const auto isOther = [](const std::string& value) {
+        return std::none_of(std::begin(kValues), std::end(kValues),
+                            [&](const ValueRow& row) { return row.value == value; });
+    };
+    return out + valueCase(patternOf(isOther), "COMPREPLY=()");
 }
 
 /// Words before the one being typed, without options: which verb it is, and how many arguments.
@@ -120,13 +132,10 @@ constexpr char kScan[] = R"(    local plain=() at skip=
 
 std::string scan()
 {
-    std::string valued;
-    for (const char* value :
-         {"FILE", "DIR", "set|sheets", "HANDLE", "NAME", "TEXT", "N", "SECONDS"})
-        if (const std::string pattern = patternOf(value); !pattern.empty())
-            valued += (valued.empty() ? "" : "|") + pattern;
+    constexpr std::string_view kPlace = "@VALUED@";
     std::string out = kScan;
-    return out.replace(out.find("@VALUED@"), 8, valued);
+    return out.replace(out.find(kPlace), kPlace.size(),
+                       patternOf([](const std::string&) { return true; }));
 }
 
 } // namespace

@@ -2,32 +2,11 @@
 
 #include <algorithm>
 
+#include "wrapped_text.h"
+
 namespace cli {
 
 namespace {
-
-constexpr std::size_t kTextWidth = 78; // columns
-
-/// @p text in lines of at most kTextWidth columns, each behind @p indent blanks.
-std::string wrapped(const std::string& text, std::size_t indent)
-{
-    std::string out;
-    std::size_t column = 0;
-    std::size_t from = 0;
-    while (from < text.size()) {
-        const std::size_t end = std::min(text.find(' ', from), text.size());
-        const std::size_t length = end - from;
-        if (column > 0 && column + 1 + length > kTextWidth) {
-            out += "\n";
-            column = 0;
-        }
-        out += column == 0 ? std::string(indent, ' ') : " ";
-        out.append(text, from, length);
-        column = (column == 0 ? indent : column + 1) + length;
-        from = end + 1;
-    }
-    return out + "\n";
-}
 
 std::string padded(std::string text, std::size_t width)
 {
@@ -68,7 +47,7 @@ std::string table(const std::vector<OptionInfo>& options, bool brief)
         if (brief && option.isCommon)
             continue;
         const std::string left = "  " + leftOf(option);
-        const std::string text = wrapped(option.help, kColumn);
+        const std::string text = wrappedText(option.help, kColumn);
         if (left.size() + 2 > kColumn)
             out += left + "\n" + text;
         else
@@ -106,8 +85,9 @@ std::string toolHelp(bool brief)
 {
     std::string out;
     if (!brief)
-        out += wrapped(words(Word::ToolDetails).utf8(), 0) + "\n" + heading(Word::HeadExamples) +
-               indented(words(Word::ToolExamples).utf8(), "  ") + "\n";
+        out += wrappedText(words(Word::ToolDetails).utf8(), 0) + "\n" +
+               heading(Word::HeadExamples) + indented(words(Word::ToolExamples).utf8(), "  ") +
+               "\n";
     out += words(Word::ToolUsage).utf8() + "\n\n" + heading(Word::HeadVerbs) + verbTable();
     if (!brief)
         out += "\n" + heading(Word::HeadOptions) + table(optionsOf(nullptr), false);
@@ -120,7 +100,7 @@ std::string verbHelp(const Verb& verb, bool brief)
     if (!brief)
         out += words(verb.summary).utf8() + ".\n\n" + heading(Word::HeadExamples) +
                indented(words(verb.examples).utf8(), "  ") + "\n" +
-               wrapped(words(verb.details).utf8(), 0) + "\n";
+               wrappedText(words(verb.details).utf8(), 0) + "\n";
     out += words(Word::HeadUsage).utf8() + " " + usageOf(verb) + "\n\n" +
            table(optionsOf(&verb), brief);
     if (brief)

@@ -1,6 +1,7 @@
 #include <resources/texts.h>
 
 #include "cli/help_text.h"
+#include "wrapped_text.h"
 
 // The man page in the language of man(7), made from the option tree and the table of texts.
 
@@ -8,11 +9,17 @@ namespace cli {
 
 namespace {
 
+/// The day on which the manual last said something new.
+constexpr char kDate[] = "2026-11-21";
+
 /// Plain text for troff: what would be a request or an escape is written as what it looks like.
 std::string troff(const std::string& text)
 {
     std::string out;
     for (const char letter : text) {
+        const bool isLineStart = out.empty() || out.back() == '\n';
+        if (isLineStart && (letter == '.' || letter == '\''))
+            out += "\\&";
         if (letter == '\\')
             out += "\\e";
         else if (letter == '-')
@@ -20,7 +27,13 @@ std::string troff(const std::string& text)
         else
             out += letter;
     }
-    return !out.empty() && (out[0] == '.' || out[0] == '\'') ? "\\&" + out : out;
+    return out;
+}
+
+/// A paragraph, in lines, with its end of line.
+std::string paragraph(const std::string& text)
+{
+    return troff(wrappedText(text, 0));
 }
 
 std::string section(Word title)
@@ -34,7 +47,7 @@ std::string optionEntry(const OptionInfo& option)
     if (!option.value.empty())
         left += (left.empty() ? "" : " ") + ("\\fI" + troff(option.value)) + "\\fR" +
                 (option.isRepeated ? "..." : "");
-    return ".TP\n" + left + "\n" + troff(option.help) + "\n";
+    return ".TP\n" + left + "\n" + paragraph(option.help);
 }
 
 std::string exampleBlock(const std::string& examples)
@@ -50,8 +63,7 @@ std::string exampleBlock(const std::string& examples)
 
 std::string verbSection(const Verb& verb)
 {
-    std::string out =
-        ".SS " + troff(usageOf(verb)) + "\n" + troff(words(verb.details).utf8()) + "\n";
+    std::string out = ".SS " + troff(usageOf(verb)) + "\n" + paragraph(words(verb.details).utf8());
     for (const OptionInfo& option : optionsOf(&verb))
         if (!option.isCommon)
             out += optionEntry(option);
@@ -89,7 +101,7 @@ std::string exitSection()
     std::string out = section(Word::ManExitStatus);
     for (const ExitRow& row : kExits)
         out += ".TP\n.B " + std::to_string(static_cast<int>(row.code)) + "\n" +
-               troff(words(row.meaning).utf8()) + "\n";
+               paragraph(words(row.meaning).utf8());
     return out;
 }
 
@@ -109,7 +121,7 @@ std::string messageSection(Word title, int first, int last, const char* codeForm
         if (number < first || number > last)
             continue;
         const TvString code = TvString().format(TvString(codeFormat), number - base);
-        out += ".TP\n.B " + code.utf8() + "\n" + troff(patternText(text::find(number))) + "\n";
+        out += ".TP\n.B " + code.utf8() + "\n" + paragraph(patternText(text::find(number)));
     }
     return out;
 }
@@ -118,14 +130,14 @@ std::string messageSection(Word title, int first, int last, const char* codeForm
 
 std::string manualSource()
 {
-    std::string out = ".\\\" Made by \"kvsheetset help --man\" from the option tree.\n"
-                      ".TH KVSHEETSET 1 \"\" \"TARVIK Sheet Sets\" \"User commands\"\n";
+    std::string out = ".\\\" Made by \"kvsheetset help --man\" from the option tree.\n";
+    out += ".TH KVSHEETSET 1 " + std::string(kDate) + " \"TARVIK Sheet Sets\" \"User commands\"\n";
     out +=
         section(Word::ManName) + "kvsheetset \\- " + troff(words(Word::ToolSummary).utf8()) + "\n";
     out += section(Word::ManSynopsis) +
            ".B kvsheetset\n.I VERB\n[\\fIOPTION\\fR...] \\fIFILE\\fR [\\fIARGUMENT\\fR...]\n";
-    out += section(Word::ManDescription) + troff(words(Word::ToolDetails).utf8()) + "\n.PP\n" +
-           troff(words(Word::ManConventions).utf8()) + "\n";
+    out += section(Word::ManDescription) + paragraph(words(Word::ToolDetails).utf8()) + ".PP\n" +
+           paragraph(words(Word::ManConventions).utf8());
     out += section(Word::ManVerbs);
     for (const Verb& verb : verbs())
         out += verbSection(verb);
@@ -133,7 +145,7 @@ std::string manualSource()
     out += messageSection(Word::ManMessages, 22400, 22499, "E%05d", 0);
     out += messageSection(Word::ManFindings, 22501, 22599, "K%03d", 22500);
     out += section(Word::ManEnvironment) + ".TP\n.B NO_COLOR\n" +
-           troff(words(Word::ManNoColor).utf8()) + "\n";
+           paragraph(words(Word::ManNoColor).utf8());
     return out;
 }
 

@@ -272,8 +272,8 @@ void refuseExtras(const CLI::App& app)
     for (const CLI::Option* option : app.get_options()) {
         for (const CLI::Option* other : option->get_excludes())
             if (option->count() > 0 && other->count() > 0)
-                refuseUsage(Word::OptionsExclude, shown(other->get_name()),
-                            shown(option->get_name()));
+                refuseUsage(Word::OptionsExclude, shown(option->get_name()),
+                            shown(other->get_name()));
         if (option->get_required() && option->count() == 0)
             refuseUsage(
                 Word::ArgumentMissing,
@@ -379,7 +379,9 @@ Parsed parseBeforeVerb(std::span<const std::string> arguments, Invocation& into,
     for (const std::string& argument : app.remaining())
         rest.push_back(!argument.empty() && argument[0] == OptionList::kShield ? argument.substr(1)
                                                                                : argument);
-    if (!rest.empty() && isOption(rest.front()))
+    if (!rest.empty() && rest.front() == "--")
+        rest.erase(rest.begin());
+    else if (!rest.empty() && isOption(rest.front()))
         refuseExtra(app, rest.front());
     return parsed;
 }

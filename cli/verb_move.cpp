@@ -15,6 +15,12 @@ void requireSense(const MoveRequest& request)
     requirePlace(request.place);
 }
 
+TvString movedWords(const TvSmComponent& child, const TvSmSubset& from, const TvSmSubset& to)
+{
+    return &from == &to ? words(Word::MovedWithin, labelOf(child), labelOf(to))
+                        : words(Word::Moved, labelOf(child), labelOf(from), labelOf(to));
+}
+
 ExitCode move(const MoveRequest& request, Console& console)
 {
     requireSense(request);
@@ -24,9 +30,7 @@ ExitCode move(const MoveRequest& request, Console& console)
     TvSmSubset& from = parentOf(child);
     putAt(to, child, request.place);
     set.commit();
-    console.line({{handleOf(child), Tone::Faint},
-                  {u"  "},
-                  {words(Word::Moved, labelOf(child), labelOf(from), labelOf(to))}});
+    console.line({{handleOf(child), Tone::Faint}, {u"  "}, {movedWords(child, from, to)}});
     console.document()["file"] = jsonText(fullPath(request.file));
     console.document()["moved"] = jsonOf(child);
     console.document()["from"] = jsonOf(from);

@@ -53,13 +53,14 @@ void requireFolder(const TvString& path)
 void report(const TvSmDatabase& db, const NewRequest& request, Console& console)
 {
     const TvString path = db.getFileName();
+    const TvString typed =
+        request.file.endsWithNoCase(kExtension) ? request.file : request.file + kExtension;
     console.line({{path}});
     console.document()["file"] = jsonText(path);
     console.document()["handle"] = jsonText(handleOf(*db.getSheetSet()));
     console.document()["name"] = jsonText(db.getSheetSet()->getName());
     console.document()["dryRun"] = request.change.dryRun;
-    console.say(request.change.dryRun ? words(Word::DryRunDone)
-                                      : words(Word::NextAfterNew, request.file));
+    console.say(request.change.dryRun ? words(Word::DryRunDone) : words(Word::NextAfterNew, typed));
 }
 
 ExitCode create(const NewRequest& request, Console& console)

@@ -113,8 +113,8 @@ ExitCode remove(const PropRemoveRequest& request, Console& console)
         refuse(ExitCode::NoInput, Word::NoneOfTheProperties, handleOf(component));
     changed.commit();
     tellObject(request.file, component, request.change.dryRun, console);
-    Json& done = console.document()["removed"] = Json::array();
-    Json& notThere = console.document()["missing"] = Json::array();
+    Json done = Json::array();
+    Json notThere = Json::array();
     for (const TvString& name : removed) {
         printLine(component, name, {}, console);
         done.push_back(jsonText(name));
@@ -123,6 +123,8 @@ ExitCode remove(const PropRemoveRequest& request, Console& console)
         console.warn(messageOf(Word::NoSuchProperty, handleOf(component), name));
         notThere.push_back(jsonText(name));
     }
+    console.document()["removed"] = std::move(done);
+    console.document()["missing"] = std::move(notThere);
     return missing.empty() ? ExitCode::Ok : ExitCode::PartlyFailed;
 }
 

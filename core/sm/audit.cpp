@@ -250,8 +250,8 @@ void Auditor::tell(Presence presence, TvSmFileReference& reference)
 {
     const TvString path = reference.getFileName();
     // The layout reference of a subset is the template of new sheets, not a drawing of the set.
-    const bool isTemplate = tvrxCast<TvSmTvDbLayoutReference>(&reference) &&
-                            tvrxCast<TvSmSubset>(reference.owner());
+    const bool isTemplate =
+        tvrxCast<TvSmTvDbLayoutReference>(&reference) && tvrxCast<TvSmSubset>(reference.owner());
     const bool isDrawing = tvrxCast<TvSmDbObjectReference>(&reference) && !isTemplate;
     switch (presence) {
     case Presence::There: return;

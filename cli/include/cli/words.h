@@ -127,6 +127,7 @@
     X(ChangedFromTo, 22205)                             \
     X(TreeHidden, 22206)                                \
     X(TreeExcluded, 22207)                              \
+    X(MovedWithin, 22208)                               \
     X(InfoName, 22210)                                  \
     X(InfoDescription, 22211)                           \
     X(InfoFile, 22212)                                  \
@@ -189,6 +190,7 @@
     X(CannotEnterFolder, 22416)                         \
     X(CannotWriteOutput, 22417)                         \
     X(InternalError, 22418)                             \
+    X(NoVerb, 22419)                                    \
     X(NotAHandle, 22420)                                \
     X(NoSuchHandle, 22421)                              \
     X(NotAComponent, 22422)                             \

@@ -1,0 +1,57 @@
+#include <set>
+
+#include <cli/words.h>
+#include <resources/texts.h>
+#include <sm/audit.h>
+
+#include "tool_scene.h"
+
+namespace {
+
+struct Row {
+    const char* name;
+    int number;
+};
+constexpr Row kRows[] = {
+#define KV_ROW(name, number) {#name, number},
+    KV_TOOL_WORDS(KV_ROW)
+#undef KV_ROW
+};
+
+TEST(Words, EachHasAText)
+{
+    for (const Row& row : kRows)
+        EXPECT_NE(text::find(row.number), nullptr) << row.name;
+}
+
+TEST(Words, NumbersAscendSoThatNoneStandsTwice)
+{
+    int last = 21999;
+    for (const Row& row : kRows) {
+        EXPECT_GT(row.number, last) << row.name;
+        last = row.number;
+    }
+    EXPECT_LT(last, 23000);
+}
+
+TEST(Words, EachTextOfTheToolIsUsed)
+{
+    std::set<int> used;
+    for (const Row& row : kRows)
+        used.insert(row.number);
+    for (int at = 0; at < text::count(); ++at) {
+        const int number = text::numberAt(at);
+        const bool isFinding = number > 22500 && number < 22600;
+        const bool isTools = number >= 22000 && number < 23000 && !isFinding;
+        EXPECT_TRUE(!isTools || used.count(number)) << number;
+    }
+}
+
+TEST(Words, EachFindingHasAText)
+{
+    for (int number = static_cast<int>(sm::AuditRule::HandlesUsedUp);
+         number <= static_cast<int>(sm::AuditRule::NewerVersion); ++number)
+        EXPECT_NE(text::find(number), nullptr) << number;
+}
+
+} // namespace
