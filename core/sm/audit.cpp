@@ -97,7 +97,7 @@ void Auditor::checkFile()
     const TvSmSheetSet& set = *m_db.getSheetSet();
     if (isReadOnlyVersion(&m_db))
         add(AuditRule::NewerVersion, Severity::Note, set, {m_db.getVersion()});
-    if (Internals::state(m_db).savedNextHandle() > kHandleLimit - kHandleReserve)
+    if (Internals::state(m_db).savedNextHandle() > DatabaseState::kCountedHandles - kHandleReserve)
         add(AuditRule::HandlesUsedUp, Severity::Error, set);
 }
 

@@ -6,14 +6,12 @@ using sm::Internals;
 
 TVRX_DEFINE_MEMBERS(TvSmComponent, TvSmPersist)
 
-TvSmComponent::TvSmComponent() = default;
-
 TvSmComponent::~TvSmComponent()
 {
     // The values are the database's; a component that its maker deletes leaves them behind.
     if (m_properties && Internals::isHeldByMaker(*this))
-        for (auto& entry : Internals::entries(*m_properties))
-            Internals::abandon(entry.value);
+        for (TvSmCustomPropertyValue* value : Internals::entries(*m_properties))
+            Internals::abandon(value);
 }
 
 TvString TvSmComponent::getName(TvString& out) const

@@ -1,5 +1,7 @@
 #include "sm/tv_sm_custom_property_bag.h"
 
+#include <limits>
+
 #include "database_state.h"
 
 using sm::Internals;
@@ -7,19 +9,33 @@ using sm::Internals;
 TVRX_DEFINE_MEMBERS(TvSmCustomPropertyValue, TvSmPersist)
 TVRX_DEFINE_MEMBERS(TvSmCustomPropertyBag, TvSmPersist)
 
-TvSmCustomPropertyValue::TvSmCustomPropertyValue() = default;
 TvSmCustomPropertyValue::~TvSmCustomPropertyValue() = default;
+
+namespace {
+
+/// The nearest integer there is; a file may hold anything. 0 for what is no number.
+template <class Integer>
+Integer integerFrom(double number)
+{
+    constexpr auto lowest = static_cast<double>(std::numeric_limits<Integer>::min());
+    constexpr auto highest = static_cast<double>(std::numeric_limits<Integer>::max());
+    return number == number ? static_cast<Integer>(std::clamp(number, lowest, highest))
+                            : Integer(0);
+}
+
+} // namespace
 
 void TvSmCustomPropertyValue::getValue(TvVariant& out) const
 {
-    switch (m_type & TvVariant::kTypeMask) {
+    switch (m_type) {
     case TvVariant::kString: out = TvVariant(m_text.text()); break;
-    case TvVariant::kInt32: out = TvVariant(static_cast<std::int32_t>(m_number)); break;
-    case TvVariant::kInt16: out = TvVariant(static_cast<std::int16_t>(m_number)); break;
+    case TvVariant::kInt32: out = TvVariant(integerFrom<std::int32_t>(m_number)); break;
+    case TvVariant::kInt16: out = TvVariant(integerFrom<std::int16_t>(m_number)); break;
     case TvVariant::kReal: out = TvVariant(m_number); break;
     case TvVariant::kBool: out = TvVariant(m_number != 0); break;
     default: out = TvVariant(); break;
     }
+    out.setMarks(m_marks);
 }
 
 namespace {
@@ -49,7 +65,9 @@ bool TvSmCustomPropertyValue::setValue(const TvVariant& value)
     // Real numbers that are equal may still differ in their bits (-0.0), and a NaN equals nothing;
     // the type decides first.
     const double number = numberOf(value);
-    return Internals::change(*this, m_type, value.type()) &&
+    const auto type = static_cast<std::uint16_t>(value.type() & TvVariant::kTypeMask);
+    const auto marks = static_cast<std::uint16_t>(value.type() & ~TvVariant::kTypeMask);
+    return Internals::change(*this, m_type, type) && Internals::change(*this, m_marks, marks) &&
            Internals::change(*this, m_number, number) && Internals::changeText(*this, m_text, text);
 }
 
@@ -63,14 +81,13 @@ bool TvSmCustomPropertyValue::setFlags(unsigned short flags)
     return Internals::change(*this, m_flags, static_cast<std::uint16_t>(flags));
 }
 
-TvSmCustomPropertyBag::TvSmCustomPropertyBag() = default;
 TvSmCustomPropertyBag::~TvSmCustomPropertyBag() = default;
 
 TvSmCustomPropertyValue* TvSmCustomPropertyBag::getProperty(const TvString& name) const
 {
-    for (const Entry& entry : m_entries)
-        if (entry.name.equals(name))
-            return entry.value;
+    for (TvSmCustomPropertyValue* value : m_entries)
+        if (Internals::nameOf(*value).equals(name))
+            return value;
     return nullptr;
 }
 
@@ -78,43 +95,26 @@ bool TvSmCustomPropertyBag::setProperty(const TvString& name, TvSmCustomProperty
 {
     if (name.isEmpty() || !Internals::mayChange(*this) || !Internals::canAdopt(*this, value))
         return false;
-    if (getProperty(name) == value)
+    TvSmCustomPropertyValue* former = getProperty(name);
+    if (former == value)
         return true;
     if (Internals::life(*value) == Life::Attached)
         return false;
-    for (Entry& entry : m_entries) {
-        if (!entry.name.equals(name))
-            continue;
-        TvSmCustomPropertyValue* former = entry.value;
-        // The entries of a bag move when one is added: the step finds the entry by its place.
-        const auto index = static_cast<std::size_t>(&entry - m_entries.data());
-        Internals::eraseAt(*this, m_entries, index);
+    std::size_t place = m_entries.size();
+    if (former) {
+        place = static_cast<std::size_t>(std::find(m_entries.begin(), m_entries.end(), former) -
+                                         m_entries.begin());
+        Internals::eraseAt(*this, m_entries, place);
         Internals::detach(*former);
-        Entry fresh;
-        fresh.name.assign(name);
-        fresh.value = value;
-        Internals::insertAt(*this, m_entries, index, std::move(fresh));
-        Internals::attach(*value, *this);
-        return true;
     }
-    Entry fresh;
-    fresh.name.assign(name);
-    fresh.value = value;
-    Internals::insertAt(*this, m_entries, m_entries.size(), std::move(fresh));
+    Internals::insertAt(*this, m_entries, place, value);
     Internals::attach(*value, *this);
-    return true;
+    return Internals::changeText(*value, Internals::nameOf(*value), name);
 }
 
 bool TvSmCustomPropertyBag::removeProperty(const TvString& name)
 {
-    const auto at = std::find_if(m_entries.begin(), m_entries.end(),
-                                 [&](const Entry& entry) { return entry.name.equals(name); });
-    if (at == m_entries.end() || !Internals::mayChange(*this))
-        return false;
-    TvSmCustomPropertyValue* value = at->value;
-    Internals::eraseAt(*this, m_entries, static_cast<std::size_t>(at - m_entries.begin()));
-    Internals::detach(*value);
-    return true;
+    return Internals::removeEntry(*this, m_entries, getProperty(name));
 }
 
 namespace {
@@ -129,9 +129,9 @@ public:
         if (m_index >= entries.size())
             return false;
         if (name)
-            *name = entries[m_index].name.text();
+            *name = Internals::nameOf(*entries[m_index]).text();
         if (value)
-            *value = entries[m_index].value;
+            *value = entries[m_index];
         ++m_index;
         return true;
     }
@@ -155,8 +155,8 @@ std::vector<Property> propertiesOf(const TvSmCustomPropertyBag* bag)
 {
     std::vector<Property> result;
     if (bag)
-        for (const auto& entry : Internals::entries(*bag))
-            result.push_back({entry.name.text(), entry.value});
+        for (TvSmCustomPropertyValue* value : Internals::entries(*bag))
+            result.push_back({Internals::nameOf(*value).text(), value});
     return result;
 }
 

@@ -147,8 +147,8 @@ using Visit = std::function<void(TvSmPersist&)>;
 void visitBag(TvSmComponent& component, const Visit& visit)
 {
     if (Internals::hasBag(component))
-        for (auto& entry : Internals::entries(Internals::bagOf(component)))
-            visit(*entry.value);
+        for (TvSmCustomPropertyValue* value : Internals::entries(Internals::bagOf(component)))
+            visit(*value);
 }
 
 void visitIf(TvSmPersist* object, const Visit& visit)

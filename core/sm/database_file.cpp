@@ -78,16 +78,13 @@ int DatabaseState::lockStatus()
 // --- lock
 // -----------------------------------------------------------------------------------------------------------
 
-/// Loads the file if it changed since our last read. A file that went is written anew by the
-/// commit.
+/// Loads the file if it changed since our last read.
 Status DatabaseState::readFresh()
 {
     const auto stamp = base::lookAt(files(), clock(), m_fileName);
     if (!stamp) {
-        if (stamp.status().failure() != Failure::NotFound)
-            return stamp.status();
-        m_mustWrite = true;
-        return {};
+        // A file that went is written anew by the commit.
+        return stamp.status().failure() == Failure::NotFound ? Status() : stamp.status();
     }
     if (*stamp == m_stamp && m_base)
         return {};
@@ -99,9 +96,9 @@ Status DatabaseState::readFresh()
         if (Status status = replaceContent(std::move(read->bytes), m_fileName); !status)
             return status;
         m_base = read->hash;
+        m_mustWrite = false;
     }
     m_stamp = read->stamp;
-    m_mustWrite = false;
     if (m_readOnlyVersion)
         return {Failure::Unsupported, Reason::DstNewerVersion, {m_fileName, m_version}};
     return {};
@@ -127,6 +124,8 @@ bool DatabaseState::lock()
             return false;
         }
         base::sweepLeftovers(files(), clock(), m_fileName);
+    } else {
+        m_savedNextHandle = m_nextHandle; // all that was done without a lock is committed now
     }
     m_inTransaction = true;
     return true;

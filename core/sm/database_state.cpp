@@ -36,12 +36,14 @@ void Sinks::tell(int code, TvSmPersist* object)
 {
     // A sink that is registered meanwhile hears of the next event; one that went hears nothing any
     // more.
+    ++m_telling;
     const std::vector<Entry> now = m_entries;
     for (const Entry& entry : now) {
         const auto isThis = [&](const Entry& other) { return other.cookie == entry.cookie; };
         if (std::any_of(m_entries.begin(), m_entries.end(), isThis))
             entry.sink->onEvent(code, object);
     }
+    --m_telling;
 }
 
 // --- life
@@ -112,6 +114,20 @@ void DatabaseState::giveNewHandle(TvSmPersist& object)
     m_index.set(Internals::handle(object), &object);
 }
 
+bool DatabaseState::canComeBack(TvSmPersist& known, const TvSmPersist* owner) const
+{
+    if (!Internals::isDatabaseOwned(known) || Internals::handle(known) >= m_savedNextHandle)
+        return false;
+    if (Internals::life(known) != Life::Attached || known.owner() == owner)
+        return true;
+    auto* former = tvrxCast<TvSmSubset>(known.owner());
+    auto* child = tvrxCast<TvSmComponent>(&known);
+    if (!former || !child)
+        return false;
+    Internals::unlinkChild(*former, *child);
+    return true;
+}
+
 TvSmPersist* DatabaseState::findInSet(std::uint64_t handle) const
 {
     TvSmPersist* object = find(handle);
@@ -138,9 +154,18 @@ void DatabaseState::setVersion(const TvString& version, bool readOnly)
 /// has.
 void DatabaseState::parkAll()
 {
-    for (TvSmPersist* object : m_owned)
-        if (Internals::life(*object) == Life::Attached)
-            Internals::bind(*object, &m_database, nullptr, Life::Parked);
+    std::vector<TvSmPersist*> inSet;
+    inSet.reserve(m_owned.size());
+    for (TvSmPersist* object : m_owned) {
+        if (Internals::isInSet(*object))
+            inSet.push_back(object);
+        else
+            Internals::ownTexts(*object); // what was taken out, or is its maker's, stays as it is
+    }
+    for (TvSmPersist* object : inSet) {
+        Internals::bind(*object, &m_database, nullptr, Life::Parked);
+        Internals::forgetOrder(*object);
+    }
     Internals::reset(m_set);
     Internals::extras(m_database).reset();
     m_aroundRoot[0].clear();
@@ -155,8 +180,7 @@ void DatabaseState::replaceBuffer(std::vector<std::byte> text)
 {
     if (!m_buffer.empty())
         for (TvSmPersist* object : m_owned)
-            if (Internals::life(*object) == Life::Parked ||
-                Internals::life(*object) == Life::Detached)
+            if (Internals::life(*object) == Life::Parked)
                 Internals::ownTexts(*object);
     m_buffer = std::move(text);
 }
@@ -169,27 +193,35 @@ bool DatabaseState::isUntouched() const
 Status DatabaseState::replaceContent(std::vector<std::byte> bytes, const TvString& path)
 {
     const std::size_t size = bytes.size();
-    DstDocument document;
-    if (Status status = document.parse(std::move(bytes), path); !status)
-        return status;
     if (!m_mayFailHalfRead) {
         // A file that makes no sense must not touch what memory holds: first into a state that is
         // thrown away.
+        std::vector<std::byte> copy = bytes;
         TvSmDatabase trial;
-        DatabaseState& trialState = Internals::state(trial);
-        trialState.parkAll();
-        if (Status status = readObjects(document, trialState); !status)
+        if (Status status = Internals::state(trial).readInto(copy, path); !status)
             return status;
     }
-    parkAll();
-    if (Status status = readObjects(document, *this); !status)
+    if (Status status = readInto(bytes, path); !status)
         return status;
-    if (m_index.find(Internals::handle(*m_set.getPublishOptions())) != m_set.getPublishOptions())
-        setPartHandle(*m_set.getPublishOptions(), newHandle());
-    document.dropTree();
-    replaceBuffer(document.takeBuffer());
+    replaceBuffer(std::move(bytes));
     m_expectedSize = size + size / 16;
     return {};
+}
+
+/// Fills the state from @p bytes, which is decoded in place and grows by the scanner's padding.
+Status DatabaseState::readInto(std::vector<std::byte>& bytes, const TvString& path)
+{
+    const std::size_t size = bytes.size();
+    bytes.resize(size + XmlScanner::kPadding);
+    parkAll();
+    // An object takes some eighty bytes of text, and rarely less than sixty.
+    m_owned.reserve(m_owned.size() + size / 64);
+    m_index.reserve(size / 64);
+    const Status status = readObjects({reinterpret_cast<char*>(bytes.data()), size}, path, *this);
+    if (status &&
+        m_index.find(Internals::handle(*m_set.getPublishOptions())) != m_set.getPublishOptions())
+        setPartHandle(*m_set.getPublishOptions(), newHandle()), m_savedNextHandle = m_nextHandle;
+    return status;
 }
 
 bool DatabaseState::openFirst(const TvString& path)
@@ -236,7 +268,8 @@ bool DatabaseState::load(const TvString& path)
     }
     const bool isOwnFile =
         !m_fileName.isEmpty() && base::PathRules::native().isSame(from, m_fileName);
-    if (isOwnFile && m_base == read->hash) {
+    // Only a shared database that waits for nothing to be written is sure to be what the file is.
+    if (isOwnFile && m_kind == DatabaseKind::Shared && !m_mustWrite && m_base == read->hash) {
         m_stamp = read->stamp;
         m_status = Status();
         return true;

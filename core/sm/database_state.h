@@ -29,6 +29,7 @@ public:
     }
 
 private:
+    static constexpr std::size_t kBlock = 256 * 1024;
     void addBlock(std::size_t atLeast)
     {
         const std::size_t size =
@@ -49,6 +50,7 @@ public:
     int add(TvSmEvents* sink);
     bool remove(int cookie);
     void tell(int code, TvSmPersist* object);
+    bool isTelling() const { return m_telling > 0; }
 
 private:
     struct Entry {
@@ -57,6 +59,7 @@ private:
     };
     std::vector<Entry> m_entries;
     int m_nextCookie = 1;
+    int m_telling = 0;
 };
 
 /// How a database came to be, which decides when it takes changes.
@@ -92,13 +95,26 @@ public:
     static constexpr std::uint64_t kLargestFile = std::uint64_t(1) << 31;
 
     // --- objects
-    std::uint64_t newHandle() { return m_nextHandle++; }
-    void noteHandle(std::uint64_t handle) { m_nextHandle = std::max(m_nextHandle, handle + 1); }
+    std::uint64_t newHandle()
+    {
+        while (m_index.find(m_nextHandle)) // one that a file has beyond all counting
+            ++m_nextHandle;
+        return m_nextHandle++;
+    }
+    void noteHandle(std::uint64_t handle)
+    {
+        if (handle < kCountedHandles)
+            m_nextHandle = std::max(m_nextHandle, handle + 1);
+    }
     void enter(TvSmPersist& object); ///< Bound by its maker, who holds it.
     void leave(TvSmPersist& object); ///< Its maker deletes it.
     void adopt(TvSmPersist& object); ///< Handed over: the database owns it from now on.
+    void* takeMemory(std::size_t size) { return m_arena.take(size); }
     void setPartHandle(TvSmPersist& part, std::uint64_t handle);
     void giveNewHandle(TvSmPersist& object);
+    /// Whether the file means @p known when it has its handle: not if its handle never reached a
+    /// file, nor if it is part of something that was taken out and has another owner now.
+    bool canComeBack(TvSmPersist& known, const TvSmPersist* owner) const;
     /// Whether nothing was ever put into the set.
     bool isUntouched() const;
     /// A new object of a class for the reader or createX, owned by the database, with a handle when
@@ -153,11 +169,15 @@ public:
     std::size_t expectedSize() const { return m_expectedSize; }
     void setVersion(const TvString& version, bool readOnly);
     void setNextHandle(std::uint64_t next) { m_savedNextHandle = next, noteHandle(next - 1); }
+    /// Nobody counts as far as this: a file that says so must not use up what is left of the
+    /// handles.
+    static constexpr std::uint64_t kCountedHandles = kHandleLimit / 2;
     std::uint64_t savedNextHandle() const { return m_savedNextHandle; }
 
 private:
     friend class BusyScope;
     base::Status replaceContent(std::vector<std::byte> bytes, const TvString& path);
+    base::Status readInto(std::vector<std::byte>& bytes, const TvString& path);
     void parkAll();
     void replaceBuffer(std::vector<std::byte> text);
     void groupViews(const TvSmSubset& subset, std::uint64_t fallback);

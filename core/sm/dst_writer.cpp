@@ -85,20 +85,20 @@ public:
 
 private:
     void startLine() { m_out.append(static_cast<std::size_t>(m_depth) * 2, ' '); }
-    void open(const char* element, TvSmPersist& object);
-    void attribute(const char* name, std::string_view escaped);
+    void open(std::string_view element, TvSmPersist& object);
+    void attribute(std::string_view name, std::string_view utf8);
     void attributes(TvSmPersist& object);
     void ownAttribute(TvSmPersist& object, const Attribute& row);
-    void handleAttribute(const char* name, std::uint64_t handle);
+    void handleAttribute(std::string_view name, std::uint64_t handle);
     void unknownBefore(TvSmPersist& parent, std::uint64_t handle);
     void unknownRest(TvSmPersist& parent);
     void rawLine(const std::string& xml);
     /// Closes the start tag, and writes the children and the end tag if there are children.
     template <class Children>
-    void finish(const char* element, TvSmPersist& object, Children children);
+    void finish(std::string_view element, TvSmPersist& object, Children children);
     /// A whole container element; nothing at all when it has neither attributes nor children.
     template <class Children>
-    void container(const char* element, TvSmPersist& object, Children children);
+    void container(std::string_view element, TvSmPersist& object, Children children);
 
     void set();
     void subset(TvSmSubset& subset);
@@ -108,9 +108,9 @@ private:
     void views(TvSmSheetViews& views);
     void view(TvSmSheetView& view);
     void properties(TvSmComponent& component);
-    void property(const StoredText& name, TvSmCustomPropertyValue& value);
-    void reference(const char* element, TvSmPersist& parent, TvSmFileReference* reference);
-    void referenceList(const char* element, TvSmReferenceCollection& list);
+    void property(TvSmCustomPropertyValue& value);
+    void reference(std::string_view element, TvSmPersist& parent, TvSmFileReference* reference);
+    void referenceList(std::string_view element, TvSmReferenceCollection& list);
     void categories(TvSmViewCategories& categories);
     void selections(TvSmSheetSelections& selections);
     void options(TvSmPublishOptions& options);
@@ -141,7 +141,7 @@ std::string Writer::write()
     m_out += fmt::format("\" {}=\"g{:X}\"", dst::kNextHandle, m_nextHandle);
     if (Internals::extras(m_state.database()))
         for (const Extras::Attribute& unknown : Internals::extras(m_state.database())->attributes)
-            attribute(unknown.name.c_str(), unknown.value);
+            attribute(unknown.name, unknown.value);
     m_out += ">\n";
     m_depth = 1;
     childStarts(m_state.database(), m_state.set());
@@ -164,7 +164,7 @@ void Writer::rawLine(const std::string& xml)
     m_out += '\n';
 }
 
-void Writer::attribute(const char* name, std::string_view utf8)
+void Writer::attribute(std::string_view name, std::string_view utf8)
 {
     m_out += ' ';
     m_out += name;
@@ -173,7 +173,7 @@ void Writer::attribute(const char* name, std::string_view utf8)
     m_out += '"';
 }
 
-void Writer::handleAttribute(const char* name, std::uint64_t handle)
+void Writer::handleAttribute(std::string_view name, std::uint64_t handle)
 {
     char digits[16];
     const auto end = std::to_chars(digits, digits + sizeof digits, handle, 16).ptr;
@@ -185,7 +185,7 @@ void Writer::handleAttribute(const char* name, std::uint64_t handle)
     m_out += '"';
 }
 
-void Writer::open(const char* element, TvSmPersist& object)
+void Writer::open(std::string_view element, TvSmPersist& object)
 {
     startLine();
     m_out += '<';
@@ -215,11 +215,15 @@ void Writer::ownAttribute(TvSmPersist& object, const Attribute& row)
         return;
     case AttributeKind::Word:
         if (*static_cast<const std::uint16_t*>(field) != 0)
-            attribute(row.name, fmt::format_int(*static_cast<const std::uint16_t*>(field)).c_str());
+            attribute(row.name, fmt::format_int(*static_cast<const std::uint16_t*>(field)).str());
         return;
     case AttributeKind::Long:
         if (*static_cast<const long*>(field) != 0)
-            attribute(row.name, fmt::format_int(*static_cast<const long*>(field)).c_str());
+            attribute(row.name, fmt::format_int(*static_cast<const long*>(field)).str());
+        return;
+    case AttributeKind::Handle:
+        if (m_state.findInSet(*static_cast<const std::uint64_t*>(field)))
+            handleAttribute(row.name, *static_cast<const std::uint64_t*>(field));
         return;
     }
 }
@@ -228,13 +232,19 @@ void Writer::attributes(TvSmPersist& object)
 {
     for (const Attribute& row : Internals::attributesOf(object))
         ownAttribute(object, row);
+    // A type that we do not know is only written beside the text that came with it.
+    const auto* value = tvrxCast<TvSmCustomPropertyValue>(&object);
+    const bool hasOwnType =
+        value &&
+        Internals::typeOf(const_cast<TvSmCustomPropertyValue&>(*value)) != TvVariant::kString;
     if (Internals::extras(object))
         for (const Extras::Attribute& unknown : Internals::extras(object)->attributes)
-            attribute(unknown.name.c_str(), unknown.value);
+            if (!hasOwnType || unknown.name != dst::kPropertyType)
+                attribute(unknown.name, unknown.value);
 }
 
 template <class Children>
-void Writer::finish(const char* element, TvSmPersist& object, Children children)
+void Writer::finish(std::string_view element, TvSmPersist& object, Children children)
 {
     const std::size_t start = m_out.size();
     m_out += ">\n";
@@ -254,8 +264,9 @@ void Writer::finish(const char* element, TvSmPersist& object, Children children)
 }
 
 template <class Children>
-void Writer::container(const char* element, TvSmPersist& object, Children children)
+void Writer::container(std::string_view element, TvSmPersist& object, Children children)
 {
+    unknownBefore(*object.owner(), dst::placeOfContainer(element));
     const std::size_t start = m_out.size();
     open(element, object);
     const std::size_t opened = m_out.size();
@@ -376,8 +387,6 @@ void Writer::view(TvSmSheetView& view)
 {
     open(dst::kView, view);
     attributes(view);
-    if (const TvSmViewCategory* category = view.getCategory())
-        handleAttribute(dst::kViewCategory, Internals::handle(*category));
     finish(dst::kView, view, [&] {
         reference(dst::kViewReference, view, view.getViewReference());
         properties(view);
@@ -388,35 +397,26 @@ void Writer::properties(TvSmComponent& component)
 {
     if (!Internals::hasBag(component))
         return;
-    for (const auto& entry : Internals::entries(Internals::bagOf(component))) {
-        childStarts(component, *entry.value);
-        property(entry.name, *entry.value);
+    for (TvSmCustomPropertyValue* value : Internals::entries(Internals::bagOf(component))) {
+        childStarts(component, *value);
+        property(*value);
     }
 }
 
-void Writer::property(const StoredText& name, TvSmCustomPropertyValue& value)
+void Writer::property(TvSmCustomPropertyValue& value)
 {
     open(dst::kProperty, value);
-    m_out += fmt::format(" {}=\"", dst::kPropertyName);
-    name.appendXml(m_out);
-    m_out += '"';
     attributes(value);
-    const std::uint16_t type = Internals::typeOf(value) & TvVariant::kTypeMask;
-    if (type == TvVariant::kString) {
-        m_out += fmt::format(" {}=\"", dst::kPropertyValue);
-        Internals::textOf(value).appendXml(m_out);
-        m_out += '"';
-    } else {
-        for (const dst::ValueType& row : dst::kValueTypes)
-            if (row.type == type)
-                attribute(dst::kPropertyType, row.name);
-        if (type != TvVariant::kEmpty)
-            attribute(dst::kPropertyValue, fmt::format("{}", Internals::numberOf(value)));
-    }
+    const std::uint16_t type = Internals::typeOf(value);
+    for (const dst::ValueType& row : dst::kValueTypes)
+        if (row.type == type)
+            attribute(dst::kPropertyType, row.name);
+    if (type != TvVariant::kString && type != TvVariant::kEmpty)
+        attribute(dst::kPropertyValue, fmt::format("{}", Internals::numberOf(value)));
     finish(dst::kProperty, value, [] {});
 }
 
-void Writer::reference(const char* element, TvSmPersist& parent, TvSmFileReference* reference)
+void Writer::reference(std::string_view element, TvSmPersist& parent, TvSmFileReference* reference)
 {
     if (!reference)
         return;
@@ -434,11 +434,11 @@ void Writer::reference(const char* element, TvSmPersist& parent, TvSmFileReferen
     }
     if (Internals::extras(*reference))
         for (const Extras::Attribute& unknown : Internals::extras(*reference)->attributes)
-            attribute(unknown.name.c_str(), unknown.value);
+            attribute(unknown.name, unknown.value);
     finish(element, *reference, [] {});
 }
 
-const char* elementOf(const TvSmFileReference& reference)
+std::string_view elementOf(const TvSmFileReference& reference)
 {
     const TvRxClass* type = reference.isA();
     if (type == TvSmTvDbBlockRecordReference::desc())
@@ -450,13 +450,14 @@ const char* elementOf(const TvSmFileReference& reference)
     return type == TvSmDbObjectReference::desc() ? dst::kObjectReference : dst::kFileReference;
 }
 
-void Writer::referenceList(const char* element, TvSmReferenceCollection& list)
+void Writer::referenceList(std::string_view element, TvSmReferenceCollection& list)
 {
     container(element, list, [&] {
         for (TvSmFileReference* entry : Internals::entries(list)) {
             if (entry->owner() == &list) {
                 reference(elementOf(*entry), list, entry);
             } else if (Internals::isInSet(*entry)) {
+                unknownBefore(list, dst::placeOfUse(Internals::handle(*entry)));
                 startLine();
                 m_out += fmt::format("<{}", dst::kUse);
                 handleAttribute(dst::kUse, Internals::handle(*entry));
@@ -496,6 +497,7 @@ void Writer::selections(TvSmSheetSelections& selections)
                 for (std::uint64_t member : Internals::entries(*selection)) {
                     if (!m_state.findInSet(member))
                         continue;
+                    unknownBefore(*selection, dst::placeOfUse(member));
                     startLine();
                     m_out += fmt::format("<{}", dst::kMember);
                     handleAttribute(dst::kUse, member);

@@ -2,5 +2,4 @@
 
 TVRX_DEFINE_MEMBERS(TvSmEvents, TvRxObject)
 
-TvSmEvents::TvSmEvents() = default;
 TvSmEvents::~TvSmEvents() = default;

@@ -15,7 +15,7 @@ struct Extras {
         std::string value; ///< Decoded UTF-8.
     };
     struct Element {
-        std::uint64_t before; ///< Handle of the known child it stood before; 0: behind them all.
+        std::uint64_t before; ///< Handle or place of the child it stood before; 0: behind them all.
         std::string xml;      ///< On one line.
     };
     std::vector<Attribute> attributes;

@@ -13,15 +13,10 @@ TVRX_DEFINE_MEMBERS(TvSmTvDbLayoutReference, TvSmDbObjectReference)
 TVRX_DEFINE_MEMBERS(TvSmTvDbViewReference, TvSmDbObjectReference)
 TVRX_DEFINE_MEMBERS(TvSmTvDbBlockRecordReference, TvSmDbObjectReference)
 
-TvSmFileReference::TvSmFileReference() = default;
 TvSmFileReference::~TvSmFileReference() = default;
-TvSmDbObjectReference::TvSmDbObjectReference() = default;
 TvSmDbObjectReference::~TvSmDbObjectReference() = default;
-TvSmTvDbLayoutReference::TvSmTvDbLayoutReference() = default;
 TvSmTvDbLayoutReference::~TvSmTvDbLayoutReference() = default;
-TvSmTvDbViewReference::TvSmTvDbViewReference() = default;
 TvSmTvDbViewReference::~TvSmTvDbViewReference() = default;
-TvSmTvDbBlockRecordReference::TvSmTvDbBlockRecordReference() = default;
 TvSmTvDbBlockRecordReference::~TvSmTvDbBlockRecordReference() = default;
 
 TvSmFileReference::Cache& TvSmFileReference::cache() const
@@ -38,7 +33,8 @@ bool TvSmFileReference::setFileName(const TvString& path)
     // The relative path goes with the stored one; the next save works out the new one.
     if (!Internals::changeText(*this, m_path, path))
         return false;
-    m_cache.reset();
+    if (m_cache)
+        m_cache->resolved.setEmpty(); // whoever looks at it may go on looking
     return Internals::changeText(*this, m_relative, TvString());
 }
 

@@ -21,6 +21,12 @@ public:
             return m_dense[static_cast<std::size_t>(handle)];
         return m_sparse.empty() ? nullptr : m_sparse[slotOf(handle)].object;
     }
+    /// Makes room for handles that count up to @p last.
+    void reserve(std::size_t last)
+    {
+        if (last >= m_dense.size())
+            growDense(last + 1);
+    }
     /// Puts @p object in the place of whatever had the handle. @pre handle != 0
     void set(std::uint64_t handle, TvSmPersist* object)
     {

@@ -4,10 +4,15 @@
 
 namespace sm {
 
+void ExtrasDeleter::operator()(Extras* extras) const
+{
+    delete extras;
+}
+
 Extras& Internals::makeExtras(TvSmPersist& object)
 {
     if (!object.m_extras)
-        object.m_extras = std::make_unique<Extras>();
+        object.m_extras.reset(new Extras);
     return *object.m_extras;
 }
 
@@ -16,23 +21,10 @@ DatabaseState* Internals::state(const TvSmPersist& object)
     return object.m_database ? object.m_database->m_state.get() : nullptr;
 }
 
-void Internals::bind(TvSmPersist& object, TvSmDatabase* db, TvSmPersist* owner, Life life)
-{
-    object.m_database = db;
-    object.m_owner = owner;
-    object.m_life = life;
-}
-
 void Internals::bindPart(TvSmPersist& part, TvSmPersist& owner)
 {
     bind(part, owner.m_database, &owner, Life::Attached);
     part.m_ownedByDatabase = true;
-}
-
-void Internals::setDatabaseOwned(TvSmPersist& object, bool inArena)
-{
-    object.m_ownedByDatabase = true;
-    object.m_inArena = inArena;
 }
 
 bool Internals::isInSet(const TvSmPersist& object)
@@ -103,10 +95,25 @@ bool Internals::changeText(TvSmPersist& object, StoredText& field, const TvStrin
     return true;
 }
 
+namespace {
+
+/// What the database owns may have been taken out since the lock. Changes of an object that its
+/// maker holds are not undone, so it cannot have that part: a rollback would leave it with two
+/// owners.
+bool isPartOfRollback(const TvSmPersist& owner, const TvSmPersist& child)
+{
+    return Internals::isDatabaseOwned(child) &&
+           Internals::life(topOf(owner)) == Internals::Life::Held &&
+           Internals::state(child)->journal();
+}
+
+} // namespace
+
 bool Internals::canAdopt(const TvSmPersist& owner, const TvSmPersist* child)
 {
     return child && child != &owner && child->m_database && child->m_database == owner.m_database &&
-           child->m_life != Life::New && child->m_life != Life::Parked;
+           child->m_life != Life::New && child->m_life != Life::Parked &&
+           !isPartOfRollback(owner, *child);
 }
 
 void Internals::attach(TvSmPersist& child, TvSmPersist& owner)
@@ -204,6 +211,14 @@ void Internals::appendChildUnchecked(TvSmSubset& parent, TvSmComponent& child)
     linkChild(parent, child, nullptr);
 }
 
+void Internals::appendEntryUnchecked(TvSmCustomPropertyBag& bag, TvSmCustomPropertyValue& value)
+{
+    // Few bags have more; growing from one by one would cost more than all the rest of an entry.
+    if (bag.m_entries.capacity() == 0)
+        bag.m_entries.reserve(8);
+    bag.m_entries.push_back(&value);
+}
+
 void Internals::forgetChildren(TvSmSubset& subset)
 {
     subset.m_firstChild = nullptr;
@@ -216,33 +231,49 @@ void Internals::forgetSiblings(TvSmComponent& component)
     component.m_nextSibling = nullptr;
 }
 
+void Internals::forgetOrder(TvSmPersist& object)
+{
+    if (auto* component = tvrxCast<TvSmComponent>(&object))
+        forgetSiblings(*component);
+    if (auto* subset = tvrxCast<TvSmSubset>(&object))
+        forgetChildren(*subset);
+}
+
 // --- parts, made at the first need
 // -----------------------------------------------------------------
 
+/// In the database's own memory where the owner is the database's; what its maker holds may outlive
+/// that.
+template <class T>
+void Internals::makePart(Part<T>& slot, const TvSmPersist& owner)
+{
+    if (slot)
+        return;
+    DatabaseState* stateOf = state(owner);
+    if (stateOf && owner.m_ownedByDatabase) {
+        slot.reset(new (stateOf->takeMemory(sizeof(T))) T());
+        slot->m_inArena = true;
+    } else {
+        slot.reset(new T());
+    }
+    bindPart(*slot, const_cast<TvSmPersist&>(owner));
+}
+
 TvSmSheetViews& Internals::viewsOf(const TvSmSheet& sheet)
 {
-    if (!sheet.m_views) {
-        sheet.m_views = std::make_unique<TvSmSheetViews>();
-        bindPart(*sheet.m_views, const_cast<TvSmSheet&>(sheet));
-    }
+    makePart(sheet.m_views, sheet);
     return *sheet.m_views;
 }
 
 TvSmCustomPropertyBag& Internals::bagOf(const TvSmComponent& component)
 {
-    if (!component.m_properties) {
-        component.m_properties = std::make_unique<TvSmCustomPropertyBag>();
-        bindPart(*component.m_properties, const_cast<TvSmComponent&>(component));
-    }
+    makePart(component.m_properties, component);
     return *component.m_properties;
 }
 
 TvSmReferenceCollection& Internals::calloutsOf(const TvSmViewCategory& category)
 {
-    if (!category.m_callouts) {
-        category.m_callouts = std::make_unique<TvSmReferenceCollection>();
-        bindPart(*category.m_callouts, const_cast<TvSmViewCategory&>(category));
-    }
+    makePart(category.m_callouts, category);
     return *category.m_callouts;
 }
 
@@ -263,6 +294,14 @@ void Internals::rebindParts(TvSmPersist& object)
 bool Internals::isHeldByMaker(const TvSmPersist& object)
 {
     return object.m_life == Life::Held && !object.m_ownedByDatabase && object.m_database;
+}
+
+void PartDeleter::operator()(TvSmPersist* part) const
+{
+    if (Internals::isInArena(*part))
+        part->~TvSmPersist();
+    else
+        delete part;
 }
 
 void Internals::abandon(TvSmPersist* child)

@@ -6,27 +6,31 @@
 #include "sm/tv_sm_sheet.h"
 #include "sm/tv_sm_sheet_set.h"
 #include "sm/tv_sm_sheet_set_mgr.h"
+#include "xml_scanner.h"
 
 namespace sm {
 
 /// What an attribute holds, and so how it is read, written and reset.
 enum class AttributeKind : unsigned char {
-    Text, ///< StoredText; left out while never set.
-    Flag, ///< bool; "1", left out when false.
-    Word, ///< std::uint16_t; left out when 0.
-    Long, ///< long; left out when 0.
+    Text,   ///< StoredText; left out while never set.
+    Flag,   ///< bool; "1", left out when false.
+    Word,   ///< std::uint16_t; left out when 0.
+    Long,   ///< long; left out when 0.
+    Handle, ///< std::uint64_t: an object of the set; left out when it is in the set no more.
 };
 
 /// One row of a class's table: reader, writer, reset and the parking of texts share it.
 struct Attribute {
-    const char* name;
+    constexpr Attribute(std::string_view itsName, AttributeKind itsKind,
+                        void* (*itsField)(TvSmPersist&))
+        : name(itsName), key(nameKeyOf(itsName)), opening(itsName), kind(itsKind), field(itsField)
+    {
+    }
+    std::string_view name;
+    std::uint64_t key; ///< nameKey() of the name.
+    XmlScanner::Opening opening;
     AttributeKind kind;
     void* (*field)(TvSmPersist& object);
-};
-
-/// How a class is stored: its element and its attributes, in file order.
-struct ClassTable {
-    std::span<const Attribute> rows;
 };
 
 /// The one way into the private parts of the model, for the room's own sources only.
@@ -37,7 +41,12 @@ struct Internals {
     static Life life(const TvSmPersist& object) { return object.m_life; }
     static std::uint64_t handle(const TvSmPersist& object) { return object.m_handle; }
     static void setHandle(TvSmPersist& object, std::uint64_t handle) { object.m_handle = handle; }
-    static std::unique_ptr<Extras>& extras(TvSmPersist& object) { return object.m_extras; }
+    static ExtrasOwner& extras(TvSmPersist& object) { return object.m_extras; }
+    /// False when the container was marked already since it was made or reset.
+    static bool markRead(TvSmPersist& container)
+    {
+        return !std::exchange(container.m_wasRead, true);
+    }
     static Extras& makeExtras(TvSmPersist& object);
     static DatabaseState* state(const TvSmPersist& object);
     static DatabaseState& state(const TvSmDatabase& db) { return *db.m_state; }
@@ -46,12 +55,21 @@ struct Internals {
     /// for ever.
     static void bindPart(TvSmPersist& part, TvSmPersist& owner);
     /// Binds a fresh object to a database, without a handle and without owner's permission.
-    static void bind(TvSmPersist& object, TvSmDatabase* db, TvSmPersist* owner, Life life);
+    static void bind(TvSmPersist& object, TvSmDatabase* db, TvSmPersist* owner, Life life)
+    {
+        object.m_database = db;
+        object.m_owner = owner;
+        object.m_life = life;
+    }
     static void setDatabase(TvSmPersist& object, TvSmDatabase* db) { object.m_database = db; }
     static void setOwner(TvSmPersist& object, TvSmPersist* owner) { object.m_owner = owner; }
     static void setLife(TvSmPersist& object, Life life) { object.m_life = life; }
     static bool isDatabaseOwned(const TvSmPersist& object) { return object.m_ownedByDatabase; }
-    static void setDatabaseOwned(TvSmPersist& object, bool inArena);
+    static void setDatabaseOwned(TvSmPersist& object, bool inArena)
+    {
+        object.m_ownedByDatabase = true;
+        object.m_inArena = inArena;
+    }
     static bool isInArena(const TvSmPersist& object) { return object.m_inArena; }
     /// Whether the object stands in the set now: attached, and all above it too.
     static bool isInSet(const TvSmPersist& object);
@@ -135,8 +153,11 @@ struct Internals {
     }
     /// For the reader: no permission, no journal.
     static void appendChildUnchecked(TvSmSubset& parent, TvSmComponent& child);
+    static void appendEntryUnchecked(TvSmCustomPropertyBag& bag, TvSmCustomPropertyValue& value);
     static void forgetChildren(TvSmSubset& subset);
     static void forgetSiblings(TvSmComponent& component);
+    /// Out of the order it stood in, and without children of its own; the others are not told.
+    static void forgetOrder(TvSmPersist& object);
     static std::uint64_t& categoryOf(TvSmSheetView& view) { return view.m_category; }
     static std::uint64_t categoryOf(const TvSmSheetView& view) { return view.m_category; }
     static bool& isDefault(TvSmViewCategory& category) { return category.m_isDefault; }
@@ -145,6 +166,7 @@ struct Internals {
     static std::uint16_t& typeOf(TvSmCustomPropertyValue& value) { return value.m_type; }
     static double& numberOf(TvSmCustomPropertyValue& value) { return value.m_number; }
     static StoredText& textOf(TvSmCustomPropertyValue& value) { return value.m_text; }
+    static StoredText& nameOf(TvSmCustomPropertyValue& value) { return value.m_name; }
     static TvSmTvDbLayoutReference*& layoutOf(TvSmSheet& sheet) { return sheet.m_layout; }
     static TvSmTvDbViewReference*& referenceOf(TvSmSheetView& view) { return view.m_reference; }
     static TvSmFileReference*& locationOf(TvSmSubset& subset) { return subset.m_location; }
@@ -162,6 +184,7 @@ struct Internals {
 
     /// The table of the object's class (attributes of its base classes first).
     static std::span<const Attribute> attributesOf(const TvSmPersist& object);
+    static std::span<const Attribute> attributesOf(const TvRxClass* type);
     /// All fields back to what a new object has; lists empty, extras gone. The parts stay.
     static void reset(TvSmPersist& object);
     /// Makes every text of the object its own, so that the file's buffer may go.
@@ -169,6 +192,8 @@ struct Internals {
 
 private:
     struct Tables;
+    template <class T>
+    static void makePart(Part<T>& slot, const TvSmPersist& owner);
     template <class Container>
     static void resetPart(Container& container);
 };

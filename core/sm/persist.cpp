@@ -6,18 +6,31 @@ using sm::Internals;
 
 TVRX_DEFINE_MEMBERS(TvSmPersist, TvRxObject)
 
-TvSmPersist::TvSmPersist() = default;
-
 TvSmPersist::~TvSmPersist()
 {
     if (Internals::isHeldByMaker(*this))
         Internals::state(*this)->leave(*this);
 }
 
+namespace {
+
+/// Whether @p top is @p object or an owner above it.
+bool isAtOrAbove(const TvSmPersist* top, const TvSmPersist* object)
+{
+    while (object && object != top)
+        object = object->owner();
+    return object != nullptr;
+}
+
+} // namespace
+
 bool TvSmPersist::setOwner(TvSmPersist* owner)
 {
     if (owner == m_owner)
         return owner != nullptr;
+    // A ring of owners would have no end.
+    if (isAtOrAbove(this, owner))
+        return false;
     if (!Internals::canAdopt(*this, owner) || m_life == Life::Attached || m_life == Life::Parked ||
         !Internals::mayChange(*this))
         return false;

@@ -6,7 +6,6 @@ using sm::Internals;
 
 TVRX_DEFINE_MEMBERS(TvSmPublishOptions, TvSmComponent)
 
-TvSmPublishOptions::TvSmPublishOptions() = default;
 TvSmPublishOptions::~TvSmPublishOptions() = default;
 
 TvSmFileReference* TvSmPublishOptions::getDefaultOutputdir() const

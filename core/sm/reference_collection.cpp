@@ -6,7 +6,6 @@ using sm::Internals;
 
 TVRX_DEFINE_MEMBERS(TvSmReferenceCollection, TvSmPersist)
 
-TvSmReferenceCollection::TvSmReferenceCollection() = default;
 TvSmReferenceCollection::~TvSmReferenceCollection() = default;
 
 namespace {

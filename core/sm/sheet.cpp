@@ -6,8 +6,6 @@ using sm::Internals;
 
 TVRX_DEFINE_MEMBERS(TvSmSheet, TvSmComponent)
 
-TvSmSheet::TvSmSheet() = default;
-
 TvSmSheet::~TvSmSheet()
 {
     if (!Internals::isHeldByMaker(*this))

@@ -7,7 +7,6 @@ using sm::Internals;
 TVRX_DEFINE_MEMBERS(TvSmSheetSelection, TvSmComponent)
 TVRX_DEFINE_MEMBERS(TvSmSheetSelections, TvSmComponent)
 
-TvSmSheetSelection::TvSmSheetSelection() = default;
 TvSmSheetSelection::~TvSmSheetSelection() = default;
 
 bool TvSmSheetSelection::add(TvSmComponent* component)
@@ -42,7 +41,6 @@ bool TvSmSheetSelection::remove(TvSmComponent* component)
     return true;
 }
 
-TvSmSheetSelections::TvSmSheetSelections() = default;
 TvSmSheetSelections::~TvSmSheetSelections() = default;
 
 TvSmSheetSelection* TvSmSheetSelections::add(const TvString& name, const TvString& description)

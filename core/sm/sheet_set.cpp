@@ -6,7 +6,6 @@ using sm::Internals;
 
 TVRX_DEFINE_MEMBERS(TvSmSheetSet, TvSmSubset)
 
-TvSmSheetSet::TvSmSheetSet() = default;
 TvSmSheetSet::~TvSmSheetSet() = default;
 
 TvSmFileReference* TvSmSheetSet::getAltPageSetups() const

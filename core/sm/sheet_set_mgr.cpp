@@ -148,9 +148,12 @@ bool TvSmSheetSetMgr::closeDatabase(TvSmDatabase* db)
     if (!db || std::find_if(open.begin(), open.end(), isThis) == open.end() ||
         std::find(closing.begin(), closing.end(), db) != closing.end())
         return false;
+    sm::DatabaseState& state = Internals::state(*db);
+    // A sink that is being told by this database cannot take it away under itself.
+    if (state.sinks().isTelling())
+        return false;
     const Counted busy(m_state->busy);
     closing.push_back(db);
-    sm::DatabaseState& state = Internals::state(*db);
     if (state.isLocked())
         state.unlock(false);
     m_state->sinks.tell(SmEventDatabaseClosing, db);
@@ -203,11 +206,16 @@ Status deleteSheetSet(TvSmSheetSetMgr& manager, const TvString& path)
     // One that cannot be read may be deleted too: only its name counts.
     TvSmDatabase* open = manager.findOpenDatabase(path);
     const TvString full = open ? open->getFileName() : fullPath(path);
+    base::EditLock lock(files(), clock(), full);
+    // Refused before anything is closed; a lock of our own goes with the closing.
+    if (!open || !Internals::state(*open).isLocked())
+        if (Status status = lock.take(environment().purpose); !status)
+            return status;
     if (open)
         manager.closeDatabase(open);
-    base::EditLock lock(files(), clock(), full);
-    if (Status status = lock.take(environment().purpose); !status)
-        return status;
+    if (!lock.isHeld())
+        if (Status status = lock.take(environment().purpose); !status)
+            return status;
     Status status = base::removePublished(files(), full);
     if (status)
         status = lock.removeSidecar();

@@ -7,8 +7,6 @@ using sm::Internals;
 TVRX_DEFINE_MEMBERS(TvSmSheetView, TvSmComponent)
 TVRX_DEFINE_MEMBERS(TvSmSheetViews, TvSmComponent)
 
-TvSmSheetView::TvSmSheetView() = default;
-
 TvSmSheetView::~TvSmSheetView()
 {
     if (Internals::isHeldByMaker(*this))
@@ -68,7 +66,6 @@ bool TvSmSheetView::setTitle(const TvString& title)
     return Internals::changeText(*this, m_title, title);
 }
 
-TvSmSheetViews::TvSmSheetViews() = default;
 TvSmSheetViews::~TvSmSheetViews() = default;
 
 TvSmEnumerator<TvSmSheetView>* TvSmSheetViews::getEnumerator() const

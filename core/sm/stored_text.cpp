@@ -164,23 +164,6 @@ void StoredText::assign(const TvString& text)
     m_kind = Kind::Owned;
 }
 
-void StoredText::setSlice(const char* utf8, std::size_t size)
-{
-    clear();
-    m_data = utf8;
-    m_size = static_cast<std::uint32_t>(size);
-    m_kind = Kind::Slice;
-}
-
-void StoredText::clear()
-{
-    if (m_kind == Kind::Owned)
-        delete &owned();
-    m_data = nullptr;
-    m_size = 0;
-    m_kind = Kind::Unset;
-}
-
 void StoredText::own()
 {
     if (m_kind == Kind::Slice)

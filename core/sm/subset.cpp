@@ -7,8 +7,6 @@ using sm::Internals;
 
 TVRX_DEFINE_MEMBERS(TvSmSubset, TvSmComponent)
 
-TvSmSubset::TvSmSubset() = default;
-
 TvSmSubset::~TvSmSubset()
 {
     if (!Internals::isHeldByMaker(*this))

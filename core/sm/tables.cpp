@@ -51,6 +51,7 @@ struct Internals::Tables {
         {"number", AttributeKind::Text, KV_FIELD(TvSmSheetView, m_number)},
         {"title", AttributeKind::Text, KV_FIELD(TvSmSheetView, m_title)},
         KV_COMPONENT,
+        {"category", AttributeKind::Handle, KV_FIELD(TvSmSheetView, m_category)},
     };
     static constexpr Attribute kViewCategory[] = {
         KV_COMPONENT,
@@ -73,9 +74,12 @@ struct Internals::Tables {
         {"object", AttributeKind::Text, KV_FIELD(TvSmDbObjectReference, m_objectHandle)},
         {"objectName", AttributeKind::Text, KV_FIELD(TvSmDbObjectReference, m_objectName)},
     };
-    // Behind the entry's own name; the value's text or number follows them.
+    // The text of a value; a number stands there with a type beside it.
     static constexpr Attribute kPropertyValue[] = {
+        {"name", AttributeKind::Text, KV_FIELD(TvSmCustomPropertyValue, m_name)},
         {"flags", AttributeKind::Word, KV_FIELD(TvSmCustomPropertyValue, m_flags)},
+        {"marks", AttributeKind::Word, KV_FIELD(TvSmCustomPropertyValue, m_marks)},
+        {"value", AttributeKind::Text, KV_FIELD(TvSmCustomPropertyValue, m_text)},
     };
 #undef KV_FIELD
 #undef KV_COMPONENT
@@ -86,7 +90,11 @@ struct Internals::Tables {
 
 std::span<const Attribute> Internals::attributesOf(const TvSmPersist& object)
 {
-    const TvRxClass* type = object.isA();
+    return attributesOf(object.isA());
+}
+
+std::span<const Attribute> Internals::attributesOf(const TvRxClass* type)
+{
     if (type == TvSmSheet::desc())
         return Tables::kSheet;
     if (type == TvSmCustomPropertyValue::desc())
@@ -120,6 +128,7 @@ void resetAttribute(const Attribute& row, TvSmPersist& object)
     case AttributeKind::Flag: *static_cast<bool*>(field) = false; break;
     case AttributeKind::Word: *static_cast<std::uint16_t*>(field) = 0; break;
     case AttributeKind::Long: *static_cast<long*>(field) = 0; break;
+    case AttributeKind::Handle: *static_cast<std::uint64_t*>(field) = 0; break;
     }
 }
 
@@ -130,13 +139,13 @@ void Internals::reset(TvSmPersist& object)
     for (const Attribute& row : attributesOf(object))
         resetAttribute(row, object);
     object.m_extras.reset();
+    object.m_wasRead = false;
     if (auto* component = tvrxCast<TvSmComponent>(&object)) {
         forgetSiblings(*component);
         if (hasBag(*component))
             entries(bagOf(*component)).clear();
     }
     if (auto* value = tvrxCast<TvSmCustomPropertyValue>(&object)) {
-        value->m_text.clear();
         value->m_number = 0;
         value->m_type = TvVariant::kEmpty;
     }
@@ -149,7 +158,6 @@ void Internals::reset(TvSmPersist& object)
     }
     if (auto* view = tvrxCast<TvSmSheetView>(&object)) {
         view->m_reference = nullptr;
-        view->m_category = 0;
     }
     if (auto* category = tvrxCast<TvSmViewCategory>(&object))
         if (hasCallouts(*category))
@@ -186,12 +194,6 @@ void Internals::ownTexts(TvSmPersist& object)
     for (const Attribute& row : attributesOf(object))
         if (row.kind == AttributeKind::Text)
             static_cast<StoredText*>(row.field(object))->own();
-    if (auto* value = tvrxCast<TvSmCustomPropertyValue>(&object))
-        value->m_text.own();
-    if (auto* component = tvrxCast<TvSmComponent>(&object))
-        if (hasBag(*component))
-            for (auto& entry : entries(bagOf(*component)))
-                entry.name.own();
     if (auto* sheet = tvrxCast<TvSmSheet>(&object))
         if (hasViews(*sheet))
             ownTexts(viewsOf(*sheet));

@@ -7,8 +7,6 @@ using sm::Internals;
 TVRX_DEFINE_MEMBERS(TvSmViewCategory, TvSmComponent)
 TVRX_DEFINE_MEMBERS(TvSmViewCategories, TvSmComponent)
 
-TvSmViewCategory::TvSmViewCategory() = default;
-
 TvSmViewCategory::~TvSmViewCategory()
 {
     if (m_callouts && Internals::isHeldByMaker(*this))
@@ -29,7 +27,6 @@ TvSmReferenceCollection* TvSmViewCategory::getCalloutBlocks() const
     return &Internals::calloutsOf(*this);
 }
 
-TvSmViewCategories::TvSmViewCategories() = default;
 TvSmViewCategories::~TvSmViewCategories() = default;
 
 TvSmEnumerator<TvSmViewCategory>* TvSmViewCategories::getEnumerator() const

@@ -36,8 +36,21 @@ public:
 
     void assign(const TvString& text);
     /// @param utf8 not owned; decoded XML text that outlives this object or is own()ed in time.
-    void setSlice(const char* utf8, std::size_t size);
-    void clear();
+    void setSlice(const char* utf8, std::size_t size)
+    {
+        clear();
+        m_data = utf8;
+        m_size = static_cast<std::uint32_t>(size);
+        m_kind = Kind::Slice;
+    }
+    void clear()
+    {
+        if (m_kind == Kind::Owned)
+            delete &owned();
+        m_data = nullptr;
+        m_size = 0;
+        m_kind = Kind::Unset;
+    }
     /// Turns a slice into a text of its own.
     void own();
     void swap(StoredText& other) noexcept;

@@ -23,13 +23,13 @@ class TvSmComponent : public TvSmPersist
     virtual TvSmCustomPropertyBag* getCustomProperties();
 
 protected:
-    TvSmComponent();
+    TvSmComponent() = default;
 
 private:
     friend struct sm::Internals;
     sm::StoredText m_name;
     sm::StoredText m_desc;
-    mutable std::unique_ptr<TvSmCustomPropertyBag> m_properties; // made at the first need
-    TvSmComponent* m_previousSibling = nullptr;                  // in a subset's order; not owned
-    TvSmComponent* m_nextSibling = nullptr;                      // the same
+    mutable sm::Part<TvSmCustomPropertyBag> m_properties; // made at the first need
+    TvSmComponent* m_previousSibling = nullptr;           // in a subset's order; not owned
+    TvSmComponent* m_nextSibling = nullptr;               // the same
 };

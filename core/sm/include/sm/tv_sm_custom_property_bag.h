@@ -10,7 +10,7 @@ class TvSmCustomPropertyValue : public TvSmPersist
 {
     TVRX_DECLARE_MEMBERS(TvSmCustomPropertyValue)
 
-    TvSmCustomPropertyValue();
+    TvSmCustomPropertyValue() = default;
     ~TvSmCustomPropertyValue() override;
 
     /// Bits of the flags word, as stored.
@@ -28,10 +28,12 @@ class TvSmCustomPropertyValue : public TvSmPersist
 
 private:
     friend struct sm::Internals;
+    sm::StoredText m_name; // in the bag it stands in
     sm::StoredText m_text; // when the type is text, or unknown to us
     double m_number = 0;   // any other type; integers are exact in it
     std::uint16_t m_type = TvVariant::kEmpty;
     std::uint16_t m_flags = 0;
+    std::uint16_t m_marks = 0; // the variant's bits beside its type
 };
 
 /// Walks the entries of a bag, in the order in which the names were first put in. Owned by the
@@ -50,7 +52,7 @@ class TvSmCustomPropertyBag : public TvSmPersist
 {
     TVRX_DECLARE_MEMBERS(TvSmCustomPropertyBag)
 
-    TvSmCustomPropertyBag();
+    TvSmCustomPropertyBag() = default;
     ~TvSmCustomPropertyBag() override;
 
     /// Null when there is no such property.
@@ -64,11 +66,7 @@ class TvSmCustomPropertyBag : public TvSmPersist
 
 private:
     friend struct sm::Internals;
-    struct Entry {
-        sm::StoredText name;
-        TvSmCustomPropertyValue* value = nullptr; // the database's
-    };
-    std::vector<Entry> m_entries;
+    std::vector<TvSmCustomPropertyValue*> m_entries; // the database's
 };
 
 namespace sm {

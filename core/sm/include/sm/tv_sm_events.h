@@ -24,5 +24,5 @@ class TvSmEvents : public TvRxObject
     virtual void onEvent(int code, TvSmPersist* object) = 0;
 
 protected:
-    TvSmEvents();
+    TvSmEvents() = default;
 };

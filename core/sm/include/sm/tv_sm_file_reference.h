@@ -11,7 +11,7 @@ class TvSmFileReference : public TvSmPersist
 {
     TVRX_DECLARE_MEMBERS(TvSmFileReference)
 
-    TvSmFileReference();
+    TvSmFileReference() = default;
     ~TvSmFileReference() override;
 
     virtual bool setFileName(const TvString& path);
@@ -48,7 +48,7 @@ class TvSmDbObjectReference : public TvSmFileReference
 {
     TVRX_DECLARE_MEMBERS(TvSmDbObjectReference)
 
-    TvSmDbObjectReference();
+    TvSmDbObjectReference() = default;
     ~TvSmDbObjectReference() override;
 
     virtual bool setHandle(const TvString& handle);
@@ -68,7 +68,7 @@ private:
 class TvSmTvDbLayoutReference : public TvSmDbObjectReference
 {
     TVRX_DECLARE_MEMBERS(TvSmTvDbLayoutReference)
-    TvSmTvDbLayoutReference();
+    TvSmTvDbLayoutReference() = default;
     ~TvSmTvDbLayoutReference() override;
 };
 
@@ -76,7 +76,7 @@ class TvSmTvDbLayoutReference : public TvSmDbObjectReference
 class TvSmTvDbViewReference : public TvSmDbObjectReference
 {
     TVRX_DECLARE_MEMBERS(TvSmTvDbViewReference)
-    TvSmTvDbViewReference();
+    TvSmTvDbViewReference() = default;
     ~TvSmTvDbViewReference() override;
 };
 
@@ -84,6 +84,6 @@ class TvSmTvDbViewReference : public TvSmDbObjectReference
 class TvSmTvDbBlockRecordReference : public TvSmDbObjectReference
 {
     TVRX_DECLARE_MEMBERS(TvSmTvDbBlockRecordReference)
-    TvSmTvDbBlockRecordReference();
+    TvSmTvDbBlockRecordReference() = default;
     ~TvSmTvDbBlockRecordReference() override;
 };

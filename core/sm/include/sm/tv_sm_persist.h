@@ -9,6 +9,15 @@
 #include <sm/tv_sm_fwd.h>
 #include <sm/tv_sm_object_id.h>
 
+namespace sm {
+
+struct ExtrasDeleter {
+    void operator()(Extras* extras) const;
+};
+using ExtrasOwner = std::unique_ptr<Extras, ExtrasDeleter>;
+
+} // namespace sm
+
 /// Anything that lives in a sheet-set database.
 ///
 /// An object is made by its default constructor, bound to its future owner by initNew(owner, ""),
@@ -50,7 +59,7 @@ class TvSmPersist : public TvRxObject
     virtual bool initNew(TvSmPersist* owner, const TvString& name);
 
 protected:
-    TvSmPersist();
+    TvSmPersist() = default;
     enum class Life : unsigned char {
         New,      ///< Constructed, no database.
         Held,     ///< Bound, belongs to its maker.
@@ -66,8 +75,20 @@ private:
     TvSmDatabase* m_database = nullptr; // not owned; clears this when it closes
     TvSmPersist* m_owner = nullptr;     // not owned
     std::uint64_t m_handle = 0;
-    std::unique_ptr<sm::Extras> m_extras; // attributes and elements of a newer program
+    sm::ExtrasOwner m_extras; // attributes and elements of a newer program
     Life m_life = Life::New;
     bool m_ownedByDatabase = false;
     bool m_inArena = false;
+    bool m_wasRead = false; // a container that the reader has met in this text
 };
+
+namespace sm {
+
+/// Ends the life of a container that is part of its owner, wherever its memory is from.
+struct PartDeleter {
+    void operator()(TvSmPersist* part) const;
+};
+template <class T>
+using Part = std::unique_ptr<T, PartDeleter>;
+
+} // namespace sm

@@ -8,7 +8,7 @@ class TvSmPublishOptions : public TvSmComponent
 {
     TVRX_DECLARE_MEMBERS(TvSmPublishOptions)
 
-    TvSmPublishOptions();
+    TvSmPublishOptions() = default;
     ~TvSmPublishOptions() override;
 
     /// The output folder; null when none was set. Setting null drops it.

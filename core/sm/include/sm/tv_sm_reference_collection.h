@@ -13,7 +13,7 @@ class TvSmReferenceCollection : public TvSmPersist
 {
     TVRX_DECLARE_MEMBERS(TvSmReferenceCollection)
 
-    TvSmReferenceCollection();
+    TvSmReferenceCollection() = default;
     ~TvSmReferenceCollection() override;
 
     /// Puts @p reference at the end. A reference that another list owns is pointed at; any other

@@ -9,7 +9,7 @@ class TvSmSheet final : public TvSmComponent
 {
     TVRX_DECLARE_MEMBERS(TvSmSheet)
 
-    TvSmSheet();
+    TvSmSheet() = default;
     ~TvSmSheet() override;
 
     virtual TvString getNumber(TvString& out) const;
@@ -42,6 +42,6 @@ private:
     sm::StoredText m_title;
     sm::StoredText m_texts[4];
     TvSmTvDbLayoutReference* m_layout = nullptr; // the database's
-    mutable std::unique_ptr<TvSmSheetViews> m_views;
+    mutable sm::Part<TvSmSheetViews> m_views;
     bool m_exclude = false;
 };

@@ -12,7 +12,7 @@ class TvSmSheetSelection : public TvSmComponent
 {
     TVRX_DECLARE_MEMBERS(TvSmSheetSelection)
 
-    TvSmSheetSelection();
+    TvSmSheetSelection() = default;
     ~TvSmSheetSelection() override;
 
     /// Puts @p component at the end; one that is in already stays where it is, and counts as added.
@@ -33,7 +33,7 @@ class TvSmSheetSelections : public TvSmComponent
 {
     TVRX_DECLARE_MEMBERS(TvSmSheetSelections)
 
-    TvSmSheetSelections();
+    TvSmSheetSelections() = default;
     ~TvSmSheetSelections() override;
 
     /// A new, empty selection at the end; null when the database refuses changes. Names are not

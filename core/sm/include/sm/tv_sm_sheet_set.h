@@ -11,7 +11,7 @@ class TvSmSheetSet : public TvSmSubset
 {
     TVRX_DECLARE_MEMBERS(TvSmSheetSet)
 
-    TvSmSheetSet();
+    TvSmSheetSet() = default;
     ~TvSmSheetSet() override;
 
     /// The template whose page setups can take the place of a sheet's own; null when none was set.

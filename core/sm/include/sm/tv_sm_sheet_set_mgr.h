@@ -30,7 +30,8 @@ public:
     /// case, unless both spellings exist as different files.
     virtual TvSmDatabase* findOpenDatabase(const TvString& path) const;
     /// Closes: a held lock is rolled back first, then 17 is raised, then all pointers into it die.
-    /// @return whether it closed; false for null and for what is not open here.
+    /// @return whether it closed; false for null, for what is not open here, and while one of the
+    /// database's own sinks is being told something.
     virtual bool closeDatabase(TvSmDatabase* db);
     virtual int registerEventHandler(TvSmEvents* sink);
     virtual bool unregisterEventHandler(int cookie);

@@ -10,7 +10,7 @@ class TvSmSheetView : public TvSmComponent
 {
     TVRX_DECLARE_MEMBERS(TvSmSheetView)
 
-    TvSmSheetView();
+    TvSmSheetView() = default;
     ~TvSmSheetView() override;
 
     /// Null when none was set; setting null drops it.
@@ -40,7 +40,7 @@ class TvSmSheetViews : public TvSmComponent
 {
     TVRX_DECLARE_MEMBERS(TvSmSheetViews)
 
-    TvSmSheetViews();
+    TvSmSheetViews() = default;
     ~TvSmSheetViews() override;
 
     virtual TvSmEnumerator<TvSmSheetView>* getEnumerator() const;

@@ -13,7 +13,7 @@ class TvSmSubset : public TvSmComponent
 {
     TVRX_DECLARE_MEMBERS(TvSmSubset)
 
-    TvSmSubset();
+    TvSmSubset() = default;
     ~TvSmSubset() override;
 
     /// The folder for new drawings of this subset; null means inherit. Setting null drops it.

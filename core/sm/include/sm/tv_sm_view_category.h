@@ -10,7 +10,7 @@ class TvSmViewCategory : public TvSmComponent
 {
     TVRX_DECLARE_MEMBERS(TvSmViewCategory)
 
-    TvSmViewCategory();
+    TvSmViewCategory() = default;
     ~TvSmViewCategory() override;
 
     /// The views that stand in the category, in the order of the sheets in the set; the default
@@ -23,7 +23,7 @@ class TvSmViewCategory : public TvSmComponent
 
 private:
     friend struct sm::Internals;
-    mutable std::unique_ptr<TvSmReferenceCollection> m_callouts;
+    mutable sm::Part<TvSmReferenceCollection> m_callouts;
     bool m_isDefault = false;
 };
 
@@ -32,7 +32,7 @@ class TvSmViewCategories : public TvSmComponent
 {
     TVRX_DECLARE_MEMBERS(TvSmViewCategories)
 
-    TvSmViewCategories();
+    TvSmViewCategories() = default;
     ~TvSmViewCategories() override;
 
     virtual TvSmEnumerator<TvSmViewCategory>* getEnumerator() const;

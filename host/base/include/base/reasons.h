@@ -29,7 +29,7 @@
     X(NotReplaced, 21021)          /* 2: where the former version lies */                         \
     X(NotFlushed, 21022)           /* in place, but its folder could not be flushed: 2: why */    \
     /* core/sm: the sheet-set file. %ls 1: the path */                                            \
-    X(DstNotXml, 21101)            /* 2: line, 3: what the parser says */                         \
+    X(DstNotXml, 21101)            /* 2: line, 3: the text there */                         \
     X(DstNotSheetSet, 21102)       /* well-formed, but no sheet set */                            \
     X(DstNewerVersion, 21103)      /* 2: its version */                                           \
     X(DstDoctype, 21104)                                                                          \
