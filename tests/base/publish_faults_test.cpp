@@ -32,7 +32,7 @@ const World kWorlds[] = {
 
 struct Commit {
     PublishScene scene;
-    UnflushedFileOps ops{systemFileOps()};
+    QuickFileOps ops;
     std::optional<Result<PublishOutcome>> outcome;
     const World& world;
 
@@ -213,7 +213,7 @@ TEST(PublishFaults, ReadingAndHealingSurviveAnyFailure)
         for (int n = 1;; ++n) {
             ASSERT_LT(n, 200);
             PublishScene scene;
-            UnflushedFileOps ops(systemFileOps());
+            QuickFileOps ops;
             ASSERT_TRUE(publishVersion(ops, scene.clock, scene.path(),
                                        PublishScene::request("content", std::nullopt)));
             std::filesystem::remove(scene.folder.path() / "PLAN.dst");
@@ -240,7 +240,7 @@ TEST(PublishFaults, ReadingAndHealingSurviveAnyFailure)
 TEST(PublishFaults, AProcessKilledAtAnySystemCallLeavesTheOldOrTheNewVersion)
 {
     PublishScene scene;
-    UnflushedFileOps ops(systemFileOps());
+    QuickFileOps ops;
     const auto clear = [&] {
         for (const std::string& name : scene.names())
             std::filesystem::remove(scene.folder.path() / name);

@@ -115,7 +115,7 @@ private:
     void publish(int who, Baton& baton)
     {
         ManualClock clock;
-        UnflushedFileOps ops(systemFileOps());
+        QuickFileOps ops;
         if (!m_setting.canLink)
             ops.failKind(Kind::Link, EPERM);
         ops.before = [&](int, const FaultyFileOps::Call&) { baton.await(who); };
@@ -206,14 +206,14 @@ TEST(PublishRace, ACommitGoesThroughWhateverADeadOneLeft)
             PublishScene scene;
             if (setting.from)
                 scene.put(*setting.from);
-            UnflushedFileOps ops(systemFileOps());
+            QuickFileOps ops;
             if (!setting.canLink)
                 ops.failKind(Kind::Link, EPERM);
             ops.dieAt(n);
             auto request = PublishScene::request("first", setting.from);
             const bool isDone = bool(publishVersion(ops, scene.clock, scene.path(), request));
 
-            UnflushedFileOps others(systemFileOps());
+            QuickFileOps others;
             const auto base = scene.isThere() ? std::optional(scene.content()) : std::nullopt;
             auto next = PublishScene::request("second", base);
             next.haveSystemLock = setting.locks[1];

@@ -12,30 +12,42 @@
 
 #include "temp_folder.h"
 
-inline std::span<const std::byte> bytesOf(const std::string& text)
+inline std::span<const std::byte> bytesOf(std::string_view text)
 {
     return std::as_bytes(std::span(text));
 }
 
-inline base::ContentHash hashOfText(const std::string& text)
+inline base::ContentHash hashOfText(std::string_view text)
 {
     return base::hashOf(bytesOf(text));
 }
 
-/// File operations that do not wait for the disk: a test of thousands of commits needs no power
-/// cut.
+/// The system's operations, but none waits for the disk: thousands of commits in a test need no
+/// power cut to fear.
 class UnflushedFileOps : public base::FaultyFileOps
 {
 public:
-    using base::FaultyFileOps::FaultyFileOps;
+    UnflushedFileOps() : base::FaultyFileOps(base::systemFileOps()) {}
     int flush(Descriptor) override { return 0; }
+};
+
+/// What QuickFileOps stands on, made before it.
+struct QuickFileOpsGround {
+    UnflushedFileOps ground;
+};
+
+/// Operations that can fail, flushes among them, and that do not wait for the disk.
+class QuickFileOps : private QuickFileOpsGround, public base::FaultyFileOps
+{
+public:
+    QuickFileOps() : base::FaultyFileOps(static_cast<base::FileOps&>(ground)) {}
 };
 
 /// A folder with the file PLAN.dst, a clock that nobody waits for, and operations that can fail.
 struct PublishScene {
     TempFolder folder;
     base::ManualClock clock;
-    base::FaultyFileOps ops{base::systemFileOps()};
+    QuickFileOps ops;
 
     static constexpr char kName[] = "PLAN.dst";
     TvString path() const { return folder.file(kName); }
@@ -43,7 +55,8 @@ struct PublishScene {
     void put(const std::string& text) const { folder.write(kName, text); }
     bool isThere() const { return std::filesystem::exists(folder.path() / kName); }
 
-    static base::PublishRequest request(const std::string& text, std::optional<std::string> from)
+    /// @param text  outlives the request.
+    static base::PublishRequest request(std::string_view text, std::optional<std::string> from)
     {
         base::PublishRequest made;
         made.bytes = bytesOf(text);
@@ -53,7 +66,7 @@ struct PublishScene {
     }
     /// Publishes @p text, made from @p from (nullopt: from nothing).
     base::Result<base::PublishOutcome>
-    publish(const std::string& text, std::optional<std::string> from, bool haveSystemLock = false)
+    publish(std::string_view text, std::optional<std::string> from, bool haveSystemLock = false)
     {
         base::PublishRequest made = request(text, from);
         made.haveSystemLock = haveSystemLock;
