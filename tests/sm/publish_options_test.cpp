@@ -44,12 +44,14 @@ TEST_F(PublishOptions, EachFlagIsItsOwnAndGoesThroughAFile)
         {&TvSmPublishOptions::getIncludeSheetSetData, &TvSmPublishOptions::setIncludeSheetSetData},
     };
     for (const auto& [getter, setter] : flags) {
-        ASSERT_TRUE((options->*setter)(true));
+        TvSmPublishOptions& changed = *options;
+        ASSERT_TRUE((changed.*setter)(true));
         ASSERT_TRUE(db->save(0));
         TvSmDatabase read;
         ASSERT_TRUE(read.load(path()));
+        const TvSmPublishOptions& there = *read.getSheetSet()->getPublishOptions();
         for (const auto& [other, unused] : flags)
-            EXPECT_EQ((read.getSheetSet()->getPublishOptions()->*other)(), other == getter);
+            EXPECT_EQ((there.*other)(), other == getter);
         ASSERT_TRUE(manager.closeDatabase(db));
         db = create();
         options = db->getSheetSet()->getPublishOptions();

@@ -71,7 +71,7 @@ RC_GTEST_PROP(RollbackLaws, SavingBetweenChangesWritesTheCommittedStateAndDistur
 RC_GTEST_PROP(RollbackLaws, ChangesInTurnWithSomebodyElseNeverDisagree, ())
 {
     const auto turns =
-        *rc::gen::scale(0.25, rc::gen::arbitrary<std::vector<std::pair<Changes, int>>>());
+        *rc::gen::scale(0.12, rc::gen::arbitrary<std::vector<std::pair<Changes, int>>>());
     FilledScene scene;
     TvSmSheetSetMgr second;
     TvSmDatabase* both[] = {scene.db, second.openDatabase(scene.path(), true, 0)};
