@@ -2,8 +2,7 @@
 
 // How an edit lock is kept:
 //
-//  1. The lock lies on the sidecar, never on the file. Who holds it keeps the sidecar open; nobody
-//  but
+//  1. The lock lies on the sidecar, never on the file. Who holds it keeps the sidecar open; only
 //     the deletion of the file removes the sidecar, and then only while holding the lock.
 //  2. A lock counts only if the sidecar's name still stands for the file that was locked: between
 //     opening and locking, a deletion may have taken the name away.
@@ -12,8 +11,7 @@
 //  5. A record that is not ours is never written over while its owner may be alive: only after the
 //     system's lock was had, and not any more once another's token was seen.
 //  6. A lock that is lost stays lost until release(), and its descriptor is closed at once: no
-//  publish
-//     relies on it, and whoever comes next may take it.
+//     publish relies on it, and whoever comes next may take it.
 
 #include <cassert>
 #include <cerrno>

@@ -3,25 +3,21 @@
 // How a version gets to disk when several people write one file, and no lock can be relied on.
 //
 //  1. Of two publishes from one base at most one succeeds. Each makes its payload first, then lists
-//  the
-//     folder and takes every other payload out of the race, then reads the file. Whoever lists
+//     the folder and takes every other payload out of the race, then reads the file. Whoever lists
 //     later finds the other's payload and revokes it, so that its rename fails, or finds it gone
 //     because it has taken its place, and reads a file that is not the base any more. The order
 //     payload - fence - base - rename is what this rests on, in each new attempt too.
 //  2. The file's name stands for a whole version at every instant: nothing but one rename touches
-//  it.
-//     Where a rename failed half-way, the newest published version is linked back.
+//     it. Where a rename failed half-way, the newest published version is linked back.
 //  3. Success is told only of a version that was read back before and after the rename, and whose
 //     folder was flushed.
 //  4. Another's payload is touched only to revoke it, by renaming it.
 //  5. Killed at any moment, a publish is wholly there or not at all: what it leaves are hidden
-//  files
-//     that the next publish revokes and a sweep removes.
-//  6. A version that was published keeps a name (".done.") before it is replaced; a higher number
-//  is
-//     newer. The number of ours is settled before the rename: whoever replaces us links us under
-//     the same one if we were too slow.
-//  7. A file that is not there is only ever made, never replaced: whatever appears meanwhile stays.
+//     files that the next publish revokes and a sweep removes.
+//  6. A version that was published keeps a name (".done.") before it is replaced; the higher
+//     number is the newer. The number of ours is settled before the rename: whoever replaces us
+//     links us under the same one if we were too slow.
+//  7. A file that is not there is only ever made, never replaced: what appears meanwhile stays.
 
 #include <cassert>
 #include <cerrno>
@@ -43,7 +39,6 @@ constexpr nanoseconds kPatience = 10s; // for a busy file, and for others that g
 constexpr nanoseconds kManners = 1s;   // a payload this old has been left, or is too slow
 constexpr auto kPollDelay = 20ms;
 constexpr auto kBusyDelay = 100ms;
-constexpr std::size_t kKeptVersions = 3;
 constexpr unsigned kAnyWriteBit = 0222;
 using Kind = HelperFile::Kind;
 
@@ -52,48 +47,12 @@ bool isBusy(int error)
     return error == EBUSY || error == ETXTBSY || error == EAGAIN;
 }
 
-bool isOneFile(const FileStamp& a, const FileStamp& b)
-{
-    return a.device == b.device && a.inode == b.inode;
-}
-
-/// Whether @p path stands for the file with this identity.
-bool isNameOf(FileOps& ops, const std::string& path, const FileStamp& file)
-{
-    FileInfo info;
-    return ops.describeName(path, info) == 0 && isOneFile(info.stamp, file);
-}
-
 TvString systemText(int error)
 {
     return TvString(std::string_view(std::generic_category().message(error)));
 }
 
 } // namespace
-
-bool isLinkRefused(int error)
-{
-    return error == EPERM || error == EOPNOTSUPP || error == EMLINK || error == ENOSYS;
-}
-
-int moveToFreeName(FileOps& ops, const std::string& from, const std::string& to)
-{
-    const int refusal = ops.renameNew(from, to);
-    if (refusal != EINVAL)
-        return refusal;
-    const int error = ops.link(from, to);
-    if (!error)
-        ops.remove(from); // refused: a second name stays until it is revoked or swept
-    if (!isLinkRefused(error))
-        return error;
-    // The file system promises neither. What is left is to look first; the fence keeps those who
-    // publish apart.
-    FileInfo info;
-    const int there = ops.describeName(to, info);
-    if (there != ENOENT)
-        return there ? there : EEXIST;
-    return ops.rename(from, to);
-}
 
 Publication::Publication(FileOps& ops, Clock& clock, PublishNames names,
                          const PublishRequest& request, Healing healing)
@@ -127,7 +86,7 @@ Publication::Step Publication::tryOnce()
 {
     using Way = Step (Publication::*)();
     constexpr Way kWay[] = {
-        // invariant 1: in this order
+        // in this order: invariant 1
         &Publication::writePayload,  &Publication::verifyPayload, &Publication::nameTwice,
         &Publication::fence,         &Publication::compareBase,   &Publication::keepReplaced,
         &Publication::putInPlace,    &Publication::flushFolder,   &Publication::confirm,
@@ -177,67 +136,6 @@ Status Publication::checkTarget()
     if (!(folder.mode & kAnyWriteBit))
         return Status(Failure::Denied, Reason::AccessDenied, {path});
     return {};
-}
-
-/// Whose rights our version gets: those of the file; where that is missing, of its newest version,
-/// lest a private file comes back public. Empty for a new one. Not knowing is a failure, and never
-/// "new".
-int Publication::findMetadataSource(std::string& out)
-{
-    FileInfo info;
-    const int error = m_ops.describeName(m_names.target(), info);
-    out = m_names.target();
-    if (error != ENOENT)
-        return error;
-    std::vector<HelperFile> helpers;
-    const int unknown = listHelpers(m_ops, m_names, helpers);
-    const auto versions = newestFirst(helpers);
-    out = versions.empty() ? std::string() : versions.front().path;
-    return unknown;
-}
-
-Publication::Step Publication::writePayload()
-{
-    int error = findMetadataSource(m_rightsFrom);
-    if (!error)
-        error = writeNewFile(m_ops, m_payload, m_request.bytes, m_rightsFrom);
-    if (error == ENOENT && !m_rightsFrom.empty())
-        return Step::Again; // what we copied the rights from has gone
-    if (error == ENOENT)
-        return fail(Status(Failure::Unreachable, Reason::FolderUnreachable, {m_names.given()}));
-    return error ? fail(error) : Step::Next;
-}
-
-Publication::Step Publication::verifyPayload()
-{
-    FileGuard file(m_ops);
-    FileInfo info;
-    ContentHash written;
-    int error = file.open(m_payload, FileOps::OpenMode::ReadNoFollow);
-    if (error == ENOENT)
-        return Step::Again; // revoked already
-    if (!error)
-        error = m_ops.describe(file.get(), info);
-    if (!error)
-        error = hashWhole(m_ops, file.get(), written);
-    if (error)
-        return fail(error);
-    if (written != m_hash)
-        return fail(Status(Failure::Damaged, Reason::VerifyFailed, {m_names.given()}));
-    m_ours = info.stamp;
-    return Step::Next;
-}
-
-/// The second name outlives the rename, and becomes the name of the published version.
-Publication::Step Publication::nameTwice()
-{
-    int error = m_ops.link(m_payload, m_pending);
-    m_isCopying = isLinkRefused(error);
-    if (m_isCopying)
-        error = writeNewFile(m_ops, m_pending, m_request.bytes, m_payload);
-    if (error == ENOENT)
-        return Step::Again; // revoked already
-    return error ? fail(error) : Step::Next;
 }
 
 /// Whether a rival that we could revoke goes first: it is at work, and its token wins.
@@ -351,62 +249,6 @@ Publication::Step Publication::compareVanished()
     return newest == m_request.base ? Step::Next : Step::Conflict;
 }
 
-/// The version that goes has a name beside the file, or gets one (invariant 6).
-Publication::Step Publication::keepReplaced()
-{
-    m_number = m_versions.empty() ? 1 : m_versions.front().number + 1;
-    m_keptAs = m_versions.empty() ? std::string() : m_versions.front().path;
-    if (m_isAbsent)
-        return Step::Next;
-    for (const HelperFile& version : m_versions) {
-        m_keptAs = version.path;
-        if (isNameOf(m_ops, version.path, m_replaced))
-            return Step::Next;
-    }
-    return linkReplaced(m_number);
-}
-
-Publication::Step Publication::linkReplaced(std::uint64_t number)
-{
-    constexpr int kTries = 100; // others may be at the same, and take a number first
-    int error = EEXIST;
-    for (int i = 0; i < kTries && error == EEXIST; ++i, ++number) {
-        m_keptAs = m_names.published(number);
-        error = m_ops.link(m_names.target(), m_keptAs);
-        if (isLinkRefused(error))
-            return copyReplaced(number);
-        if (error == EEXIST && isNameOf(m_ops, m_keptAs, m_replaced))
-            error = 0;
-    }
-    m_number = number;
-    if (error == ENOENT)
-        return Step::Again; // the file went
-    return error ? fail(error) : Step::Next;
-}
-
-/// Where links are refused, a published version is a copy, and is known by its content.
-Publication::Step Publication::copyReplaced(std::uint64_t number)
-{
-    ContentHash copied;
-    if (!m_versions.empty() && hashOfFile(m_ops, m_versions.front().path, copied) == 0 &&
-        copied == m_request.base) {
-        m_keptAs = m_versions.front().path;
-        return Step::Next;
-    }
-    const std::string half = m_names.helper(Kind::Pending, newToken()); // not a version until whole
-    int error = copyFile(m_ops, m_names.target(), half, copied);
-    m_keptAs = m_names.published(number);
-    if (!error && copied == m_request.base)
-        error = moveToFreeName(m_ops, half, m_keptAs);
-    else if (!error)
-        error = ENOENT; // it is another file by now
-    m_number = number + 1;
-    if (!error)
-        return Step::Next;
-    m_ops.remove(half);
-    return error == ENOENT || error == EEXIST ? Step::Again : fail(error);
-}
-
 Publication::Step Publication::putInPlace()
 {
     assert(m_ours.inode); // invariant 3: read back
@@ -480,29 +322,6 @@ Publication::Content Publication::whatIsThere()
     return now == m_request.base ? Content::Base : Content::Other;
 }
 
-/// Whether our version was in place and was replaced in good order: then whoever did it kept a name
-/// for it, under our number or a later one. (An older version may have our very content: a change
-/// taken back.)
-bool Publication::isSuperseded()
-{
-    std::vector<HelperFile> helpers;
-    if (listHelpers(m_ops, m_names, helpers) != 0)
-        return false;
-    for (const HelperFile& version : newestFirst(helpers)) {
-        if (version.number >= m_number && isOurs(version.path))
-            return true;
-    }
-    return false;
-}
-
-bool Publication::isOurs(const std::string& version)
-{
-    if (isNameOf(m_ops, version, m_ours))
-        return true;
-    ContentHash kept; // a copy has nothing but its content to be known by
-    return m_isCopying && hashOfFile(m_ops, version, kept) == 0 && kept == m_hash;
-}
-
 Publication::Step Publication::flushFolder()
 {
     const int error = m_ops.flush(m_folder.get());
@@ -536,35 +355,6 @@ Publication::Step Publication::restore()
     if (const Step step = flushFolder(); step != Step::Next)
         return step;
     return whatIsThere() == Content::Ours ? Step::Done : fail(EIO);
-}
-
-/// Our version stays under a number. It is on disk whatever happens here: who replaces it names it
-/// anew.
-Publication::Step Publication::keepPublished()
-{
-    constexpr int kTries = 100;
-    for (int i = 0; i < kTries; ++i, ++m_number) {
-        const std::string name = m_names.published(m_number);
-        const int error = moveToFreeName(m_ops, m_pending, name);
-        if (!error)
-            break;
-        if (error != EEXIST || isNameOf(m_ops, name, m_ours)) {
-            m_ops.remove(m_pending);
-            break;
-        }
-    }
-    trim();
-    return Step::Done;
-}
-
-void Publication::trim()
-{
-    std::vector<HelperFile> helpers;
-    if (listHelpers(m_ops, m_names, helpers) != 0)
-        return; // the next commit trims
-    const auto versions = newestFirst(helpers);
-    for (std::size_t i = kKeptVersions; i < versions.size(); ++i)
-        m_ops.remove(versions[i].path);
 }
 
 bool Publication::hasPatience()

@@ -4,6 +4,7 @@
 
 #include "base/publish.h"
 #include "file_guard.h"
+#include "move_to_free_name.h"
 #include "publish_names.h"
 
 namespace base {
@@ -98,11 +99,11 @@ private:
     Status m_failure;
 };
 
-/// Moves a file to a name that is free, and never replaces one (EEXIST).
-int moveToFreeName(FileOps& ops, const std::string& from, const std::string& to);
-
-/// Whether a folder that refuses a hard link with @p error wants a copy instead.
-bool isLinkRefused(int error);
+/// Whether two stamps are of one file, in whatever state.
+inline bool isOneFile(const FileStamp& a, const FileStamp& b)
+{
+    return a.device == b.device && a.inode == b.inode;
+}
 
 /// Puts the newest published version back where the file is missing; never over a file. NotFound
 /// when there is none.

@@ -12,11 +12,9 @@
 // healing, looking, sweeping, deleting. Two more hold here:
 //
 //  8. A missing file is healed only by a link that never overwrites, or by a publish; and only
-//  while
-//     published versions are there.
+//     while published versions are there.
 //  9. A deletion takes the published versions first and the file last: at no moment is the file
-//  gone
-//     while there is something to heal it from.
+//     gone while there is something to heal it from.
 
 namespace base {
 
