@@ -81,16 +81,18 @@ bool wantsJson(std::span<const std::string> arguments)
     return std::find(arguments.begin(), end, "--json") != end;
 }
 
+int runHelp(const HelpRequest& request, const Invocation& invocation, Ports& ports)
+{
+    Console console(ports, "help", styleOf(invocation));
+    return finish(console, run(request, console));
+}
+
 int runVerb(const Chosen& chosen, Invocation& invocation, Ports& ports)
 {
     const Parsed parsed = parseVerb(*chosen.verb, chosen.arguments, invocation);
-    if (parsed != Parsed::Ready) {
-        HelpRequest help;
-        help.verb = {chosen.verb->name};
-        help.brief = parsed == Parsed::ShortHelp;
-        Console console(ports, "help", styleOf(invocation));
-        return finish(console, run(help, console));
-    }
+    if (parsed != Parsed::Ready)
+        return runHelp({{chosen.verb->name}, false, parsed == Parsed::ShortHelp}, invocation,
+                       ports);
     enterFolder(invocation.folder);
     sm::environment().purpose = chosen.verb->name;
     Console console(ports, chosen.verb->name, styleOf(invocation));
@@ -102,12 +104,8 @@ int runRequest(std::span<const std::string> arguments, std::string& verb, Ports&
     Invocation invocation;
     std::vector<std::string> rest;
     const Parsed parsed = parseBeforeVerb(arguments, invocation, rest);
-    if (parsed != Parsed::Ready) {
-        HelpRequest help;
-        help.brief = parsed == Parsed::ShortHelp;
-        Console console(ports, "help", styleOf(invocation));
-        return finish(console, run(help, console));
-    }
+    if (parsed != Parsed::Ready)
+        return runHelp({{}, false, parsed == Parsed::ShortHelp}, invocation, ports);
     if (invocation.version) {
         Console console(ports, "version", styleOf(invocation));
         return finish(console, run(VersionRequest(), console));
@@ -118,6 +116,8 @@ int runRequest(std::span<const std::string> arguments, std::string& verb, Ports&
         ports.err(toolHelp(true));
         return static_cast<int>(ExitCode::Usage);
     }
+    if (isVerbGroup(rest[0]) && rest.size() > 1 && (rest[1] == "-h" || rest[1] == "--help"))
+        return runHelp({{rest[0]}, false, true}, invocation, ports);
     const Chosen chosen = chooseVerb(rest);
     verb = chosen.verb->name;
     return runVerb(chosen, invocation, ports);

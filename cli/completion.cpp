@@ -115,6 +115,11 @@ std::string valueCases()
     return out + valueCase(patternOf(isOther), "COMPREPLY=()");
 }
 
+std::string filledIn(std::string text, std::string_view place, const std::string& value)
+{
+    return text.replace(text.find(place), place.size(), value);
+}
+
 /// Words before the one being typed, without options: which verb it is, and how many arguments.
 constexpr char kScan[] = R"(    local plain=() at skip=
     for ((at = 1; at < COMP_CWORD; ++at)); do
@@ -132,56 +137,65 @@ constexpr char kScan[] = R"(    local plain=() at skip=
 
 std::string scan()
 {
-    constexpr std::string_view kPlace = "@VALUED@";
-    std::string out = kScan;
-    return out.replace(out.find(kPlace), kPlace.size(),
-                       patternOf([](const std::string&) { return true; }));
+    return filledIn(kScan, "@VALUED@", patternOf([](const std::string&) { return true; }));
 }
+
+constexpr char kFiles[] =
+    R"(# Completion of kvsheetset for bash, made by "kvsheetset completion bash".
+_kvsheetset_files() {
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -f -X '!*.[dD][sS][tT]' -- "$1"
+        compgen -d -- "$1")
+}
+
+)";
+
+constexpr char kBegin[] = R"(_kvsheetset() {
+    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]}
+    local options seconds= verb arguments
+    case $before in
+)";
+
+/// The verb, of one word or of two, and how many arguments stand behind it.
+std::string chooseVerb()
+{
+    return R"(    verb=${plain[0]:-}
+    arguments=$((${#plain[@]} - 1))
+    case $verb in
+)" + groupCases() +
+           R"(    esac
+    if [[ -n $seconds ]]; then
+        verb+=" ${plain[1]:-}"
+        arguments=$((arguments - 1))
+    fi
+    case $verb in
+)" + optionCases() +
+           "        *)\n            options='" + spellingsOf(nullptr) +
+           "'\n            ;;\n    esac\n";
+}
+
+constexpr char kOffer[] = R"(    if [[ $word == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")
+    elif ((${#plain[@]} == 0)) || [[ $verb == help ]]; then
+        mapfile -t COMPREPLY < <(compgen -W '@VERBS@' -- "$word")
+    elif [[ -n $seconds ]] && ((${#plain[@]} == 1)); then
+        mapfile -t COMPREPLY < <(compgen -W "$seconds" -- "$word")
+    elif [[ $verb == completion ]]; then
+        mapfile -t COMPREPLY < <(compgen -W 'bash' -- "$word")
+    elif ((arguments == 0)); then
+        _kvsheetset_files "$word"
+    fi
+}
+
+complete -F _kvsheetset kvsheetset
+)";
 
 } // namespace
 
 std::string bashCompletion()
 {
-    std::string out =
-        "# Completion of kvsheetset for bash, made by \"kvsheetset completion bash\".\n"
-        "_kvsheetset_files() {\n"
-        "    compopt -o filenames 2>/dev/null\n"
-        "    mapfile -t COMPREPLY < <(compgen -f -X '!*.[dD][sS][tT]' -- \"$1\"\n"
-        "        compgen -d -- \"$1\")\n"
-        "}\n\n"
-        "_kvsheetset() {\n"
-        "    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]}\n"
-        "    local options seconds= verb arguments\n"
-        "    case $before in\n" +
-        valueCases() + "    esac\n" + scan();
-    out += "    verb=${plain[0]:-}\n"
-           "    arguments=$((${#plain[@]} - 1))\n"
-           "    case $verb in\n" +
-           groupCases() +
-           "    esac\n"
-           "    if [[ -n $seconds ]]; then\n"
-           "        verb+=\" ${plain[1]:-}\"\n"
-           "        arguments=$((arguments - 1))\n"
-           "    fi\n"
-           "    case $verb in\n" +
-           optionCases() + "        *)\n            options='" + spellingsOf(nullptr) +
-           "'\n            ;;\n    esac\n";
-    out += "    if [[ $word == -* ]]; then\n"
-           "        mapfile -t COMPREPLY < <(compgen -W \"$options\" -- \"$word\")\n"
-           "    elif ((${#plain[@]} == 0)) || [[ $verb == help ]]; then\n"
-           "        mapfile -t COMPREPLY < <(compgen -W '" +
-           firstWords() +
-           "' -- \"$word\")\n"
-           "    elif [[ -n $seconds ]] && ((${#plain[@]} == 1)); then\n"
-           "        mapfile -t COMPREPLY < <(compgen -W \"$seconds\" -- \"$word\")\n"
-           "    elif [[ $verb == completion ]]; then\n"
-           "        mapfile -t COMPREPLY < <(compgen -W 'bash' -- \"$word\")\n"
-           "    elif ((arguments == 0)); then\n"
-           "        _kvsheetset_files \"$word\"\n"
-           "    fi\n"
-           "}\n\n"
-           "complete -F _kvsheetset kvsheetset\n";
-    return out;
+    return kFiles + (kBegin + valueCases()) + "    esac\n" + scan() + chooseVerb() +
+           filledIn(kOffer, "@VERBS@", firstWords());
 }
 
 } // namespace cli

@@ -54,7 +54,7 @@ void print(const sm::Finding& finding, const TvString& label, Console& console)
                   {finding.handle, Tone::Faint},
                   {u"  "},
                   {label, Tone::Strong},
-                  {u": "},
+                  {label.isEmpty() ? u"" : u": "},
                   {sentenceOf(finding)}});
 }
 

@@ -10,17 +10,25 @@ namespace cli {
 
 namespace {
 
-const Verb& verbNamed(const std::vector<std::string>& typed)
+/// The verb of that name, or the verbs that begin with that word.
+std::vector<const Verb*> verbsNamed(const std::vector<std::string>& typed)
 {
-    // A verb's whole name may come as one word too.
-    std::vector<std::string> parts = typed;
-    if (parts.size() == 1)
-        if (const std::size_t blank = parts[0].find(' '); blank != std::string::npos)
-            parts = {parts[0].substr(0, blank), parts[0].substr(blank + 1)};
-    const Verb* verb = findVerb(parts);
-    if (!verb)
-        refuseUsage(Word::UnknownVerb, TvString(parts[0].c_str()));
-    return *verb;
+    std::string name;
+    for (const std::string& word : typed)
+        name += (name.empty() ? "" : " ") + word;
+    std::vector<const Verb*> found;
+    std::vector<std::string> names;
+    for (const Verb& verb : verbs()) {
+        names.push_back(verb.name);
+        if (verb.name == name || names.back().starts_with(name + " "))
+            found.push_back(&verb);
+    }
+    if (!found.empty())
+        return found;
+    const std::string near = nearest(name, names);
+    if (near.empty())
+        refuseUsage(Word::UnknownVerb, TvString(name.c_str()));
+    refuseUsage(Word::UnknownVerbNear, TvString(name.c_str()), TvString(near.c_str()));
 }
 
 Json jsonOf(const OptionInfo& option)
@@ -45,19 +53,21 @@ Json jsonOf(const Verb& verb)
 
 ExitCode help(const HelpRequest& request, Console& console)
 {
-    Json& list = console.document()["verbs"] = Json::array();
-    if (request.manual) {
-        console.raw(manualSource());
-    } else if (request.verb.empty()) {
-        console.raw(toolHelp(request.brief));
+    std::vector<const Verb*> told;
+    if (request.verb.empty()) {
+        console.raw(request.manual ? manualSource() : toolHelp(request.brief));
+        for (const Verb& verb : verbs())
+            told.push_back(&verb);
     } else {
-        const Verb& verb = verbNamed(request.verb);
-        console.raw(verbHelp(verb, request.brief));
-        list.push_back(jsonOf(verb));
-        return ExitCode::Ok;
+        told = verbsNamed(request.verb);
+        for (const Verb* verb : told)
+            console.raw((verb == told.front() ? "" : "\n") +
+                        verbHelp(*verb, request.brief || told.size() > 1));
     }
-    for (const Verb& verb : verbs())
-        list.push_back(jsonOf(verb));
+    Json list = Json::array();
+    for (const Verb* verb : told)
+        list.push_back(jsonOf(*verb));
+    console.document()["verbs"] = std::move(list);
     return ExitCode::Ok;
 }
 

@@ -2,6 +2,7 @@
 
 #include <base/kv_file_system.h>
 #include <base/path_rules.h>
+#include <sm/environment.h>
 #include <sm/limits.h>
 
 #include "cli/components.h"
@@ -41,13 +42,16 @@ TvSmDatabase& createOrRefuse(TvSmSheetSetMgr& manager, const TvString& path,
     return *db;
 }
 
-/// What only writing would find out, as far as it can be told without.
-void requireFolder(const TvString& path)
+/// Where a save would fail, that is told before anything is done, in a dry run as well.
+void requireWritable(const TvString& path)
 {
     const TvString folder = base::PathRules::native().folderOf(path);
     if (!KvFileSystem::isDirectory(folder))
         refuse({base::Failure::Unreachable, base::Reason::FolderUnreachable, {path}},
                Doing::Writing);
+    const base::LockInfo info = base::EditLock(sm::files(), sm::clock(), path).query();
+    if (info.state == base::LockState::Denied && !KvFileSystem::pathFileExists(path))
+        refuse({base::Failure::Denied, base::Reason::AccessDenied, {folder}}, Doing::Writing);
 }
 
 void report(const TvSmDatabase& db, const NewRequest& request, Console& console)
@@ -68,16 +72,14 @@ ExitCode create(const NewRequest& request, Console& console)
     const TvString path = newPath(request.file);
     const TvString name = request.name.value_or(base::PathRules::native().stemOf(path));
     requireFits(u"name", name, sm::kMaxNameLength);
-    requireFolder(path);
+    requireWritable(path);
     TvSmSheetSetMgr manager;
     TvSmDatabase& db = createOrRefuse(manager, path, request);
     db.getSheetSet()->setName(name);
     if (request.description)
         db.getSheetSet()->setDesc(*request.description);
     console.stopIfInterrupted();
-    if (request.change.dryRun)
-        warnIfLocked(path, console);
-    else if (!db.save(0))
+    if (!request.change.dryRun && !db.save(0))
         refuse(sm::lastStatus(&db), Doing::Writing);
     report(db, request, console);
     return ExitCode::Ok;

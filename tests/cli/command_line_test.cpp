@@ -61,7 +61,7 @@ TEST(CommandLine, WrongUsageIsToldOnTheStandardErrorOnly)
          "kvsheetset completion: E22415: There is no completion for \"fish\"; there is one for "
          "bash.\n"},
         {{"help", "tre"},
-         "kvsheetset help: E22401: There is no verb \"tre\". See kvsheetset help.\n"},
+         "kvsheetset help: E22402: There is no verb \"tre\". Did you mean \"tree\"?\n"},
     };
     for (const Case& each : cases) {
         const Said said = runLine(each.arguments);

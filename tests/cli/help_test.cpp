@@ -83,6 +83,15 @@ TEST(Help, ShortAndLongHelpComeBeforeAnyOtherCheck)
     EXPECT_EQ(full.out, runLine({"help", "move"}).out);
 }
 
+TEST(Help, AFirstWordGivesAllItsVerbs)
+{
+    const Said said = runLine({"help", "prop"});
+    EXPECT_EQ(said.code, ExitCode::Ok);
+    for (const char* verb : {"prop set", "prop remove", "prop list"})
+        EXPECT_NE(said.out.find(std::string("Usage: kvsheetset ") + verb), std::string::npos);
+    EXPECT_EQ(runLine({"prop", "-h"}).out, said.out);
+}
+
 TEST(Help, TheDocumentListsVerbsAndOptions)
 {
     const auto json = runLine({"help", "tree", "--json"}).json();
