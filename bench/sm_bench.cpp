@@ -49,7 +49,7 @@ public:
     fs::path folder() const { return m_folder; }
 
 private:
-    static void addSheet(TvSmSubset* subset, std::int64_t number)
+    static void addSheet(TvSmSubset* subset, std::int64_t number, const std::string& folder)
     {
         const TvString title = TvString().format(u"General arrangement, level %d", number % 40);
         TvSmSheet* sheet = subset->createSheet(title, u"Issued for construction");
@@ -58,7 +58,7 @@ private:
         sheet->setTitle(title);
         auto* layout = new TvSmTvDbLayoutReference;
         layout->initNew(sheet, u"");
-        layout->setFileName(TvString().format(u"/projects/tower/drawings/A-%04d.dwg", number / 10));
+        layout->setFileName(TvString().format(u"%s/drawings/A-%04d.dwg", folder, number / 10));
         layout->setHandle(TvString().format(u"%X", 0x2A + number % 10));
         layout->setName(TvString().format(u"Layout%d", number % 10));
         sheet->setLayoutReference(layout);
@@ -86,7 +86,7 @@ private:
                     TvString().format(u"Building part %d", number / 100), u"");
                 db->getSheetSet()->insertComponent(subset, nullptr);
             }
-            addSheet(subset, number);
+            addSheet(subset, number, fs::path(path).parent_path().string());
         }
         if (!db->save(0))
             std::abort();
@@ -162,7 +162,7 @@ void WriteFlushRename(benchmark::State& state)
     }
     ::close(folder);
 }
-BENCHMARK(WriteFlushRename)->Arg(10'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteFlushRename)->Arg(10'000)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 void CommitOneSheet(benchmark::State& state)
 {
@@ -178,7 +178,7 @@ void CommitOneSheet(benchmark::State& state)
             std::abort();
     }
 }
-BENCHMARK(CommitOneSheet)->Arg(10'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(CommitOneSheet)->Arg(10'000)->UseRealTime()->Unit(benchmark::kMillisecond);
 
 // --- 1d: rollback
 // -------------------------------------------------------------------------------------------------
@@ -310,13 +310,10 @@ const std::vector<RatioRow>& ratioRows()
          1.5, 0.4},
         {"1b open 100,000 sheets / 10 times 10,000", "OpenSet/100000", "OpenSet/10000", 10, 1.5,
          1.2},
-        {"1c commit one of 10,000 sheets / write, flush, rename", "CommitOneSheet/10000",
-         "WriteFlushRename/10000", 1, 4, 1.2},
+        {"1c commit one of 10,000 sheets / write, flush, rename", "CommitOneSheet/10000/real_time",
+         "WriteFlushRename/10000/real_time", 1, 4, 1.2},
         {"1d roll back one change / the change", "RollBackTitle/10000/iterations:2000/manual_time",
          "ChangeTitle/10000/iterations:2000/manual_time", 1, 10, 3},
-        {"1d the same in 100,000 sheets / in 10,000",
-         "RollBackTitle/100000/iterations:2000/manual_time",
-         "RollBackTitle/10000/iterations:2000/manual_time", 1, 1.5, 1.1},
         {"2a handle text to object, 900,000 objects / one table load", "FindByHandleText",
          "RandomTableLoad", 1, 40, 8},
         {"2b walk of all objects / linear scan of as many records", "WalkObjects", "ScanRecords", 1,

@@ -28,38 +28,50 @@ public:
     {
     }
 
-    std::string relativeFor(const StoredText& path, const StoredText& kept)
+    /// Valid until the next call.
+    std::string_view relativeFor(const StoredText& path, const StoredText& kept)
     {
-        const std::string worked = m_folder.isEmpty() ? std::string() : workOut(path);
-        if (kept.isEmpty() || (!worked.empty() && kept.equals(textFromFile(worked))))
+        if (m_folder.isEmpty())
+            return kept.fileView(m_keptRoom);
+        const std::string_view worked = workOut(path.fileView(m_pathRoom));
+        const std::string_view before = kept.fileView(m_keptRoom);
+        if (before.empty() || worked == before)
             return worked;
-        return !worked.empty() && isThere(path.text()) ? worked : fileUtf8(kept.text());
+        return !worked.empty() && isThere(path.text()) ? worked : before;
     }
 
 private:
-    std::string workOut(const StoredText& path) const
+    std::string_view workOut(std::string_view utf8)
     {
-        const TvString full = path.text();
-        if (!base::PathRules::native().isAbsolute(full) ||
-            base::PathRules::native().isNetwork(full))
-            return {};
-        const std::string utf8 = fileUtf8(full);
         // Nearly all drawings lie at or below the set.
         if (utf8.size() > m_prefix.size() && utf8.compare(0, m_prefix.size(), m_prefix) == 0 &&
             isPlain(utf8))
             return utf8.substr(m_prefix.size());
-        const TvString relative = base::PathRules::native().relativeTo(full, m_folder);
-        const bool hasBackslash = relative.find(u'\\') != TvString::npos;
-        if (base::PathRules::native().separator() == u'\\')
+        // Several sheets stand in one drawing.
+        const auto [at, isNew] = m_worked.try_emplace(std::string(utf8));
+        if (isNew)
+            at->second = workOutByRules(textFromFile(utf8));
+        return at->second;
+    }
+    std::string workOutByRules(const TvString& full) const
+    {
+        const base::PathRules& rules = base::PathRules::native();
+        if (!rules.isAbsolute(full) || rules.isNetwork(full))
+            return {};
+        const TvString relative = rules.relativeTo(full, m_folder);
+        if (rules.separator() == u'\\')
             return fileUtf8(relative.replaced(u"\\", u"/"));
         // A backslash within a name would be read as a separator.
-        return hasBackslash ? std::string() : fileUtf8(relative);
+        return relative.find(u'\\') != TvString::npos ? std::string() : fileUtf8(relative);
     }
     /// No "." or ".." or doubled separator and no backslash: nothing to normalise.
-    static bool isPlain(const std::string& utf8)
+    static bool isPlain(std::string_view utf8)
     {
-        return utf8.find("/.") == std::string::npos && utf8.find("//") == std::string::npos &&
-               utf8.find('\\') == std::string::npos;
+        for (std::size_t at = 0; at < utf8.size(); ++at)
+            if (utf8[at] == '\\' || (utf8[at] == '/' && at + 1 < utf8.size() &&
+                                     (utf8[at + 1] == '.' || utf8[at + 1] == '/')))
+                return false;
+        return true;
     }
     bool isThere(const TvString& path)
     {
@@ -71,6 +83,9 @@ private:
 
     TvString m_folder;
     std::string m_prefix;
+    std::string m_pathRoom;
+    std::string m_keptRoom;
+    std::unordered_map<std::string, std::string> m_worked;
     std::map<TvString, bool> m_asked;
 };
 
@@ -177,11 +192,12 @@ void Writer::handleAttribute(std::string_view name, std::uint64_t handle)
 {
     char digits[16];
     const auto end = std::to_chars(digits, digits + sizeof digits, handle, 16).ptr;
+    std::transform(digits, end, digits,
+                   [](char c) { return c >= 'a' ? static_cast<char>(c - 'a' + 'A') : c; });
     m_out += ' ';
     m_out += name;
     m_out += "=\"g";
-    for (const char* at = digits; at != end; ++at)
-        m_out += static_cast<char>(*at >= 'a' ? *at - 'a' + 'A' : *at);
+    m_out.append(digits, end);
     m_out += '"';
 }
 
@@ -202,9 +218,7 @@ void Writer::ownAttribute(TvSmPersist& object, const Attribute& row)
         const auto& text = *static_cast<const StoredText*>(field);
         if (!text.isSet())
             return;
-        m_out += ' ';
-        m_out += row.name;
-        m_out += "=\"";
+        m_out.append(row.opening.text, row.opening.size);
         text.appendXml(m_out);
         m_out += '"';
         return;
@@ -427,8 +441,8 @@ void Writer::reference(std::string_view element, TvSmPersist& parent, TvSmFileRe
             ownAttribute(*reference, row);
             continue;
         }
-        const std::string relative = m_relative.relativeFor(Internals::pathOf(*reference),
-                                                            Internals::relativeOf(*reference));
+        const std::string_view relative = m_relative.relativeFor(Internals::pathOf(*reference),
+                                                                 Internals::relativeOf(*reference));
         if (!relative.empty())
             attribute(row.name, relative);
     }

@@ -105,26 +105,46 @@ TvString textFromFile(std::string_view utf8)
     return TvString(std::move(out));
 }
 
+namespace {
+
+/// What a byte becomes in an attribute; null: itself.
+constexpr std::array<const char*, 256> makeEscapes()
+{
+    std::array<const char*, 256> escapes{};
+    escapes['&'] = "&amp;";
+    escapes['<'] = "&lt;";
+    escapes['>'] = "&gt;";
+    escapes['"'] = "&quot;";
+    escapes['\t'] = "&#9;";
+    escapes['\n'] = "&#10;";
+    escapes['\r'] = "&#13;";
+    return escapes;
+}
+
+constexpr std::array<const char*, 256> kEscapes = makeEscapes();
+
+} // namespace
+
 void appendXmlEscaped(std::string& out, std::string_view utf8)
 {
     std::size_t plainFrom = 0;
     for (std::size_t at = 0; at < utf8.size(); ++at) {
-        const char* escape = nullptr;
-        switch (utf8[at]) {
-        case '&': escape = "&amp;"; break;
-        case '<': escape = "&lt;"; break;
-        case '>': escape = "&gt;"; break;
-        case '"': escape = "&quot;"; break;
-        case '\t': escape = "&#9;"; break;
-        case '\n': escape = "&#10;"; break;
-        case '\r': escape = "&#13;"; break;
-        default: continue;
-        }
+        const char* escape = kEscapes[static_cast<unsigned char>(utf8[at])];
+        if (!escape)
+            continue;
         out.append(utf8, plainFrom, at - plainFrom);
         out += escape;
         plainFrom = at + 1;
     }
     out.append(utf8, plainFrom);
+}
+
+std::string_view StoredText::fileView(std::string& room) const
+{
+    if (m_kind == Kind::Slice)
+        return slice();
+    room = m_kind == Kind::Owned ? fileUtf8(owned()) : std::string();
+    return room;
 }
 
 bool StoredText::isEmpty() const
