@@ -277,6 +277,7 @@ TEST_F(EditLockTest, IsNotKeptByAProgramThatItsHolderStarted)
     ASSERT_TRUE(holder.isThere());
     pid_t sleeper = 0;
     ASSERT_EQ(::read(ends[0], &sleeper, sizeof sleeper), ssize_t(sizeof sleeper));
+    ASSERT_GT(sleeper, 0); // a signal to -1 would go to everybody
     ::close(ends[0]);
     ::close(ends[1]);
     EXPECT_EQ(stateSeenBy(other), LockState::HeldSameHost);

@@ -1,4 +1,3 @@
-#include <chrono>
 
 #include <gtest/gtest.h>
 
@@ -255,9 +254,9 @@ TEST_F(HostileDst, SparseHandlesDoNotSlowDownOrFillTheMemory)
                       static_cast<unsigned long long>(i + 1) << 20);
         sheets += line;
     }
-    const auto start = std::chrono::steady_clock::now();
+    // Were it quadratic, or a place for each number, the runner's limits on time and memory would
+    // end this.
     EXPECT_EQ(reasonFor(file(sheets), false), Reason::None);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20)); // not quadratic
 }
 
 TEST_F(HostileDst, AMillionSheetsAreRead)

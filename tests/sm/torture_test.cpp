@@ -106,7 +106,9 @@ private:
     }
     void kill(int who)
     {
-        const pid_t child = m_pids[static_cast<std::size_t>(who)];
+        const pid_t child = std::exchange(m_pids[static_cast<std::size_t>(who)], -1);
+        if (child <= 0)
+            return; // could not be started
         ::kill(child, SIGKILL);
         int status = 0;
         ::waitpid(child, &status, 0);

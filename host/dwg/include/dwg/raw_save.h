@@ -17,8 +17,7 @@ struct RawChanges {
     /// Objects that go. References to them are the caller's to remove.
     std::set<std::uint64_t> erased;
     /// New contents of sections by name; not of the header variables, the objects or their map,
-    /// which the other members change. A preview counts its places from its own begin
-    /// (makePreview).
+    /// which the other members change. A preview counts its places from its own begin.
     std::map<std::string, std::vector<std::uint8_t>> sections;
     /// The header variables with what was set in them; those of the drawing when absent.
     std::optional<HeaderVariables> header;
