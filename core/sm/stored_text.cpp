@@ -1,5 +1,7 @@
 #include "sm/stored_text.h"
 
+#include "xml_scanner.h"
+
 namespace sm {
 
 namespace {
@@ -123,12 +125,29 @@ constexpr std::array<const char*, 256> makeEscapes()
 
 constexpr std::array<const char*, 256> kEscapes = makeEscapes();
 
+/// How many bytes at the start of @p utf8 need no escape, counted by whole words of eight.
+std::size_t endOfPlainWords(std::string_view utf8)
+{
+    std::size_t at = 0;
+    for (; at + 8 <= utf8.size(); at += 8) {
+        const std::uint64_t word = scan::loadWord(utf8.data() + at);
+        const std::uint64_t escaped = scan::zeroBytes(word ^ (scan::kOnes * '&')) |
+                                      scan::zeroBytes(word ^ (scan::kOnes * '<')) |
+                                      scan::zeroBytes(word ^ (scan::kOnes * '>')) |
+                                      scan::zeroBytes(word ^ (scan::kOnes * '"')) |
+                                      ((word - scan::kOnes * 0x20) & ~word & scan::kHighs);
+        if (escaped != 0)
+            break;
+    }
+    return at;
+}
+
 } // namespace
 
 void appendXmlEscaped(std::string& out, std::string_view utf8)
 {
     std::size_t plainFrom = 0;
-    for (std::size_t at = 0; at < utf8.size(); ++at) {
+    for (std::size_t at = endOfPlainWords(utf8); at < utf8.size(); ++at) {
         const char* escape = kEscapes[static_cast<unsigned char>(utf8[at])];
         if (!escape)
             continue;

@@ -1,4 +1,3 @@
-
 #include <gtest/gtest.h>
 
 #include "sheet_set_builder.h"

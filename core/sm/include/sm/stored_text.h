@@ -54,7 +54,8 @@ public:
     /// Turns a slice into a text of its own.
     void own();
     void swap(StoredText& other) noexcept;
-    /// The value as the file carries it, before XML's own escapes: a slice as it is, any other text made in @p room.
+    /// The value as the file carries it, before XML's own escapes: a slice as it is, any other text
+    /// made in @p room.
     std::string_view fileView(std::string& room) const;
     /// Appends the value to @p out, escaped for an XML attribute in double quotes.
     void appendXml(std::string& out) const;
