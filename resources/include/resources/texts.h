@@ -6,13 +6,15 @@
 /// command-line tool. Numbers are forever.
 namespace text {
 
-/// UTF-16 pattern of text @p number in the language in force, or in English; null when there is no such text.
+/// UTF-16 pattern of text @p number in the language in force, or in English; null when there is no
+/// such text.
 const char16_t* find(int number);
 
 /// Takes a language by its tag ("en"); false, and no change, when there are no texts in it.
 bool setLanguage(const char* tag);
 
-/// Every number there is, in ascending order, for the tests that hold the tables against each other.
+/// Every number there is, in ascending order, for the tests that hold the tables against each
+/// other.
 int count();
 int numberAt(int index);
 

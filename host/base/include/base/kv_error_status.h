@@ -23,7 +23,7 @@ enum KvErrorCode : int {
     kvErrInvalidArgument = 2, ///< An index or argument out of range.
     kvErrInvalidLength = 3,   ///< A length below 1.
     kvErrOutOfMemory = 6,
-    kvErrOutOfRange = 24,     ///< Past the end of a container.
+    kvErrOutOfRange = 24, ///< Past the end of a container.
 };
 
 /// Hears of each KvErrorStatus before it is thrown. The host supplies one; tests supply their own.

@@ -1,8 +1,8 @@
 #pragma once
 
-/// Numbers of the reasons that statuses carry. Each is the number of a text in the resources and stands in
-/// messages as "E21003"; numbers are forever: add, never renumber or reuse.
-/// A row: name, number. The text's arguments are told in the comment.
+/// Numbers of the reasons that statuses carry. Each is the number of a text in the resources and
+/// stands in messages as "E21003"; numbers are forever: add, never renumber or reuse. A row: name,
+/// number. The text's arguments are told in the comment.
 // clang-format off
 #define KV_REASONS(X)                                                                             \
     /* host/base: files. %ls 1: the path */                                                       \

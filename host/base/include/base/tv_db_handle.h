@@ -28,7 +28,8 @@ private:
 };
 
 namespace base {
-/// The number that 1 to 16 hexadecimal digits stand for; false, and @p out alone, for anything else.
+/// The number that 1 to 16 hexadecimal digits stand for; false, and @p out alone, for anything
+/// else.
 bool parseHex(std::u16string_view text, std::uint64_t& out);
 /// Upper-case hexadecimal without leading zeros; "0" for 0.
 TvString hexText(std::uint64_t value);

@@ -2,12 +2,15 @@
 
 #include <base/tv_string.h>
 
-/// The run-time class of an object: a name and a parent. One instance for each class, alive as long as
-/// the program; compared by address.
+/// The run-time class of an object: a name and a parent. One instance for each class, alive as long
+/// as the program; compared by address.
 class TvRxClass
 {
 public:
-    constexpr TvRxClass(const TvChar* name, const TvRxClass* parent) : m_name(name), m_parent(parent) {}
+    constexpr TvRxClass(const TvChar* name, const TvRxClass* parent)
+        : m_name(name), m_parent(parent)
+    {
+    }
     TvRxClass(const TvRxClass&) = delete;
     TvRxClass& operator=(const TvRxClass&) = delete;
 
@@ -24,6 +27,6 @@ public:
     }
 
 private:
-    const TvChar* m_name;     // literal
+    const TvChar* m_name;      // literal
     const TvRxClass* m_parent; // not owned; static
 };

@@ -6,8 +6,8 @@
 
 #include <rx/tv_rx_object.h>
 
-/// The system registry's kind of container: objects by name, in the order they were put in. Names are
-/// compared letter for letter.
+/// The system registry's kind of container: objects by name, in the order they were put in. Names
+/// are compared letter for letter.
 class TvRxDictionary : public TvRxObject
 {
     TVRX_DECLARE_MEMBERS(TvRxDictionary)
@@ -16,7 +16,8 @@ class TvRxDictionary : public TvRxObject
     TvRxObject* at(const TvString& key) const;
     bool has(const TvString& key) const { return at(key) != nullptr; }
     /// Puts @p object in under @p key, in the place of one that stood there.
-    /// @param object   not owned: whoever puts it in takes it out before it goes; null puts nothing in.
+    /// @param object   not owned: whoever puts it in takes it out before it goes; null puts nothing
+    /// in.
     /// @return the object that stood there before, or null.
     TvRxObject* atPut(const TvString& key, TvRxObject* object);
     /// Takes the entry out and gives its object, or null.

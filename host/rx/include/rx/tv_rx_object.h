@@ -21,7 +21,10 @@ protected:
 #define TVRX_DECLARE_MEMBERS(Class)                                                                \
 public:                                                                                            \
     static TvRxClass* desc();                                                                      \
-    TvRxClass* isA() const override { return desc(); }
+    TvRxClass* isA() const override                                                                \
+    {                                                                                              \
+        return desc();                                                                             \
+    }
 
 /// Put into one source file: the class's one instance, with its parent.
 #define TVRX_DEFINE_MEMBERS(Class, Parent)                                                         \
