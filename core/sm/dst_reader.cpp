@@ -93,7 +93,10 @@ private:
     template <class T>
     bool readListed(TvSmReferenceCollection& list);
     void readContainer(TvSmPersist& container, ChildReader readChild);
-    std::uint64_t readUse();
+    std::uint64_t readUse(TvSmPersist& owner);
+    void keepUnknownOnUse(TvSmPersist& owner, std::uint64_t handle);
+    void readUseContent(TvSmPersist& owner, std::uint64_t handle);
+    void checkTwice();
     void linkUses();
 
     XmlScanner m_scanner;
@@ -259,6 +262,12 @@ void Reader::readRootAttributes()
                     {std::string(attribute.name), std::string(m_scanner.valueOf(attribute))});
     if (m_scanner.problem() != XmlScanner::Problem::None)
         failScan();
+    checkTwice();
+}
+
+/// Refuses an element that has an attribute twice.
+void Reader::checkTwice()
+{
     if (const XmlScanner::Attribute* twice = m_scanner.duplicate())
         fail(Reason::DstDuplicateAttribute, {elementName(), TvString(twice->name)});
 }
@@ -409,8 +418,7 @@ void Reader::readScanned(TvSmPersist& object, std::span<const Attribute> rows)
         failScan();
     // In the table's order nothing can stand twice.
     if (!inOrder)
-        if (const XmlScanner::Attribute* twice = m_scanner.duplicate())
-            fail(Reason::DstDuplicateAttribute, {elementName(), TvString(twice->name)});
+        checkTwice();
 }
 
 void Reader::setAttribute(TvSmPersist& object, const Attribute& row, std::string_view text)
@@ -651,6 +659,17 @@ bool Reader::readCategoryChild(TvSmPersist& owner)
     return true;
 }
 
+/// Each component is in a selection once, where it is named first.
+void dropRepeated(std::vector<std::uint64_t>& members)
+{
+    std::vector<std::uint64_t> sorted = members;
+    std::sort(sorted.begin(), sorted.end());
+    if (std::adjacent_find(sorted.begin(), sorted.end()) == sorted.end())
+        return;
+    std::unordered_set<std::uint64_t> seen;
+    std::erase_if(members, [&](std::uint64_t handle) { return !seen.insert(handle).second; });
+}
+
 bool Reader::readSelectionsChild(TvSmPersist& owner)
 {
     if (!is(dst::kSelection))
@@ -658,6 +677,7 @@ bool Reader::readSelectionsChild(TvSmPersist& owner)
     if (auto* selection = object<TvSmSheetSelection>(&owner)) {
         Internals::entries(static_cast<TvSmSheetSelections&>(owner)).push_back(selection);
         readChildren(*selection, &Reader::readSelectionChild);
+        dropRepeated(Internals::entries(*selection));
         m_childHandle = Internals::handle(*selection);
     }
     return true;
@@ -667,7 +687,7 @@ bool Reader::readSelectionChild(TvSmPersist& owner)
 {
     if (!is(dst::kMember))
         return readComponentChild(owner);
-    if (const std::uint64_t handle = readUse())
+    if (const std::uint64_t handle = readUse(owner))
         Internals::entries(static_cast<TvSmSheetSelection&>(owner)).push_back(handle);
     return true;
 }
@@ -696,7 +716,7 @@ bool Reader::readReferenceListChild(TvSmPersist& owner)
     auto& list = static_cast<TvSmReferenceCollection&>(owner);
     if (is(dst::kUse)) {
         // Its place in the list is held, and filled when the reference is known.
-        m_uses.push_back({&list, readUse()});
+        m_uses.push_back({&list, readUse(list)});
         Internals::entries(list).push_back(nullptr);
         return true;
     }
@@ -743,8 +763,9 @@ void Reader::readReference(T*& slot, TvSmPersist& owner)
     m_childHandle = Internals::handle(*slot);
 }
 
-/// A pointer at another object by its handle: an element without content of its own.
-std::uint64_t Reader::readUse()
+/// A pointer at another object by its handle. It is no object: what is unknown on it and in it
+/// stays with @p owner.
+std::uint64_t Reader::readUse(TvSmPersist& owner)
 {
     if (!m_scanner.scanAttributes())
         failScan();
@@ -752,15 +773,48 @@ std::uint64_t Reader::readUse()
     const std::uint64_t handle = handleNumber(text);
     if (handle == 0)
         fail(Reason::DstBadHandle, {elementName(), TvString(text)});
-    while (!failed() && !m_scanner.isEmptyElement()) {
-        const Token token = m_scanner.next();
-        if (token == Token::End)
-            break;
-        if (token != Token::Text || !m_scanner.isBlankText())
-            failScan();
-    }
+    if (!failed() && m_scanner.attributes().size() > 1)
+        keepUnknownOnUse(owner, handle);
+    if (!failed() && !m_scanner.isEmptyElement())
+        readUseContent(owner, handle);
     m_childHandle = dst::placeOfUse(handle);
     return handle;
+}
+
+void Reader::keepUnknownOnUse(TvSmPersist& owner, std::uint64_t handle)
+{
+    auto& kept = Internals::makeExtras(owner).pointers[handle].attributes;
+    kept.clear(); // of one that says the same: the last stands
+    for (const XmlScanner::Attribute& attribute : m_scanner.attributes())
+        if (attribute.name != dst::kUse && m_scanner.checkName(attribute))
+            kept.push_back(
+                {std::string(attribute.name), std::string(m_scanner.valueOf(attribute))});
+    if (m_scanner.problem() != XmlScanner::Problem::None)
+        failScan();
+    checkTwice();
+}
+
+void Reader::readUseContent(TvSmPersist& owner, std::uint64_t handle)
+{
+    const std::string_view element = m_scanner.name();
+    const auto keep = [&](std::string_view xml) {
+        Internals::makeExtras(owner).pointers[handle].elements.emplace_back(xml);
+    };
+    while (!failed()) {
+        const Token token = m_scanner.next();
+        if (token == Token::Start) {
+            const std::string_view unknown = m_scanner.skipElement(dst::kMaxDepth);
+            unknown.empty() ? failScan() : (keep(unknown), true);
+        } else if (token == Token::End) {
+            if (m_scanner.name() != element)
+                failScan();
+            return;
+        } else if (token == Token::Error || token == Token::EndOfText) {
+            failScan();
+        } else if (token != Token::Text || !m_scanner.isBlankText()) {
+            keep(withoutBlanks(m_scanner.raw()));
+        }
+    }
 }
 
 void Reader::readProperty(TvSmComponent& owner)
@@ -780,8 +834,8 @@ void Reader::readProperty(TvSmComponent& owner)
                         Internals::numberOf(*property));
         Internals::textOf(*property).clear();
     } else if (!type.empty()) { // of a newer program: shown as text, written back with its type
-        Internals::makeExtras(*property).attributes.push_back(
-            {std::string(dst::kPropertyType), std::string(type)});
+        auto& unknown = Internals::makeExtras(*property).attributes;
+        unknown.insert(unknown.begin(), {std::string(dst::kPropertyType), std::string(type)});
     }
     Internals::appendEntryUnchecked(bag, *property);
     readChildren(*property, &Reader::readNoChild);

@@ -103,6 +103,9 @@ private:
     void open(std::string_view element, TvSmPersist& object);
     void attribute(std::string_view name, std::string_view utf8);
     void attributes(TvSmPersist& object);
+    void ownAttributes(TvSmPersist& object);
+    void unknownAttributes(const std::vector<Extras::Attribute>& unknown);
+    void pointer(std::string_view element, TvSmPersist& owner, std::uint64_t handle);
     void ownAttribute(TvSmPersist& object, const Attribute& row);
     void handleAttribute(std::string_view name, std::uint64_t handle);
     void unknownBefore(TvSmPersist& parent, std::uint64_t handle);
@@ -155,8 +158,7 @@ std::string Writer::write()
     appendXmlEscaped(m_out, fileUtf8(m_state.version()));
     m_out += fmt::format("\" {}=\"g{:X}\"", dst::kNextHandle, m_nextHandle);
     if (Internals::extras(m_state.database()))
-        for (const Extras::Attribute& unknown : Internals::extras(m_state.database())->attributes)
-            attribute(unknown.name, unknown.value);
+        unknownAttributes(Internals::extras(m_state.database())->attributes);
     m_out += ">\n";
     m_depth = 1;
     childStarts(m_state.database(), m_state.set());
@@ -242,19 +244,23 @@ void Writer::ownAttribute(TvSmPersist& object, const Attribute& row)
     }
 }
 
-void Writer::attributes(TvSmPersist& object)
+void Writer::ownAttributes(TvSmPersist& object)
 {
     for (const Attribute& row : Internals::attributesOf(object))
         ownAttribute(object, row);
-    // A type that we do not know is only written beside the text that came with it.
-    const auto* value = tvrxCast<TvSmCustomPropertyValue>(&object);
-    const bool hasOwnType =
-        value &&
-        Internals::typeOf(const_cast<TvSmCustomPropertyValue&>(*value)) != TvVariant::kString;
+}
+
+void Writer::unknownAttributes(const std::vector<Extras::Attribute>& unknown)
+{
+    for (const Extras::Attribute& each : unknown)
+        attribute(each.name, each.value);
+}
+
+void Writer::attributes(TvSmPersist& object)
+{
+    ownAttributes(object);
     if (Internals::extras(object))
-        for (const Extras::Attribute& unknown : Internals::extras(object)->attributes)
-            if (!hasOwnType || unknown.name != dst::kPropertyType)
-                attribute(unknown.name, unknown.value);
+        unknownAttributes(Internals::extras(object)->attributes);
 }
 
 template <class Children>
@@ -321,6 +327,34 @@ void Writer::unknownRest(TvSmPersist& parent)
         if (std::any_of(first, last, [&](const auto& line) { return line.second == &element; }))
             rawLine(element.xml);
     }
+}
+
+/// An element that points at another object of the file.
+void Writer::pointer(std::string_view element, TvSmPersist& owner, std::uint64_t handle)
+{
+    unknownBefore(owner, dst::placeOfUse(handle));
+    startLine();
+    m_out += '<';
+    m_out += element;
+    handleAttribute(dst::kUse, handle);
+    static const Extras::Pointer kNone;
+    const Extras::Pointer* unknown = &kNone;
+    if (const auto& extras = Internals::extras(owner)) {
+        const auto at = extras->pointers.find(handle);
+        unknown = at == extras->pointers.end() ? &kNone : &at->second;
+    }
+    unknownAttributes(unknown->attributes);
+    if (unknown->elements.empty()) {
+        m_out += "/>\n";
+        return;
+    }
+    m_out += ">\n";
+    ++m_depth;
+    for (const std::string& line : unknown->elements)
+        rawLine(line);
+    --m_depth;
+    startLine();
+    m_out += fmt::format("</{}>\n", element);
 }
 
 // --- elements
@@ -420,13 +454,18 @@ void Writer::properties(TvSmComponent& component)
 void Writer::property(TvSmCustomPropertyValue& value)
 {
     open(dst::kProperty, value);
-    attributes(value);
+    ownAttributes(value);
     const std::uint16_t type = Internals::typeOf(value);
     for (const dst::ValueType& row : dst::kValueTypes)
         if (row.type == type)
             attribute(dst::kPropertyType, row.name);
     if (type != TvVariant::kString && type != TvVariant::kEmpty)
         attribute(dst::kPropertyValue, fmt::format("{}", Internals::numberOf(value)));
+    // A type that we do not know is only written beside the text that came with it.
+    if (Internals::extras(value))
+        for (const Extras::Attribute& unknown : Internals::extras(value)->attributes)
+            if (type == TvVariant::kString || unknown.name != dst::kPropertyType)
+                attribute(unknown.name, unknown.value);
     finish(dst::kProperty, value, [] {});
 }
 
@@ -447,8 +486,7 @@ void Writer::reference(std::string_view element, TvSmPersist& parent, TvSmFileRe
             attribute(row.name, relative);
     }
     if (Internals::extras(*reference))
-        for (const Extras::Attribute& unknown : Internals::extras(*reference)->attributes)
-            attribute(unknown.name, unknown.value);
+        unknownAttributes(Internals::extras(*reference)->attributes);
     finish(element, *reference, [] {});
 }
 
@@ -471,11 +509,7 @@ void Writer::referenceList(std::string_view element, TvSmReferenceCollection& li
             if (entry->owner() == &list) {
                 reference(elementOf(*entry), list, entry);
             } else if (Internals::isInSet(*entry)) {
-                unknownBefore(list, dst::placeOfUse(Internals::handle(*entry)));
-                startLine();
-                m_out += fmt::format("<{}", dst::kUse);
-                handleAttribute(dst::kUse, Internals::handle(*entry));
-                m_out += "/>\n";
+                pointer(dst::kUse, list, Internals::handle(*entry));
             }
         }
     });
@@ -508,15 +542,9 @@ void Writer::selections(TvSmSheetSelections& selections)
             attributes(*selection);
             finish(dst::kSelection, *selection, [&] {
                 properties(*selection);
-                for (std::uint64_t member : Internals::entries(*selection)) {
-                    if (!m_state.findInSet(member))
-                        continue;
-                    unknownBefore(*selection, dst::placeOfUse(member));
-                    startLine();
-                    m_out += fmt::format("<{}", dst::kMember);
-                    handleAttribute(dst::kUse, member);
-                    m_out += "/>\n";
-                }
+                for (std::uint64_t member : Internals::entries(*selection))
+                    if (m_state.findInSet(member))
+                        pointer(dst::kMember, *selection, member);
             });
         }
     });
