@@ -7,10 +7,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tied_fork.h"
+
 /// Runs @p work in a child and gives what it returns; -1 when it died.
 inline int runInChild(const std::function<int()>& work)
 {
-    const pid_t child = ::fork();
+    const pid_t child = tiedFork();
     if (child == 0)
         ::_exit(work());
     int status = 0;
@@ -41,7 +43,7 @@ public:
         int ends[2] = {-1, -1};
         if (::pipe(ends) != 0)
             return;
-        m_child = ::fork();
+        m_child = tiedFork();
         if (m_child == 0) {
             ::close(ends[0]);
             work();

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "sheet_set_builder.h"
+#include "tied_fork.h"
 
 // Several processes add sheets to one file and are killed at random. Each writes down a commit once
 // it was told that it succeeded: all of those must be in the file, each once.
@@ -98,7 +99,7 @@ private:
     void start(int who)
     {
         const std::string self = "p" + std::to_string(who) + "g" + std::to_string(m_generation++);
-        const pid_t child = ::fork();
+        const pid_t child = tiedFork();
         if (child == 0)
             commitForEver(m_scene.path(), m_scene.folder.path(), self,
                           (m_scene.folder.path() / ("log" + std::to_string(who))).string());

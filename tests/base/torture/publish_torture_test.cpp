@@ -16,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include "temp_folder.h"
+#include "tied_fork.h"
 
 // Several processes commit to one file and are killed at random. Each notes a commit in a log of
 // its own once it was told of success, and flushes the log. In the end each noted commit must be in
@@ -193,7 +194,7 @@ public:
 private:
     pid_t start(int number)
     {
-        const pid_t child = ::fork();
+        const pid_t child = tiedFork();
         if (child == 0)
             ::_exit(Writer(folder, number, m_lives++, m_useLock).run());
         ++m_lives;
