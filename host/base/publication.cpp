@@ -75,7 +75,7 @@ Result<PublishOutcome> Publication::run()
         step = tryOnce();
     }
     if (step == Step::Done)
-        return PublishOutcome{m_stamp, m_hash, {}};
+        return PublishOutcome{m_stamp, m_hash};
     if (step != Step::Failed)
         return conflict();
     withdraw();

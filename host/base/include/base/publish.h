@@ -30,7 +30,6 @@ struct PublishRequest {
 struct PublishOutcome {
     FileStamp stamp; ///< Of the published file. Another one later means another version, as ever.
     ContentHash hash;
-    TvString recoveryFile; ///< Empty; the status of a conflict names the file that keeps ours.
 };
 
 /// Writes a new version of a user file that several people work on: no committed version is ever
