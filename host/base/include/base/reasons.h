@@ -59,7 +59,9 @@
     X(DwgDamageNotSaved, 21313)    /* a save would hide or lose something */                      \
     X(DwgVerifyFailed, 21314)                                                                     \
     X(DwgRecordInvalid, 21315)     /* 1: handle */                                                \
-    X(DwgSectionNotWritten, 21316) /* 1: section */
+    X(DwgSectionNotWritten, 21316) /* 1: section */                                               \
+    /* host/db: the drawing database */                                                            \
+    X(DbErasedInUse, 21351)        /* 1: handle of the erased object, 2: of one that needs it */
 
 // clang-format on
 

@@ -18,6 +18,11 @@ class TvDbObjectContextManager;
 class TvDbDataLinkManager;
 class TvDbImpDatabase;
 
+namespace base {
+class Clock;
+class FileOps;
+} // namespace base
+
 namespace db {
 class DatabaseImpl;
 }

@@ -43,8 +43,8 @@ public:
 /// which notes what it was before, for undo.
 ///
 /// An object whose class or data nobody understands is there too (isRaw): it has its handle, owner
-/// and references, may be erased, and is otherwise never changed: opening it for writing fails with
-/// NotUnderstood.
+/// and references, may be erased, and is otherwise never changed: edit() gives nothing to change,
+/// setters answer NotUnderstood or NotApplicable.
 class TvDbObject : public TvRxObject
 {
     TVRX_DECLARE_MEMBERS(TvDbObject)
@@ -105,7 +105,8 @@ class TvDbObject : public TvRxObject
     const db::Record& record() const { return m_record; }
     db::RecordView fields() const { return m_record.fields(); }
     /// The values, for changing.
-    /// @pre isWriteEnabled(); otherwise an empty editor comes back, whose setters answer false.
+    /// @pre isWriteEnabled(), and not raw; otherwise an empty editor comes back, whose setters
+    /// answer false.
     db::RecordEditor edit();
     /// The object with this handle in the same database; null when there is none.
     TvDbObjectId idOf(std::uint64_t handle) const;

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+
+#include "database_impl.h"
+
+#include <base/clock.h>
+#include <base/file_ops.h>
+
+namespace db {
+
+/// The version that a TvDb::TvDbDwgVersion stands for; 0 stands for the one that the database came
+/// in. nullopt for any other number.
+std::optional<Version> versionOfCode(const TvDbDatabase& database, int code);
+int codeOfVersion(Version version);
+
+base::FileOps& databaseFiles();
+base::Clock& databaseClock();
+FileUse* fileUse();
+
+/// Whether both paths mean one file.
+bool isSameFile(const TvString& a, const TvString& b);
+/// The status of the interface for a failed file operation; @p otherwise where none says more.
+TvStatusCode codeFor(const base::Status& status, TvStatusCode otherwise);
+
+/// Whether another database of this process holds the file for writing.
+bool isHeldByAnother(const TvString& path, const DatabaseImpl& asking);
+
+} // namespace db

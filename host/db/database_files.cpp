@@ -1,0 +1,123 @@
+#include <algorithm>
+
+#include <base/atomic_replace.h>
+#include <base/kv_file_system.h>
+
+#include "database_extras.h"
+
+namespace db {
+
+namespace {
+
+constexpr std::uint64_t kLargestFile = std::uint64_t(1) << 31;
+
+base::FileOps* g_files = nullptr;
+base::Clock* g_clock = nullptr;
+FileUse* g_fileUse = nullptr;
+std::vector<const DatabaseImpl*> g_holders; // databases that hold a file for writing
+
+} // namespace
+
+bool isSameFile(const TvString& a, const TvString& b)
+{
+    return a.compareNoCase(b) == 0 || KvFileSystem::isSameFile(a, b);
+}
+
+TvStatusCode codeFor(const base::Status& status, TvStatusCode otherwise)
+{
+    switch (status.failure()) {
+    case base::Failure::None: return TvStatus::Ok;
+    case base::Failure::NotFound: return TvStatus::FileNotFound;
+    case base::Failure::ReadOnly: return TvStatus::FileReadOnly;
+    case base::Failure::Conflict: return TvStatus::FileChanged;
+    case base::Failure::Locked: return TvStatus::FileInUse;
+    case base::Failure::Unsupported: return TvStatus::VersionNotWritable;
+    default: return otherwise;
+    }
+}
+
+void setFileUse(FileUse* use)
+{
+    g_fileUse = use;
+}
+
+FileUse* fileUse()
+{
+    return g_fileUse;
+}
+
+void setDatabaseEnvironment(base::FileOps* ops, base::Clock* clock)
+{
+    g_files = ops;
+    g_clock = clock;
+}
+
+base::FileOps& databaseFiles()
+{
+    return g_files ? *g_files : base::systemFileOps();
+}
+
+base::Clock& databaseClock()
+{
+    return g_clock ? *g_clock : base::systemClock();
+}
+
+bool isHeldByAnother(const TvString& path, const DatabaseImpl& asking)
+{
+    for (const DatabaseImpl* holder : g_holders)
+        if (holder != &asking && holder->holdsFile && isSameFile(holder->originalPath, path))
+            return true;
+    return g_fileUse && g_fileUse->isInUse(path, &asking.owner());
+}
+
+DatabaseImpl::~DatabaseImpl()
+{
+    std::erase(g_holders, this);
+}
+
+// Reading
+
+TvStatusCode DatabaseImpl::readBytes(std::vector<std::uint8_t> bytes)
+{
+    if (m_file || slotCount() > 0)
+        return TvStatus::InvalidInput;
+    const std::span<const std::uint8_t> head(bytes.data(),
+                                             std::min<std::size_t>(bytes.size(), 4096));
+    const Codec* codec = codecFor(head);
+    if (!codec)
+        return fail({base::Failure::Unsupported, base::Reason::DwgNotDrawing},
+                    TvStatus::FileNotReadable);
+    base::Result<std::unique_ptr<DrawingFile>> file = codec->open(std::move(bytes));
+    if (!file)
+        return fail(file.status(), TvStatus::FileNotReadable);
+    if (base::Status status = take(std::move(*file)); !status)
+        return fail(std::move(status), TvStatus::FileNotReadable);
+    return TvStatus::Ok;
+}
+
+TvStatusCode DatabaseImpl::readFile(const TvString& wanted, int mode)
+{
+    if (m_file || slotCount() > 0)
+        return TvStatus::InvalidInput;
+    const bool isExclusive = mode == TvDb::kReadAndWrite || mode == TvDb::kShareNoWrite;
+    if (isExclusive && isHeldByAnother(wanted, *this))
+        return fail({base::Failure::Locked, base::Reason::LockHeld, {wanted}}, TvStatus::FileInUse);
+    base::Result<base::FileContent> content =
+        base::readWhole(databaseFiles(), wanted, kLargestFile);
+    if (!content)
+        return fail(content.status(), codeFor(content.status(), TvStatus::FileNotReadable));
+    const auto* first = reinterpret_cast<const std::uint8_t*>(content->bytes.data());
+    const base::ContentHash hash = base::hashOf(content->bytes);
+    std::vector<std::uint8_t> bytes(first, first + content->bytes.size());
+    content->bytes = {};
+    if (const TvStatusCode status = readBytes(std::move(bytes)))
+        return status;
+    path = originalPath = wanted;
+    fileHash = hash;
+    holdsFile = mode == TvDb::kReadAndWrite;
+    if (holdsFile)
+        g_holders.push_back(this);
+    return TvStatus::Ok;
+}
+
+} // namespace db

@@ -1,0 +1,85 @@
+#include "object_factory.h"
+
+#include <string_view>
+#include <unordered_map>
+
+#include <db/tv_db_dictionary.h>
+#include <db/tv_db_entity.h>
+#include <db/tv_db_layout.h>
+#include <db/tv_db_symbol_table.h>
+#include <db/tv_db_xrecord.h>
+
+namespace db {
+
+namespace {
+
+/// Objects without a class of their own are opened as what they are at least.
+template <class Base>
+class Plain : public Base
+{
+public:
+    Plain() = default;
+};
+
+template <class T>
+ObjectType typeFor()
+{
+    return {T::desc(), [] { return std::unique_ptr<TvDbObject>(new T); }};
+}
+
+template <class T>
+ObjectType plainType()
+{
+    return {T::desc(), [] { return std::unique_ptr<TvDbObject>(new Plain<T>); }};
+}
+
+struct Row {
+    std::string_view className; // in drawings
+    ObjectType (*type)();
+};
+
+constexpr Row kTypes[] = {
+    {"DICTIONARY", typeFor<TvDbDictionary>},
+    {"ACDBDICTIONARYWDFLT", typeFor<TvDbDictionaryWithDefault>},
+    {"DICTIONARYWDFLT", typeFor<TvDbDictionaryWithDefault>},
+    {"XRECORD", typeFor<TvDbXrecord>},
+    {"BLOCK_CONTROL", typeFor<TvDbBlockTable>},
+    {"LAYER_CONTROL", typeFor<TvDbLayerTable>},
+    {"STYLE_CONTROL", typeFor<TvDbTextStyleTable>},
+    {"LTYPE_CONTROL", typeFor<TvDbLinetypeTable>},
+    {"VIEW_CONTROL", typeFor<TvDbViewTable>},
+    {"UCS_CONTROL", typeFor<TvDbUCSTable>},
+    {"VPORT_CONTROL", typeFor<TvDbViewportTable>},
+    {"APPID_CONTROL", typeFor<TvDbRegAppTable>},
+    {"DIMSTYLE_CONTROL", typeFor<TvDbDimStyleTable>},
+    {"BLOCK_HEADER", typeFor<TvDbBlockTableRecord>},
+    {"LAYER", typeFor<TvDbLayerTableRecord>},
+    {"STYLE", typeFor<TvDbTextStyleTableRecord>},
+    {"LTYPE", typeFor<TvDbLinetypeTableRecord>},
+    {"VIEW", typeFor<TvDbViewTableRecord>},
+    {"UCS", typeFor<TvDbUCSTableRecord>},
+    {"VPORT", typeFor<TvDbViewportTableRecord>},
+    {"APPID", typeFor<TvDbRegAppTableRecord>},
+    {"DIMSTYLE", typeFor<TvDbDimStyleTableRecord>},
+    {"PLOTSETTINGS", typeFor<TvDbPlotSettings>},
+    {"LAYOUT", typeFor<TvDbLayout>},
+};
+
+} // namespace
+
+ObjectType objectTypeOf(const ClassDef* classDef, bool isEntity)
+{
+    static const auto types = [] {
+        std::unordered_map<const ClassDef*, ObjectType> made;
+        for (const Row& row : kTypes)
+            if (const ClassDef* known = classNamed(row.className))
+                made.emplace(known, row.type());
+        return made;
+    }();
+    const auto at = types.find(classDef);
+    if (at != types.end())
+        return at->second;
+    return isEntity ? plainType<TvDbEntity>() : plainType<TvDbObject>();
+}
+
+} // namespace db

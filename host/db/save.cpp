@@ -1,0 +1,97 @@
+#include <base/atomic_replace.h>
+#include <base/kv_file_system.h>
+#include <base/path_rules.h>
+
+#include "database_extras.h"
+#include "save_set.h"
+
+#include <db/record_editor.h>
+
+namespace db {
+
+base::Result<std::vector<std::uint8_t>> DatabaseImpl::toBytes(FileFormat format, Version version)
+{
+    const Codec* codec = codecOf(format);
+    if (!codec)
+        return base::Status(base::Failure::Unsupported, base::Reason::DwgVersionNotWritten,
+                            {TvString(format == FileFormat::Dwg ? u"DWG" : u"DXF")});
+    SaveSet set(*this);
+    if (base::Status status = set.gather(m_touched, version); !status)
+        return status;
+    Record header = m_header;
+    RecordEditor edit(header);
+    if (header.handle("HANDSEED") < m_handseed)
+        edit.setHandle("HANDSEED", m_handseed);
+    Contents contents;
+    contents.origin = m_file.get();
+    contents.changed = &set.changed;
+    contents.erased = &set.erased;
+    contents.header = &header;
+    contents.headerChanged = m_isHeaderChanged || !m_file;
+    contents.summary = m_summary ? &*m_summary : nullptr;
+    contents.preview = m_preview ? &*m_preview : nullptr;
+    contents.record = [&set](std::uint64_t handle) { return set.record(handle); };
+    contents.handles = set.handles;
+    if (isModified) {
+        // Days of the drawing's calendar, universal time.
+        const TvDbDate now = TvDbDate::fromUnixMilliseconds(databaseClock().utcNs() / 1'000'000);
+        edit.setDate("TDUPDATE", now.julianDay(), now.millisecondsOfDay());
+        contents.headerChanged = true;
+    }
+    return codec->write(contents, version);
+}
+
+TvStatusCode DatabaseImpl::save(const TvString& target, bool backup, FileFormat format,
+                                Version version)
+{
+    if (isHeldByAnother(target, *this))
+        return fail({base::Failure::Locked, base::Reason::LockHeld, {target}}, TvStatus::FileInUse);
+    const bool isThere = KvFileSystem::pathFileExists(target, 1, 0);
+    if (isThere && KvFileSystem::isReadOnly(target))
+        return fail({base::Failure::ReadOnly, base::Reason::FileReadOnly, {target}},
+                    TvStatus::FileReadOnly);
+    base::Result<std::vector<std::uint8_t>> bytes = toBytes(format, version);
+    if (!bytes)
+        return fail(bytes.status(), codeFor(bytes.status(), TvStatus::FileNotWritable));
+    base::ReplaceRequest request;
+    request.bytes = std::as_bytes(std::span(*bytes));
+    if (fileHash && isThere && isSameFile(target, path))
+        request.expected = fileHash;
+    if (backup && isThere) {
+        const base::PathRules& rules = base::PathRules::native();
+        const TvString copy = rules.join(rules.folderOf(target), rules.stemOf(target) + u".bak");
+        if (!KvFileSystem::copyFile(target, copy, 0))
+            return fail({base::Failure::Io, base::Reason::AccessDenied, {copy}},
+                        TvStatus::FileNotWritable);
+    }
+    const base::Status status = base::replaceFile(databaseFiles(), target, request);
+    if (!status && status.reason() != base::Reason::NotFlushed)
+        return fail(status, codeFor(status, TvStatus::FileNotWritable));
+    m_lastFailure = status; // not flushed: in place, but worth telling
+    path = target;
+    fileHash = base::hashOf(std::as_bytes(std::span(*bytes)));
+    isModified = false;
+    return TvStatus::Ok;
+}
+
+SummaryInfo DatabaseImpl::summary() const
+{
+    if (m_summary)
+        return *m_summary;
+    std::optional<SummaryInfo> kept = m_file ? m_file->summary() : std::nullopt;
+    return kept ? std::move(*kept) : SummaryInfo();
+}
+
+void DatabaseImpl::setSummary(SummaryInfo summary)
+{
+    m_summary = std::move(summary);
+    isModified = true;
+}
+
+void DatabaseImpl::setPreview(Preview preview)
+{
+    m_preview = std::move(preview);
+    isModified = true;
+}
+
+} // namespace db
