@@ -13,6 +13,7 @@ struct Row {
 
 // Ascending by number: looked up by halving.
 constexpr Row kEnglish[] = {
+#include "en/module.inc"
 #include "en/reasons.inc"
 #include "en/tool.inc"
 };

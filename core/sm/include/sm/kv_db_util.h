@@ -41,4 +41,8 @@ public:
                                               std::vector<TvSmSheet*>& out);
     /// Whether the active document's current layout is a sheet of @p db. False for null.
     static bool IsCurrentSheetInSheetSet(const TvSmDatabase* db);
+    /// The path of the sheet set that a drawing names, as it stands there.
+    /// @return false, with @p out alone, when it names none; for null.
+    /// @note The room that knows drawings supplies it.
+    static bool GetShSetFileName(TvDbDatabase* db, TvString& out);
 };

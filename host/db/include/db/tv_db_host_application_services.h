@@ -1,0 +1,21 @@
+#pragma once
+
+class TvDbDatabase;
+
+/// What the database asks of the program that it runs in.
+class TvDbHostApplicationServices
+{
+public:
+    virtual ~TvDbHostApplicationServices();
+    /// The drawing that commands work on: the active document's; null when there is none.
+    virtual TvDbDatabase* workingDatabase() const { return m_working; }
+    virtual void setWorkingDatabase(TvDbDatabase* database) { m_working = database; }
+
+private:
+    TvDbDatabase* m_working = nullptr; // not owned
+};
+
+/// The program's; one without a working drawing until the program supplies its own. Never null.
+TvDbHostApplicationServices* tvdbHostApplicationServices();
+/// Not owned; null brings back the one that was there at first.
+void tvdbSetHostApplicationServices(TvDbHostApplicationServices* services);
