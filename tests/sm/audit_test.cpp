@@ -10,6 +10,8 @@
 #include <sm/tv_sm_sheet_set_mgr.h>
 #include <temp_folder.h>
 
+#include "sheet_set_builder.h"
+
 namespace {
 
 using sm::AuditRule;
@@ -239,9 +241,71 @@ TEST(Audit, SubsetsDeeperThanTheModelMovesAreErrors)
 
     const auto findings = set.findings();
 
-    EXPECT_FALSE(findings.empty());
-    for (const Finding& finding : findings)
-        EXPECT_EQ(finding.rule, AuditRule::SubsetTooDeep);
+    // The set itself is the first level.
+    ASSERT_EQ(shown(findings), (Shown{"K008 g10C7 error", "K008 g10C8 error"}));
+    EXPECT_EQ(findings[0].arguments, (std::vector<TvString>{u"201", u"200"}));
+}
+
+TEST(Audit, ASetWithoutNameIsWell)
+{
+    AuditedSet set("");
+    const std::string text = set.folder.read("a.dst");
+    const std::string name = " name=\"Set\"";
+    set.folder.write("a.dst", std::string(text).replace(text.find(name), name.size(), ""));
+
+    EXPECT_EQ(shown(set.findings()), Shown());
+}
+
+TEST(Audit, TextsOfViewsOverTheirLimitsAreErrors)
+{
+    const std::string view = "<views><view handle=\"g8\" number=\"" + std::string(33, '1') +
+                             "\" title=\"" + std::string(65, 'x') +
+                             "\"/><view handle=\"g9\" number=\"" + std::string(32, '1') +
+                             "\" title=\"" + std::string(64, 'x') + "\"/></views>";
+    AuditedSet set(sheet("g3", "title=\"a\"", layout("g4", "a.dwg", "1F") + view));
+    set.folder.write("a.dwg", "");
+
+    EXPECT_EQ(shown(set.findings()), (Shown{"K004 g8 error", "K003 g8 error"}));
+}
+
+TEST(Audit, AHandleOfADrawingsObjectHasAtMostSixteenDigits)
+{
+    AuditedSet set(sheet("g3", "title=\"a\"", layout("g4", "a.dwg", "0123456789abCDEF")) +
+                   sheet("g5", "title=\"b\"", layout("g6", "a.dwg", "0123456789abCDEF0")));
+    set.folder.write("a.dwg", "");
+
+    EXPECT_EQ(shown(set.findings()), Shown{"K010 g5 error"});
+}
+
+TEST(Audit, AKeptRelativePathThatLeadsToTheSameFileOrNowhereIsWell)
+{
+    const TempFolder other;
+    other.write("a.dwg", "");
+    const std::string stored = (other.path() / "a.dwg").string();
+    AuditedSet set(
+        sheet("g3", "title=\"a\"", layout("g4", stored, "1F", " relative=\"plans/a.dwg\"")) +
+        sheet("g5", "title=\"b\"", layout("g6", stored, "2F", " relative=\"gone/a.dwg\"")));
+    std::filesystem::create_directory_symlink(other.path(), set.folder.path() / "plans");
+
+    EXPECT_EQ(shown(set.findings()), Shown());
+}
+
+TEST(Audit, MembersOfASelectionThatWereTakenOutOrAreNoComponentsAreNoted)
+{
+    SheetSetScene scene;
+    TvSmDatabase* db = scene.create();
+    TvSmSheetSet* set = db->getSheetSet();
+    TvSmSubset* gone = addSubset(set, u"gone");
+    ASSERT_TRUE(set->getSheetSelections()->add(u"s", u"")->add(gone));
+    EXPECT_EQ(shown(sm::auditSheetSet(db)), Shown());
+    ASSERT_TRUE(set->removeSubset(gone));
+    EXPECT_EQ(sm::auditSheetSet(db).at(0).rule, AuditRule::SelectionMemberGone);
+
+    AuditedSet other("<selections><selection handle=\"g5\" name=\"s\"><member use=\"g4\"/>"
+                     "</selection></selections>" +
+                     sheet("g3", "title=\"a\"", layout("g4", "a.dwg", "1F")));
+    other.folder.write("a.dwg", "");
+    EXPECT_EQ(shown(other.findings()), Shown{"K017 g5 note"});
 }
 
 TEST(Audit, HandlesThatAreUsedUpAreAnError)

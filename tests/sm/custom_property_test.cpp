@@ -227,3 +227,19 @@ TEST_F(CustomProperties, EachKindOfComponentHasABagOfItsOwn)
     ASSERT_TRUE(open());
     EXPECT_EQ(Outline::of(open()), before);
 }
+
+TEST_F(CustomProperties, NumbersOfAFileThatFitNoTypeAreTheNearestThatDo)
+{
+    replaceOutside("<?xml version=\"1.0\"?>\n<sheetSetFile version=\"1.0\" nextHandle=\"g20\">"
+                   "<sheetSet handle=\"g1\">"
+                   "<property handle=\"g3\" name=\"high\" type=\"int\" value=\"1e300\"/>"
+                   "<property handle=\"g4\" name=\"low\" type=\"short\" value=\"-1e300\"/>"
+                   "<property handle=\"g5\" name=\"none\" type=\"int\" value=\"nan\"/>"
+                   "</sheetSet></sheetSetFile>");
+    ASSERT_TRUE(db->load(path()));
+    EXPECT_EQ(valueOf(bag->getProperty(u"high")),
+              TvVariant(std::numeric_limits<std::int32_t>::max()));
+    EXPECT_EQ(valueOf(bag->getProperty(u"low")),
+              TvVariant(std::numeric_limits<std::int16_t>::min()));
+    EXPECT_EQ(valueOf(bag->getProperty(u"none")), TvVariant(std::int32_t(0)));
+}

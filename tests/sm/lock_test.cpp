@@ -319,6 +319,33 @@ TEST_F(Lock, ANewNameNeverOverwritesAnotherSet)
     EXPECT_EQ(folder.read("OTHER.dst"), "somebody's work");
 }
 
+TEST_F(Lock, UnderANewNameWhatStandsThereIsNeitherReadNorTakenForOurs)
+{
+    const TvString other = folder.file("OTHER.dst");
+    TvSmDatabase* theirs = manager.createDatabase(other, TvString(), true);
+    ASSERT_TRUE(theirs->getSheetSet()->setName(u"theirs") && theirs->save(0) &&
+                manager.closeDatabase(theirs));
+    const std::string work = folder.read("OTHER.dst");
+    EXPECT_TRUE(db->setFileName(other));
+    ASSERT_TRUE(db->lockDb(db));
+    EXPECT_NE(db->getSheetSet()->getName(), u"theirs");
+    EXPECT_TRUE(sheetAt(0));
+    // Nothing was changed, but nothing of ours is there either: no success.
+    EXPECT_FALSE(db->unlockDb(db, true));
+    EXPECT_EQ(sm::lastStatus(db).failure(), base::Failure::Conflict);
+    EXPECT_EQ(folder.read("OTHER.dst"), work);
+}
+
+TEST_F(Lock, TheNameStaysWhileItIsHeld)
+{
+    ASSERT_TRUE(db->lockDb(db));
+    EXPECT_FALSE(db->setFileName(folder.file("OTHER.dst")));
+    ASSERT_TRUE(sheetAt(0)->setTitle(u"Changed") && db->unlockDb(db, true));
+    EXPECT_EQ(db->getFileName(), path());
+    EXPECT_NE(content().find("Changed"), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "OTHER.dst"));
+}
+
 TEST_F(Lock, TheLostLockIsShownAndACommitStillLosesNothing)
 {
     ASSERT_TRUE(db->lockDb(db));
