@@ -21,7 +21,7 @@ struct resbuf {
         std::int16_t rint;
         std::int32_t rlong;
         std::int64_t mnInt64;
-        std::uint64_t rhandle; ///< of codes 320 to 369, 390 to 399, 480, 481, 1005 and 5, 105
+        std::uint64_t rhandle; ///< of codes 105, 320 to 369, 390 to 399, 480, 481 and 1005
         TvChar* rstring;       ///< zero-terminated; never null for text codes; owned by the item
         struct {
             std::int32_t clen;
@@ -46,6 +46,8 @@ resbuf* tvutNewRb(int code);
 void tvutRelRb(resbuf* chain);
 /// Replaces the text of an item.
 void tvutSetText(resbuf& item, std::u16string_view text);
+/// Replaces the bytes of an item.
+void tvutSetBytes(resbuf& item, std::span<const std::uint8_t> bytes);
 /// A copy of the whole chain.
 resbuf* tvutCopyRb(const resbuf* chain);
 

@@ -13,9 +13,10 @@ class TvDbSymbolTableRecord : public TvDbObject
 {
     TVRX_DECLARE_MEMBERS(TvDbSymbolTableRecord)
 
-    TvString getName() const;
+    virtual TvString getName() const;
     TvStatusCode getName(TvString& out) const;
-    /// InvalidName for an empty one; DuplicateName when another record of the table has it.
+    /// InvalidName for an empty one or one of more than 255 units; DuplicateName when another
+    /// record of the table has it.
     virtual TvStatusCode setName(const TvString& name);
     /// It came with an external reference.
     bool isDependent() const;
@@ -23,6 +24,8 @@ class TvDbSymbolTableRecord : public TvDbObject
 protected:
     explicit TvDbSymbolTableRecord(const char* className) : TvDbObject(className) {}
     TvDbSymbolTableRecord() = default;
+    void subErase(bool erasing) override;
+    void subReload() override;
 };
 
 /// Walks over the records of a symbol table, in its order, over those that are not erased.
@@ -63,8 +66,9 @@ class TvDbSymbolTable : public TvDbObject
         return status == TvStatus::Ok ? tvdbOpenObject(out, id, mode) : status;
     }
     bool has(const TvString& name) const;
-    /// Puts a new record into the table; it is open for writing. @param record  stays the caller's
-    /// when this fails.
+    /// Puts a new record into the table; it is open for writing.
+    /// @param record  of the table's kind, with a name; stays the caller's when this fails.
+    /// @return InvalidName; DuplicateName; NotApplicable for a record of another kind.
     TvStatusCode add(TvDbObjectId& out, TvDbSymbolTableRecord* record);
     TvStatusCode add(TvDbSymbolTableRecord* record);
     /// The caller's.
@@ -72,7 +76,8 @@ class TvDbSymbolTable : public TvDbObject
     /// The records that are not erased, in order.
     std::vector<TvDbObjectId> recordIds() const;
 
-    /// For records: a name was changed.
+    /// For records: a name changes.
+    void noteRename(const TvString& before, const TvString& after, TvDbObjectId record) const;
     void forgetNames() const { m_isIndexed = false; }
 
 protected:
@@ -83,6 +88,8 @@ protected:
     virtual std::vector<const char*> extraFields() const { return {}; }
 
 private:
+    TvStatusCode checkNew(const TvDbSymbolTableRecord& record) const;
+
     mutable std::unordered_map<std::u16string, TvDbObjectId> m_index; // by folded name
     mutable bool m_isIndexed = false;
 };
@@ -123,7 +130,11 @@ class TvDbBlockTable : public TvDbSymbolTable
     TvDbObjectId modelSpaceId() const;
     TvDbObjectId paperSpaceId() const;
     /// Makes @p block the paper space that the drawing shows; the one that was changes places with
-    /// it in the list, and their names with them.
+    /// it in the list, and their names with them. Their entities are changed, too: none of the two
+    /// blocks, nor what is in them, may be open.
+    /// @return InvalidInput for what is no layout's block; NotUnderstood, with nothing changed,
+    /// when
+    ///         one of the blocks holds an entity that cannot be changed.
     TvStatusCode setPaperSpaceId(TvDbObjectId block);
 
 protected:
@@ -150,13 +161,21 @@ private:
 };
 
 /// A block: entities under a name. Model space and the paper spaces are blocks too.
+///
+/// Drawings keep the names of the paper spaces that are not shown, and of blocks that programs
+/// made, without their number ("*Paper_Space", "*D"); it stands in the name of the BLOCK entity
+/// only. Here all names have it.
 class TvDbBlockTableRecord : public TvDbSymbolTableRecord
 {
     TVRX_DECLARE_MEMBERS(TvDbBlockTableRecord)
 
     TvDbBlockTableRecord() : TvDbSymbolTableRecord("BLOCK_HEADER") {}
 
-    /// Also of its BLOCK entity.
+    TvString getName() const override;
+    using TvDbSymbolTableRecord::getName;
+    /// Also of its BLOCK entity. A name that begins with an asterisk is that of no user's block:
+    /// InvalidName, but for a record that is in no database yet; "*U" and the like then get the
+    /// next free number when the record comes into its table.
     TvStatusCode setName(const TvString& name) override;
     /// Its entities, in draw order, without erased ones.
     std::vector<TvDbObjectId> entityIds() const;
