@@ -121,3 +121,17 @@ TvStatusCode DatabaseImpl::readFile(const TvString& wanted, int mode)
 }
 
 } // namespace db
+
+TvStatusCode TvDbDatabase::readDbByDocName(const TvString& path)
+{
+    TvDbDatabase* open = db::fileUse() ? db::fileUse()->documentDatabase(path) : nullptr;
+    if (!open)
+        return readDwgFile(path);
+    base::Result<std::vector<std::uint8_t>> bytes = open->toBytes(db::FileFormat::Dwg);
+    if (!bytes)
+        return m_impl->fail(bytes.status(), TvStatus::FileNotReadable);
+    const TvStatusCode status = readDwgBytes(std::move(*bytes));
+    if (status == TvStatus::Ok)
+        m_impl->path = m_impl->originalPath = path;
+    return status;
+}

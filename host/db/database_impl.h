@@ -103,6 +103,7 @@ public:
 
 private:
     void touch(ObjectSlot& slot);
+    void stampUpdate();
     std::unique_ptr<TvDbObject> makeRaw(bool isEntity) const;
     void tellErased(TvDbObject& object, bool erasing);
     std::vector<ObjectSlot*> ownedTree(ObjectSlot& root, bool erased);

@@ -20,24 +20,19 @@ base::Result<std::vector<std::uint8_t>> DatabaseImpl::toBytes(FileFormat format,
         return status;
     Record header = m_header;
     RecordEditor edit(header);
-    if (header.handle("HANDSEED") < m_handseed)
+    const bool isSeedLow = header.handle("HANDSEED") < m_handseed;
+    if (isSeedLow && !(set.changed.empty() && m_file))
         edit.setHandle("HANDSEED", m_handseed);
     Contents contents;
     contents.origin = m_file.get();
     contents.changed = &set.changed;
     contents.erased = &set.erased;
     contents.header = &header;
-    contents.headerChanged = m_isHeaderChanged || !m_file;
+    contents.headerChanged = m_isHeaderChanged || !m_file || (isSeedLow && !set.changed.empty());
     contents.summary = m_summary ? &*m_summary : nullptr;
     contents.preview = m_preview ? &*m_preview : nullptr;
     contents.record = [&set](std::uint64_t handle) { return set.record(handle); };
     contents.handles = set.handles;
-    if (isModified) {
-        // Days of the drawing's calendar, universal time.
-        const TvDbDate now = TvDbDate::fromUnixMilliseconds(databaseClock().utcNs() / 1'000'000);
-        edit.setDate("TDUPDATE", now.julianDay(), now.millisecondsOfDay());
-        contents.headerChanged = true;
-    }
     return codec->write(contents, version);
 }
 
@@ -50,6 +45,8 @@ TvStatusCode DatabaseImpl::save(const TvString& target, bool backup, FileFormat 
     if (isThere && KvFileSystem::isReadOnly(target))
         return fail({base::Failure::ReadOnly, base::Reason::FileReadOnly, {target}},
                     TvStatus::FileReadOnly);
+    if (isModified)
+        stampUpdate();
     base::Result<std::vector<std::uint8_t>> bytes = toBytes(format, version);
     if (!bytes)
         return fail(bytes.status(), codeFor(bytes.status(), TvStatus::FileNotWritable));
@@ -72,6 +69,14 @@ TvStatusCode DatabaseImpl::save(const TvString& target, bool backup, FileFormat 
     fileHash = base::hashOf(std::as_bytes(std::span(*bytes)));
     isModified = false;
     return TvStatus::Ok;
+}
+
+void DatabaseImpl::stampUpdate()
+{
+    // Universal time; no part of the history.
+    const TvDbDate now = TvDbDate::fromUnixMilliseconds(databaseClock().utcNs() / 1'000'000);
+    RecordEditor(m_header).setDate("TDUPDATE", now.julianDay(), now.millisecondsOfDay());
+    m_isHeaderChanged = true;
 }
 
 SummaryInfo DatabaseImpl::summary() const
