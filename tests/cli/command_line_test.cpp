@@ -1,6 +1,7 @@
 #include <filesystem>
 
 #include <cli/option_tree.h>
+#include <sm/environment.h>
 
 #include "tool_scene.h"
 
@@ -17,6 +18,22 @@ TEST(Nearest, FindsWhatWasMeant)
     EXPECT_EQ(cli::nearest("compeltoin", verbs), "completion");
     EXPECT_EQ(cli::nearest("publish", verbs), "");
     EXPECT_EQ(cli::nearest(std::string(1000, 'x'), verbs), "");
+}
+
+TEST(Nearest, ToleratesOneLetterInAShortWordAndAThirdInALongOne)
+{
+    const std::vector<std::string> verbs = {"move", "completion"};
+    EXPECT_EQ(cli::nearest("mxve", verbs), "move");
+    EXPECT_EQ(cli::nearest("mxxe", verbs), "");
+    EXPECT_EQ(cli::nearest("cxxxletion", verbs), "completion");
+    EXPECT_EQ(cli::nearest("cxxxxetion", verbs), "");
+}
+
+TEST(Nearest, NothingIsMeantByAWordOfManyLetters)
+{
+    const std::vector<std::string> words = {std::string(40, 'x')};
+    EXPECT_EQ(cli::nearest(std::string(40, 'x'), words), words[0]);
+    EXPECT_EQ(cli::nearest(std::string(41, 'x'), words), "");
 }
 
 TEST(CommandLine, WrongUsageIsToldOnTheStandardErrorOnly)
@@ -92,6 +109,35 @@ TEST(CommandLine, WrongUsageGivesADocumentWhereOneWasAskedFor)
     EXPECT_EQ(option.json()["exitCode"], 2);
 
     EXPECT_EQ(runLine({"--json"}).json()["error"]["code"], "E22419");
+    // Behind two dashes it is the name of a file.
+    EXPECT_EQ(runLine({"tre", "--", "--json"}).out, "");
+}
+
+TEST(CommandLine, TwoDashesMayStandBeforeTheVerb)
+{
+    const SampleFolder sample;
+    EXPECT_EQ(runLine({"--", "tree", sample.native()}).out, sample.tree());
+}
+
+TEST(CommandLine, BehindTwoDashesEverythingIsAnArgument)
+{
+    const SampleFolder sample;
+    EXPECT_EQ(runLine({"subset", "add", sample.native(), "--", "--"}).code, ExitCode::Ok);
+    EXPECT_NE(sample.tree().find("─ --\n"), std::string::npos) << sample.tree();
+}
+
+TEST(CommandLine, NumbersHaveAtMostSixDigits)
+{
+    const SampleFolder sample;
+    EXPECT_EQ(runLine({"tree", sample.native(), "--depth", "999999"}).code, ExitCode::Ok);
+    EXPECT_EQ(runLine({"tree", sample.native(), "--depth", "1000000"}).code, ExitCode::Usage);
+}
+
+TEST(CommandLine, AChangeTellsOthersWhichVerbHoldsTheLock)
+{
+    const SampleFolder sample;
+    ASSERT_EQ(runLine({"subset", "add", sample.native(), "x"}).code, ExitCode::Ok);
+    EXPECT_EQ(sm::environment().purpose, "subset add");
 }
 
 TEST(CommandLine, ArgumentsAreTakenAsTheyStand)
@@ -160,6 +206,10 @@ TEST(CommandLine, OutputThatCannotBeWrittenIsAFailure)
     const std::vector<std::string> line = {"tree", sample.native()};
     EXPECT_EQ(cli::runTool(line, ports), 8);
     EXPECT_NE(ports.errors.find("E22417"), std::string::npos);
+
+    // What failed before is what counts.
+    const std::vector<std::string> missing = {"tree", sample.native() + "x"};
+    EXPECT_EQ(cli::runTool(missing, ports), 3);
 }
 
 TEST(CommandLine, InterruptedBeforeItsDataAVerbShowsNone)
@@ -184,6 +234,7 @@ TEST(Version, TellsTheFormatThatIsWritten)
     const auto json = runLine({"--version", "--json"}).json();
     EXPECT_EQ(json["schema"], "kvsheetset.version/1");
     EXPECT_EQ(json["formats"]["dst"], "1.0");
+    EXPECT_FALSE(json["libraries"]["icu"].get<std::string>().empty());
 }
 
 } // namespace

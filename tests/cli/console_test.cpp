@@ -105,10 +105,10 @@ TEST(Console, ColoursAreUsedWhereTheyMayBe)
     ports.colorful = true;
     Console console(ports, "tree", {});
 
-    console.line({{u"a", Tone::Strong}, {u"b"}});
+    console.line({{u"a", Tone::Strong}, {u"b"}, {u"c", Tone::Faint}, {u"d", Tone::Alert}});
     ports.flush();
 
-    EXPECT_EQ(ports.output, "\x1b[1ma\x1b[0mb\n");
+    EXPECT_EQ(ports.output, "\x1b[1ma\x1b[0mb\x1b[2mc\x1b[0m\x1b[33md\x1b[0m\n");
 }
 
 TEST(Attempt, ARefusalBecomesItsOutcome)
@@ -131,6 +131,33 @@ TEST(MessageOf, AStatusTellsWhatAndWhichFileAndWhatToDo)
     EXPECT_EQ(message.code(), TvString(u"E21016"));
     EXPECT_EQ(message.text, TvString(u"/p/a.dst is locked by ann on box."));
     EXPECT_FALSE(message.advice.isEmpty());
+}
+
+TEST(MessageOf, EveryFailureOfFilesComesWithAdvice)
+{
+    using base::Failure;
+    for (const Failure failure :
+         {Failure::NotFound, Failure::Denied, Failure::ReadOnly, Failure::DiskFull, Failure::Exists,
+          Failure::Locked, Failure::Conflict, Failure::Damaged, Failure::Unsupported,
+          Failure::Unreachable, Failure::TooLarge}) {
+        const base::Status status(failure, base::Reason::LockHeld, {u"/p/a.dst", u"x"});
+        EXPECT_FALSE(cli::messageOf(status).advice.isEmpty()) << static_cast<int>(failure);
+    }
+}
+
+TEST(Console, ADocumentCarriesTheAdviceOfAnError)
+{
+    TestPorts ports;
+    Console console(ports, "tree", kJson);
+    const base::Status status(base::Failure::Locked, base::Reason::LockHeld, {u"/p/a.dst", u"x"});
+    console.fail({ExitCode::Locked, cli::messageOf(status)});
+
+    console.finish(ExitCode::Locked);
+    ports.flush();
+
+    const auto error = nlohmann::ordered_json::parse(ports.output)["error"];
+    EXPECT_EQ(error["code"], "E21016");
+    EXPECT_EQ(error["advice"], cli::messageOf(status).advice.utf8());
 }
 
 } // namespace

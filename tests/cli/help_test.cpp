@@ -77,10 +77,25 @@ TEST(Help, ShortAndLongHelpComeBeforeAnyOtherCheck)
     EXPECT_EQ(brief.err, "");
     EXPECT_EQ(brief.out.find("Examples:"), std::string::npos);
     EXPECT_NE(brief.out.find("--to"), std::string::npos);
+    EXPECT_EQ(brief.out.find("--lock-wait"), std::string::npos); // what every verb has
 
     const Said full = runLine({"move", "--help"});
     EXPECT_LT(full.out.find("Examples:"), full.out.find("Usage:"));
     EXPECT_EQ(full.out, runLine({"help", "move"}).out);
+}
+
+TEST(Help, OptionsStandInColumnsThatNoLongNameBreaks)
+{
+    for (const cli::Verb& verb : cli::verbs())
+        for (const cli::OptionInfo& option : cli::optionsOf(&verb)) {
+            const std::string help = cli::verbHelp(verb, false);
+            const std::string first = option.help.substr(0, option.help.find(' '));
+            const std::size_t at =
+                help.find("  " + option.names + (option.names.empty() ? option.value : ""));
+            ASSERT_NE(at, std::string::npos) << verb.name << option.names;
+            const std::size_t word = help.find(first, help.find(option.value, at));
+            EXPECT_EQ(word - help.rfind('\n', word) - 1, 24u) << verb.name << " " << option.names;
+        }
 }
 
 TEST(Help, AFirstWordGivesAllItsVerbs)
@@ -90,6 +105,7 @@ TEST(Help, AFirstWordGivesAllItsVerbs)
     for (const char* verb : {"prop set", "prop remove", "prop list"})
         EXPECT_NE(said.out.find(std::string("Usage: kvsheetset ") + verb), std::string::npos);
     EXPECT_EQ(runLine({"prop", "-h"}).out, said.out);
+    EXPECT_EQ(runLine({"prop", "--help"}).out, said.out);
 }
 
 TEST(Help, TheDocumentListsVerbsAndOptions)
@@ -210,6 +226,24 @@ TEST(Completion, OffersVerbsOptionsAndFiles)
     EXPECT_EQ(completed("kvsheetset -C . tree ho", 4, here), "house.dst ");
     EXPECT_EQ(completed("kvsheetset prop set house.dst g1 --for s", 6, here), "set sheets ");
     EXPECT_EQ(completed("kvsheetset move house.dst g4 --to ''", 5, here), " ");
+}
+
+TEST(Completion, OffersFoldersVerbsAndShellsWhereTheyStand)
+{
+    if (!std::filesystem::exists("/bin/bash"))
+        GTEST_SKIP() << "bash is not installed";
+    const TempFolder folder;
+    folder.write("house.dst", "");
+    std::filesystem::create_directory(folder.path() / "homes");
+    const std::string here = folder.path().string();
+
+    EXPECT_EQ(completed("kvsheetset -C ho", 2, here), "homes ");
+    EXPECT_EQ(completed("kvsheetset tree ho", 2, here), "house.dst homes ");
+    EXPECT_EQ(completed("kvsheetset help tr", 2, here), "tree ");
+    EXPECT_EQ(completed("kvsheetset completion ''", 2, here), "bash ");
+    // Behind the file there is nothing to guess.
+    EXPECT_EQ(completed("kvsheetset remove house.dst ho", 3, here), " ");
+    EXPECT_EQ(completed("kvsheetset subset add house.dst ho", 4, here), " ");
 }
 
 TEST(Completion, KnowsEveryOptionOfTheTree)

@@ -237,6 +237,59 @@ TEST(Tool, AnOutputThatIsFullIsAFailure)
     EXPECT_NE(ran.err.find("E22417"), std::string::npos);
 }
 
+/// What the tool shows on a terminal.
+class Terminal
+{
+public:
+    Terminal() : m_master(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC))
+    {
+        if (m_master >= 0 && ::grantpt(m_master) == 0 && ::unlockpt(m_master) == 0)
+            if (const char* name = ::ptsname(m_master))
+                m_name = name;
+    }
+    ~Terminal() { ::close(m_master); }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    bool isThere() const { return !m_name.empty(); }
+    /// @param setting  of the environment, as in "TERM=xterm".
+    std::string shown(const std::string& setting, const SampleFolder& sample) const
+    {
+        // Held open, so that what was written is there to be read when the tool has ended.
+        const int held = ::open(m_name.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        const Ran ran = runProgram({"/bin/sh", "-c",
+                                    "env -u NO_COLOR " + setting + " \"$0\" tree \"$1\" >\"$2\"",
+                                    KV_TOOL, sample.native(), m_name});
+        EXPECT_EQ(ran.code, 0) << ran.err;
+        char buffer[4096];
+        const ssize_t count = ::read(m_master, buffer, sizeof buffer);
+        ::close(held);
+        return {buffer, count > 0 ? static_cast<std::size_t>(count) : 0};
+    }
+
+private:
+    const int m_master;
+    std::string m_name;
+};
+
+TEST(Tool, ColoursOnATerminalUnlessRefused)
+{
+    const SampleFolder sample;
+    const auto isColorful = [&](const std::string& setting) {
+        const Terminal terminal;
+        const std::string text = terminal.shown(setting, sample);
+        EXPECT_NE(text.find("Riverside house"), std::string::npos) << setting << text;
+        return text.find('\x1b') != std::string::npos;
+    };
+    if (!Terminal().isThere())
+        GTEST_SKIP() << "this system has no terminals to give";
+    EXPECT_TRUE(isColorful("TERM=xterm"));
+    EXPECT_TRUE(isColorful("TERM=xterm NO_COLOR="));
+    EXPECT_FALSE(isColorful("TERM=xterm NO_COLOR=1"));
+    EXPECT_FALSE(isColorful("TERM=dumb"));
+    EXPECT_FALSE(isColorful("-u TERM"));
+}
+
 TEST(Tool, NoColoursWhereTheOutputIsNoTerminal)
 {
     const SampleFolder sample;

@@ -10,6 +10,8 @@
 
 #include <base/edit_lock.h>
 
+#include "tied_fork.h"
+
 namespace {
 
 void closeOnce(int& file)
@@ -51,7 +53,7 @@ Process::Process(const std::vector<std::string>& arguments)
     int err[2];
     if (::pipe2(out, O_CLOEXEC) != 0 || ::pipe2(err, O_CLOEXEC) != 0)
         return;
-    m_id = ::fork();
+    m_id = tiedFork();
     if (m_id == 0) {
         ::dup2(out[1], STDOUT_FILENO);
         ::dup2(err[1], STDERR_FILENO);
@@ -122,7 +124,7 @@ LockHolder::LockHolder(const TvString& file)
     int release[2];
     if (::pipe2(ready, O_CLOEXEC) != 0 || ::pipe2(release, O_CLOEXEC) != 0)
         return;
-    m_id = ::fork();
+    m_id = tiedFork();
     if (m_id == 0) {
         ::close(release[1]);
         base::EditLock lock(base::systemFileOps(), base::systemClock(), file);

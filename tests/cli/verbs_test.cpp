@@ -111,7 +111,10 @@ TEST(New, TellsWhatIsMissing)
     const SampleFolder sample;
     cli::NewRequest request;
     request.file = sample.folder().file("none/a.dst");
-    EXPECT_EQ(runVerb(request).code, ExitCode::CannotWrite);
+    for (const bool dryRun : {true, false}) {
+        request.change.dryRun = dryRun;
+        EXPECT_EQ(runVerb(request).code, ExitCode::CannotWrite) << dryRun;
+    }
     request.file = sample.folder().file("a.dst");
     request.templateFile = sample.folder().file("none.dst");
     EXPECT_EQ(runVerb(request).code, ExitCode::NoInput);
@@ -205,6 +208,15 @@ TEST(SubsetAdd, RefusesBeforeAnyLockIsTaken)
     expectRefused(sample, request, ExitCode::Usage,
                   "E22420: \"7\" is no handle. A handle is the letter g and hexadecimal digits, as "
                   "\"kvsheetset tree\" shows it.");
+    for (const bool isBefore : {true, false}) {
+        request.in = {};
+        request.place = isBefore ? cli::Place{u"7", {}} : cli::Place{{}, u"7"};
+        expectRefused(sample, request, ExitCode::Usage,
+                      "E22420: \"7\" is no handle. A handle is the letter g and hexadecimal "
+                      "digits, as \"kvsheetset tree\" shows it.");
+    }
+    request.place = {u"g3", u"g8"};
+    expectRefused(sample, request, ExitCode::Usage, "E22409: Give --before or --after, not both.");
     EXPECT_FALSE(KvFileSystem::pathFileExists(sample.folder().file(".house.dst.lk")));
 }
 
@@ -264,6 +276,39 @@ TEST(Move, RefusesCyclesAndWhatCannotMove)
     request.to = u"g3";
     request.place.after = u"g4";
     expectRefused(sample, request, ExitCode::Usage, "E22425: g4 cannot stand beside itself.");
+}
+
+TEST(Move, RefusesWhatAreNoHandlesBeforeAnyLockIsTaken)
+{
+    const SampleFolder sample;
+    for (const auto& [handle, to, before] :
+         std::initializer_list<std::tuple<const char16_t*, const char16_t*, const char16_t*>>{
+             {u"7", u"g3", u""}, {u"g4", u"7", u""}, {u"g4", u"g3", u"7"}}) {
+        auto request = requestFor<cli::MoveRequest>(sample, handle);
+        request.to = to;
+        request.place.before = before;
+        expectRefused(sample, request, ExitCode::Usage,
+                      "E22420: \"7\" is no handle. A handle is the letter g and hexadecimal "
+                      "digits, as \"kvsheetset tree\" shows it.");
+    }
+    EXPECT_FALSE(KvFileSystem::pathFileExists(sample.folder().file(".house.dst.lk")));
+}
+
+TEST(Handles, ThatAreNoneAreRefusedByEachVerbBeforeAnyLockIsTaken)
+{
+    const SampleFolder sample;
+    const std::string file = sample.native();
+    for (const std::vector<std::string>& line :
+         std::initializer_list<std::vector<std::string>>{{"set", file, "7", "name=x"},
+                                                         {"prop", "set", file, "7", "a=b"},
+                                                         {"prop", "remove", file, "7", "a"},
+                                                         {"prop", "list", file, "7"},
+                                                         {"remove", file, "7"}}) {
+        const Said said = runLine(line);
+        EXPECT_EQ(said.code, ExitCode::Usage) << line[0];
+        EXPECT_NE(said.err.find("E22420"), std::string::npos) << line[0] << said.err;
+    }
+    EXPECT_FALSE(KvFileSystem::pathFileExists(sample.folder().file(".house.dst.lk")));
 }
 
 TEST(Move, RefusesATreeThatIsTooDeep)
@@ -378,6 +423,9 @@ TEST(Set, RefusesWhatMakesNoSense)
         {u"g4",
          {TvString(u"title=") + longText(65)},
          "E22430: The title is too long: 65 characters, and at most 64 are allowed."},
+        {u"g4",
+         {TvString(u"name=") + longText(65)},
+         "E22430: The name is too long: 65 characters, and at most 64 are allowed."},
         {u"g4",
          {TvString(u"number=") + longText(33)},
          "E22430: The number is too long: 33 characters, and at most 32 are allowed."},
@@ -523,6 +571,15 @@ TEST(Check, MissingDrawingsAreErrorsWhereAskedFor)
     EXPECT_TRUE(found);
 }
 
+TEST(Lock, OfAFileThatIsNotThereIsNone)
+{
+    const SampleFolder sample;
+    cli::LockRequest request;
+    request.file = sample.folder().file("none.dst");
+    EXPECT_EQ(runVerb(request).code, ExitCode::NoInput);
+    EXPECT_EQ(runVerb(request).out, "");
+}
+
 TEST(Lock, TellsWhoHoldsIt)
 {
     const SampleFolder sample;
@@ -599,8 +656,25 @@ TEST(LockWait, GoesOnAsSoonAsTheLockIsFree)
     const Said said = runVerb(request);
 
     EXPECT_EQ(said.code, ExitCode::Ok) << said.err;
-    EXPECT_EQ(said.err.rfind("Waiting: ", 0), 0u) << said.err;
+    EXPECT_EQ(said.err.rfind("Waiting: "), 0u) << said.err; // said once
     EXPECT_EQ(clock.slept.size(), 3u);
+}
+
+TEST(LockWait, SecondsAreSeconds)
+{
+    const SampleFolder sample;
+    WatchedClock clock;
+    const WithClock scope(clock);
+    base::EditLock lock(base::systemFileOps(), base::systemClock(), sample.file());
+    ASSERT_TRUE(lock.take(u"a test"));
+
+    EXPECT_EQ(runLine({"set", sample.native(), "g1", "name=x", "--lock-wait", "2"}).code,
+              ExitCode::Locked);
+    EXPECT_EQ(clock.slept, std::vector<long>(20, 100));
+    clock.slept.clear();
+    EXPECT_EQ(runLine({"remove", sample.native(), "g4", "--lock-wait", "1s"}).code,
+              ExitCode::Locked);
+    EXPECT_EQ(clock.slept, std::vector<long>(10, 100));
 }
 
 TEST(LockWait, WithoutItALockIsToldAtOnce)
@@ -634,6 +708,8 @@ TEST(DryRun, OfALockedSetWarnsAndGoesOn)
 TEST(NewerVersion, IsReadWithAWarningAndNeverChanged)
 {
     const SampleFolder sample;
+    WatchedClock clock;
+    const WithClock scope(clock);
     std::string bytes = sample.bytes();
     bytes.replace(bytes.find("version=\"1.0\" nextHandle"), 13, "version=\"9.0\"");
     sample.folder().write("house.dst", bytes);
@@ -644,8 +720,10 @@ TEST(NewerVersion, IsReadWithAWarningAndNeverChanged)
     for (const bool dryRun : {false, true}) {
         auto request = requestFor<cli::RemoveRequest>(sample, u"g4");
         request.change.dryRun = dryRun;
+        request.change.lockWait = std::chrono::seconds(60); // for what no waiting helps
         EXPECT_EQ(runVerb(request).code, ExitCode::Damaged);
     }
+    EXPECT_TRUE(clock.slept.empty());
     EXPECT_EQ(sample.bytes(), bytes);
 }
 

@@ -1,5 +1,6 @@
 #include <set>
 
+#include <cli/lock_words.h>
 #include <cli/words.h>
 #include <resources/texts.h>
 #include <sm/audit.h>
@@ -45,6 +46,33 @@ TEST(Words, EachTextOfTheToolIsUsed)
         const bool isTools = number >= 22000 && number < 23000 && !isFinding;
         EXPECT_TRUE(!isTools || used.count(number)) << number;
     }
+}
+
+TEST(LockWords, EachStateHasItsNameAndItsSentence)
+{
+    using base::LockState;
+    const std::pair<LockState, const char*> names[] = {{LockState::Free, "free"},
+                                                       {LockState::HeldByMe, "heldByMe"},
+                                                       {LockState::HeldSameHost, "heldSameHost"},
+                                                       {LockState::HeldOtherHost, "heldOtherHost"},
+                                                       {LockState::Abandoned, "abandoned"},
+                                                       {LockState::Lost, "lost"},
+                                                       {LockState::Denied, "denied"},
+                                                       {LockState::Unsupported, "unsupported"},
+                                                       {LockState::Unreachable, "unreachable"}};
+    std::set<TvString> sentences;
+    for (const auto& [state, name] : names) {
+        EXPECT_EQ(cli::lockStateName(state), name);
+        sentences.insert(cli::lockStateWords(state));
+    }
+    EXPECT_EQ(sentences.size(), std::size(names));
+}
+
+TEST(LockWords, ATimeThatNobodyKnowsIsLeftOut)
+{
+    EXPECT_EQ(cli::utcText(0), TvString());
+    EXPECT_EQ(cli::utcText(-1'000'000'000), TvString());
+    EXPECT_EQ(cli::utcText(951'782'400'000'000'000), TvString(u"2000-02-29T00:00:00Z"));
 }
 
 TEST(Words, EachFindingHasAText)
