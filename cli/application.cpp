@@ -19,36 +19,23 @@ struct Chosen {
     std::vector<std::string> arguments;
 };
 
-[[noreturn]] void refuseVerb(const std::string& typed, const std::vector<std::string>& candidates)
-{
-    const std::string near = nearest(typed, candidates);
-    if (near.empty())
-        refuseUsage(Word::UnknownVerb, TvString(typed.c_str()));
-    refuseUsage(Word::UnknownVerbNear, TvString(typed.c_str()), TvString(near.c_str()));
-}
-
 Chosen chooseVerb(const std::vector<std::string>& rest)
 {
     Chosen chosen;
     chosen.verb = findVerb(rest);
     if (chosen.verb) {
-        const std::string name = chosen.verb->name;
-        const auto words = 1 + std::count(name.begin(), name.end(), ' ');
+        const auto words = static_cast<std::ptrdiff_t>(wordsOf(*chosen.verb).size());
         chosen.arguments.assign(rest.begin() + words, rest.end());
         return chosen;
     }
-    const bool isGroup = isVerbGroup(rest[0]);
-    std::vector<std::string> candidates;
-    for (const Verb& verb : verbs()) {
-        const std::string name = verb.name;
-        if (isGroup && name.starts_with(rest[0] + " "))
-            candidates.push_back(name);
-        else if (!isGroup)
-            candidates.push_back(name.substr(0, name.find(' ')));
-    }
-    if (isGroup && rest.size() == 1)
-        refuseUsage(Word::VerbIncomplete, TvString(rest[0].c_str()));
-    refuseVerb(isGroup ? rest[0] + " " + rest[1] : rest[0], candidates);
+    refuseUnknownVerb(rest);
+}
+
+/// Whether a group of verbs is asked for its help.
+bool asksForGroup(const std::vector<std::string>& rest)
+{
+    const std::size_t words = groupWords(rest);
+    return words > 0 && words < rest.size() && (rest[words] == "-h" || rest[words] == "--help");
 }
 
 void enterFolder(const std::string& folder)
@@ -116,8 +103,10 @@ int runRequest(std::span<const std::string> arguments, std::string& verb, Ports&
         ports.err(toolHelp(true));
         return static_cast<int>(ExitCode::Usage);
     }
-    if (isVerbGroup(rest[0]) && rest.size() > 1 && (rest[1] == "-h" || rest[1] == "--help"))
-        return runHelp({{rest[0]}, false, true}, invocation, ports);
+    if (asksForGroup(rest)) {
+        rest.resize(groupWords(rest));
+        return runHelp({rest, false, true}, invocation, ports);
+    }
     const Chosen chosen = chooseVerb(rest);
     verb = chosen.verb->name;
     return runVerb(chosen, invocation, ports);

@@ -10,44 +10,22 @@ namespace cli {
 
 namespace {
 
-std::string joined(const std::vector<std::string>& list, const char* separator = " ")
-{
-    std::string out;
-    for (const std::string& item : list)
-        out += (out.empty() ? "" : separator) + item;
-    return out;
-}
-
-std::string firstWords()
-{
-    std::vector<std::string> list;
-    for (const Verb& verb : verbs()) {
-        const std::string name = verb.name;
-        const std::string first = name.substr(0, name.find(' '));
-        if (list.empty() || list.back() != first)
-            list.push_back(first);
-    }
-    return joined(list);
-}
-
-/// Lines of a case: a verb group and its second words.
+/// Lines of a case: the words with which the verbs go on behind each group.
 std::string groupCases()
 {
     std::string out;
-    std::string group;
+    std::vector<std::string> told;
     for (const Verb& verb : verbs()) {
-        const std::string name = verb.name;
-        const std::size_t blank = name.find(' ');
-        const std::string first = name.substr(0, blank);
-        if (blank == std::string::npos)
-            continue;
-        out += first == group ? " "
-                              : (group.empty() ? "" : "'\n            ;;\n        ") + first +
-                                    ")\n            seconds='";
-        out += name.substr(blank + 1);
-        group = first;
+        const std::vector<std::string> name = wordsOf(verb);
+        for (std::size_t count = 1; count < name.size(); ++count) {
+            const std::span<const std::string> group(name.data(), count);
+            if (std::find(told.begin(), told.end(), joined(group)) != told.end())
+                continue;
+            told.push_back(joined(group));
+            out += "        '" + told.back() + "') more='" + joined(nextWords(group)) + "' ;;\n";
+        }
     }
-    return "        " + out + "'\n            ;;\n";
+    return out;
 }
 
 std::string spellingsOf(const Verb* verb)
@@ -91,13 +69,18 @@ struct ValueRow {
     const char* reply;
 };
 constexpr ValueRow kValues[] = {
-    {"FILE", "_kvsheetset_files \"$word\""},
+    {"FILE", "_kvsheetset_files '' \"$word\""},
     {"DIR", "mapfile -t COMPREPLY < <(compgen -d -- \"$word\")"},
     {"set|sheets", "mapfile -t COMPREPLY < <(compgen -W 'set sheets' -- \"$word\")"},
+    {"VERSION",
+     "mapfile -t COMPREPLY < <(compgen -W 'AC1015 AC1018 AC1021 AC1024 AC1027 AC1032 dxf'"
+     " -- \"$word\")"},
 };
 
 std::string valueCase(const std::string& pattern, const std::string& reply)
 {
+    if (pattern.empty())
+        return {};
     return "        " + pattern + ")\n            " + reply +
            "\n            return\n            ;;\n";
 }
@@ -144,58 +127,66 @@ constexpr char kFiles[] =
     R"(# Completion of kvsheetset for bash, made by "kvsheetset completion bash".
 _kvsheetset_files() {
     compopt -o filenames 2>/dev/null
-    mapfile -t COMPREPLY < <(compgen -f -X '!*.[dD][sS][tT]' -- "$1"
-        compgen -d -- "$1")
+    local pattern='!*.[dD][sS][tT]'
+    [[ $1 == drawing* ]] && pattern='!*.[dD][wWxX][gGfF]'
+    mapfile -t COMPREPLY < <(compgen -f -X "$pattern" -- "$2"
+        compgen -d -- "$2")
+}
+
+# The verb that some words begin, how many of them it takes, and the words with which it may go on.
+_kvsheetset_verb() {
+    verb= used=0 more='@VERBS@'
+    while [[ -n $more ]] && (($# > 0)); do
+        verb+=${verb:+ }$1
+        used=$((used + 1))
+        shift
+        case $verb in
+@GROUPS@        *) more= ;;
+        esac
+    done
 }
 
 )";
 
 constexpr char kBegin[] = R"(_kvsheetset() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]}
-    local options seconds= verb arguments
+    local options verb used more
     case $before in
 )";
 
-/// The verb, of one word or of two, and how many arguments stand behind it.
-std::string chooseVerb()
-{
-    return R"(    verb=${plain[0]:-}
-    arguments=$((${#plain[@]} - 1))
-    case $verb in
-)" + groupCases() +
-           R"(    esac
-    if [[ -n $seconds ]]; then
-        verb+=" ${plain[1]:-}"
-        arguments=$((arguments - 1))
+constexpr char kOffer[] = R"(    if [[ $verb == help ]]; then
+        _kvsheetset_verb "${plain[@]:1}"
     fi
-    case $verb in
-)" + optionCases() +
-           "        *)\n            options='" + spellingsOf(nullptr) +
-           "'\n            ;;\n    esac\n";
-}
-
-constexpr char kOffer[] = R"(    if [[ $word == -* ]]; then
+    if [[ $word == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")
-    elif ((${#plain[@]} == 0)) || [[ $verb == help ]]; then
-        mapfile -t COMPREPLY < <(compgen -W '@VERBS@' -- "$word")
-    elif [[ -n $seconds ]] && ((${#plain[@]} == 1)); then
-        mapfile -t COMPREPLY < <(compgen -W "$seconds" -- "$word")
+    elif [[ -n $more ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$more" -- "$word")
     elif [[ $verb == completion ]]; then
         mapfile -t COMPREPLY < <(compgen -W 'bash' -- "$word")
-    elif ((arguments == 0)); then
-        _kvsheetset_files "$word"
+    elif [[ ${plain[0]} == help ]]; then
+        COMPREPLY=()
+    elif ((${#plain[@]} == used)) || [[ $verb == 'drawing copy' ]]; then
+        _kvsheetset_files "$verb" "$word"
     fi
 }
 
 complete -F _kvsheetset kvsheetset
 )";
 
+std::string verbCase()
+{
+    return "    _kvsheetset_verb \"${plain[@]}\"\n    case $verb in\n" + optionCases() +
+           "        *)\n            options='" + spellingsOf(nullptr) +
+           "'\n            ;;\n    esac\n";
+}
+
 } // namespace
 
 std::string bashCompletion()
 {
-    return kFiles + (kBegin + valueCases()) + "    esac\n" + scan() + chooseVerb() +
-           filledIn(kOffer, "@VERBS@", firstWords());
+    const std::string files = filledIn(kFiles, "@VERBS@", joined(nextWords({})));
+    return filledIn(files, "@GROUPS@", groupCases()) + (kBegin + valueCases()) + "    esac\n" +
+           scan() + verbCase() + kOffer;
 }
 
 } // namespace cli

@@ -56,13 +56,24 @@ std::string table(const std::vector<OptionInfo>& options, bool brief)
     return out;
 }
 
+std::string verbTable(std::span<const Verb* const> verbs)
+{
+    constexpr std::size_t kGap = 2;
+    std::size_t column = 0;
+    for (const Verb* verb : verbs)
+        column = std::max(column, std::string_view(verb->name).size() + kGap);
+    std::string out;
+    for (const Verb* verb : verbs)
+        out += "  " + padded(verb->name, column) + words(verb->summary).utf8() + "\n";
+    return out;
+}
+
 std::string verbTable()
 {
-    constexpr std::size_t kColumn = 15;
-    std::string out;
+    std::vector<const Verb*> all;
     for (const Verb& verb : verbs())
-        out += "  " + padded(verb.name, kColumn) + words(verb.summary).utf8() + "\n";
-    return out;
+        all.push_back(&verb);
+    return verbTable(all);
 }
 
 } // namespace
@@ -92,6 +103,14 @@ std::string toolHelp(bool brief)
     if (!brief)
         out += "\n" + heading(Word::HeadOptions) + table(optionsOf(nullptr), false);
     return out + "\n" + words(Word::ToolMore).utf8() + "\n";
+}
+
+std::string groupHelp(const std::vector<std::string>& group, std::span<const Verb* const> verbs)
+{
+    std::string out = heading(Word::HeadVerbs) + verbTable(verbs) + "\n";
+    for (const Verb* verb : verbs)
+        out += words(Word::HeadUsage).utf8() + " " + usageOf(*verb) + "\n";
+    return out + "\n" + words(Word::GroupMore, TvString(joined(group).c_str())).utf8() + "\n";
 }
 
 std::string verbHelp(const Verb& verb, bool brief)

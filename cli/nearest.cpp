@@ -50,4 +50,22 @@ std::string nearest(const std::string& word, std::span<const std::string> candid
     return best;
 }
 
+void refuseUnknownVerb(std::span<const std::string> typed)
+{
+    const std::span<const std::string> group = typed.first(groupWords(typed));
+    const std::vector<std::string> next = nextWords(group);
+    // What follows a group is a word of it, or nothing that could be meant as one.
+    const bool isCutOff = typed.size() == group.size() || typed[group.size()].starts_with('-');
+    if (!group.empty() && isCutOff)
+        refuseUsage(Word::VerbIncomplete, TvString(joined(group).c_str()),
+                    TvString(joined(next, ", ").c_str()));
+    const std::string before = group.empty() ? "" : joined(group) + " ";
+    const std::string& word = typed[group.size()];
+    const std::string near = nearest(word, next);
+    if (near.empty())
+        refuseUsage(Word::UnknownVerb, TvString((before + word).c_str()));
+    refuseUsage(Word::UnknownVerbNear, TvString((before + word).c_str()),
+                TvString((before + near).c_str()));
+}
+
 } // namespace cli

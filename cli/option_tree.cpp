@@ -1,5 +1,8 @@
 #include "cli/option_tree.h"
 
+#include <iterator>
+#include <sstream>
+
 #include "cli/verbs.h"
 #include "option_list.h"
 
@@ -203,14 +206,6 @@ void buildTop(CLI::App& app, Invocation& into)
 
 // --- reading the tree
 
-std::string joined(const std::vector<std::string>& parts, const char* separator)
-{
-    std::string out;
-    for (const std::string& part : parts)
-        out += (out.empty() ? "" : separator) + part;
-    return out;
-}
-
 OptionInfo infoOf(const CLI::Option& option)
 {
     OptionInfo info;
@@ -316,16 +311,30 @@ Parsed parse(CLI::App& app, std::span<const std::string> arguments, Check&& chec
     return Parsed::Ready;
 }
 
-std::vector<std::string> wordsOf(const Verb& verb)
+/// Whether @p name begins with the first @p count words of @p typed.
+bool beginsWith(const std::vector<std::string>& name, std::span<const std::string> typed,
+                std::size_t count)
 {
-    const std::string name = verb.name;
-    const std::size_t blank = name.find(' ');
-    if (blank == std::string::npos)
-        return {name};
-    return {name.substr(0, blank), name.substr(blank + 1)};
+    return count <= name.size() && count <= typed.size() &&
+           std::equal(name.begin(), name.begin() + static_cast<std::ptrdiff_t>(count),
+                      typed.begin());
 }
 
 } // namespace
+
+std::string joined(std::span<const std::string> parts, const char* separator)
+{
+    std::string out;
+    for (const std::string& part : parts)
+        out += (out.empty() ? "" : separator) + part;
+    return out;
+}
+
+std::vector<std::string> wordsOf(const Verb& verb)
+{
+    std::istringstream name(verb.name);
+    return {std::istream_iterator<std::string>(name), {}};
+}
 
 std::span<const Verb> verbs()
 {
@@ -336,18 +345,33 @@ const Verb* findVerb(std::span<const std::string> typed)
 {
     for (const Verb& verb : kVerbs) {
         const std::vector<std::string> name = wordsOf(verb);
-        if (typed.size() >= name.size() && std::equal(name.begin(), name.end(), typed.begin()))
+        if (beginsWith(name, typed, name.size()))
             return &verb;
     }
     return nullptr;
 }
 
-bool isVerbGroup(const std::string& word)
+std::size_t groupWords(std::span<const std::string> typed)
 {
-    for (const Verb& verb : kVerbs)
-        if (const auto name = wordsOf(verb); name.size() == 2 && name[0] == word)
-            return true;
-    return false;
+    std::size_t most = 0;
+    for (const Verb& verb : kVerbs) {
+        const std::vector<std::string> name = wordsOf(verb);
+        while (most + 1 < name.size() && beginsWith(name, typed, most + 1))
+            ++most;
+    }
+    return most;
+}
+
+std::vector<std::string> nextWords(std::span<const std::string> group)
+{
+    std::vector<std::string> words;
+    for (const Verb& verb : kVerbs) {
+        const std::vector<std::string> name = wordsOf(verb);
+        const bool isIn = name.size() > group.size() && beginsWith(name, group, group.size());
+        if (isIn && (words.empty() || words.back() != name[group.size()]))
+            words.push_back(name[group.size()]);
+    }
+    return words;
 }
 
 std::vector<OptionInfo> optionsOf(const Verb* verb)

@@ -10,25 +10,17 @@ namespace cli {
 
 namespace {
 
-/// The verb of that name, or the verbs that begin with that word.
+/// The verb of that name, or the verbs of that group.
 std::vector<const Verb*> verbsNamed(const std::vector<std::string>& typed)
 {
-    std::string name;
-    for (const std::string& word : typed)
-        name += (name.empty() ? "" : " ") + word;
+    const std::string name = joined(typed);
     std::vector<const Verb*> found;
-    std::vector<std::string> names;
-    for (const Verb& verb : verbs()) {
-        names.push_back(verb.name);
-        if (verb.name == name || names.back().starts_with(name + " "))
+    for (const Verb& verb : verbs())
+        if (verb.name == name || std::string(verb.name).starts_with(name + " "))
             found.push_back(&verb);
-    }
-    if (!found.empty())
-        return found;
-    const std::string near = nearest(name, names);
-    if (near.empty())
-        refuseUsage(Word::UnknownVerb, TvString(name.c_str()));
-    refuseUsage(Word::UnknownVerbNear, TvString(name.c_str()), TvString(near.c_str()));
+    if (found.empty())
+        refuseUnknownVerb(typed);
+    return found;
 }
 
 Json jsonOf(const OptionInfo& option)
@@ -60,9 +52,9 @@ ExitCode help(const HelpRequest& request, Console& console)
             told.push_back(&verb);
     } else {
         told = verbsNamed(request.verb);
-        for (const Verb* verb : told)
-            console.raw((verb == told.front() ? "" : "\n") +
-                        verbHelp(*verb, request.brief || told.size() > 1));
+        console.raw(told.front()->name == joined(request.verb)
+                        ? verbHelp(*told.front(), request.brief)
+                        : groupHelp(request.verb, told));
     }
     Json list = Json::array();
     for (const Verb* verb : told)

@@ -46,7 +46,7 @@ TEST(CommandLine, WrongUsageIsToldOnTheStandardErrorOnly)
         {{"tre", "a.dst"},
          "kvsheetset: E22402: There is no verb \"tre\". Did you mean \"tree\"?\n"},
         {{"publish"}, "kvsheetset: E22401: There is no verb \"publish\". See kvsheetset help.\n"},
-        {{"subset"}, "kvsheetset: E22403: \"subset\" wants a second word. See kvsheetset help.\n"},
+        {{"subset"}, "kvsheetset: E22403: \"subset\" wants one more word: add.\n"},
         {{"prop", "lst", "a.dst"},
          "kvsheetset: E22402: There is no verb \"prop lst\". Did you mean \"prop list\"?\n"},
         {{"--jsn", "tree"},

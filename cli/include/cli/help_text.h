@@ -10,6 +10,8 @@ namespace cli {
 std::string toolHelp(bool brief);
 /// Help about one verb, examples first. @p brief  usage and the verb's own options only.
 std::string verbHelp(const Verb& verb, bool brief);
+/// Help about the verbs of a group: what each is for, and its usage.
+std::string groupHelp(const std::vector<std::string>& group, std::span<const Verb* const> verbs);
 /// "kvsheetset tree [OPTION...] FILE".
 std::string usageOf(const Verb& verb);
 

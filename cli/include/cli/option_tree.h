@@ -44,7 +44,7 @@ class OptionList;
 
 /// One verb: its row in the table of verbs.
 struct Verb {
-    const char* name; ///< One or two words: "tree", "subset add".
+    const char* name; ///< One to three words: "tree", "subset add".
     Word summary;
     Word details;  ///< A paragraph for the long help and the man page.
     Word examples; ///< Command lines, one a line.
@@ -55,8 +55,16 @@ struct Verb {
 std::span<const Verb> verbs();
 /// Null when there is no such verb.
 const Verb* findVerb(std::span<const std::string> words);
-/// Whether some verb of two words begins with @p word.
-bool isVerbGroup(const std::string& word);
+std::vector<std::string> wordsOf(const Verb& verb);
+/// How many of the first words name a group, that is, begin a verb that goes on behind them.
+std::size_t groupWords(std::span<const std::string> words);
+/// The words with which the verbs go on behind those of @p group, in the order of the help; for no
+/// words the first words of all.
+std::vector<std::string> nextWords(std::span<const std::string> group);
+/// Refuses (Usage) words that begin no verb, or break off within one, and tells what was meant.
+[[noreturn]] void refuseUnknownVerb(std::span<const std::string> typed);
+/// "subset add" from its words.
+std::string joined(std::span<const std::string> words, const char* separator = " ");
 
 /// How an option stands in help, man page and completion.
 struct OptionInfo {

@@ -23,6 +23,7 @@
     X(WarningLine, 22013)                               \
     X(VersionLine, 22014)                               \
     X(VersionFormat, 22015)                             \
+    X(GroupMore, 22016)                                 \
     /* man page */                                      \
     X(ManName, 22020)                                   \
     X(ManSynopsis, 22021)                               \
