@@ -3,10 +3,14 @@
 #include <string_view>
 #include <unordered_map>
 
+#include <db/tv_db_block_begin.h>
+#include <db/tv_db_block_reference.h>
 #include <db/tv_db_dictionary.h>
 #include <db/tv_db_entity.h>
 #include <db/tv_db_layout.h>
 #include <db/tv_db_symbol_table.h>
+#include <db/tv_db_text.h>
+#include <db/tv_db_viewport.h>
 #include <db/tv_db_xrecord.h>
 
 namespace db {
@@ -63,6 +67,16 @@ constexpr Row kTypes[] = {
     {"DIMSTYLE", typeFor<TvDbDimStyleTableRecord>},
     {"PLOTSETTINGS", typeFor<TvDbPlotSettings>},
     {"LAYOUT", typeFor<TvDbLayout>},
+    {"BLOCK", typeFor<TvDbBlockBegin>},
+    {"ENDBLK", typeFor<TvDbBlockEnd>},
+    {"SEQEND", typeFor<TvDbSequenceEnd>},
+    {"INSERT", typeFor<TvDbBlockReference>},
+    {"MINSERT", typeFor<TvDbMInsertBlock>},
+    {"TEXT", typeFor<TvDbText>},
+    {"ATTDEF", typeFor<TvDbAttributeDefinition>},
+    {"ATTRIB", typeFor<TvDbAttribute>},
+    {"MTEXT", typeFor<TvDbMText>},
+    {"VIEWPORT", typeFor<TvDbViewport>},
 };
 
 } // namespace

@@ -20,6 +20,9 @@ class TvDbSymbolTableRecord : public TvDbObject
     virtual TvStatusCode setName(const TvString& name);
     /// It came with an external reference.
     bool isDependent() const;
+    /// StillInUse for blocks, layers, styles, linetypes and applications that the drawing or an
+    /// object of it needs; to find that out, all objects are looked at.
+    TvStatusCode erase(bool erasing = true) override;
 
 protected:
     explicit TvDbSymbolTableRecord(const char* className) : TvDbObject(className) {}
@@ -130,11 +133,10 @@ class TvDbBlockTable : public TvDbSymbolTable
     TvDbObjectId modelSpaceId() const;
     TvDbObjectId paperSpaceId() const;
     /// Makes @p block the paper space that the drawing shows; the one that was changes places with
-    /// it in the list, and their names with them. Their entities are changed, too: none of the two
-    /// blocks, nor what is in them, may be open.
+    /// it in the list, and their names with them.
     /// @return InvalidInput for what is no layout's block; NotUnderstood, with nothing changed,
     /// when
-    ///         one of the blocks holds an entity that cannot be changed.
+    ///         one of the two holds an entity that cannot be changed.
     TvStatusCode setPaperSpaceId(TvDbObjectId block);
 
 protected:
@@ -144,7 +146,7 @@ protected:
 class TvDbEntity;
 class TvDbBlockTableRecord;
 
-/// Walks over the entities of a block, in draw order, over those that are not erased.
+/// Walks over the entities of a block, in its order, over those that are not erased.
 class TvDbBlockTableRecordIterator
 {
 public:
@@ -177,8 +179,10 @@ class TvDbBlockTableRecord : public TvDbSymbolTableRecord
     /// InvalidName, but for a record that is in no database yet; "*U" and the like then get the
     /// next free number when the record comes into its table.
     TvStatusCode setName(const TvString& name) override;
-    /// Its entities, in draw order, without erased ones.
+    /// Its entities in the order of the block, without erased ones.
     std::vector<TvDbObjectId> entityIds() const;
+    /// The same in the order in which they are drawn.
+    std::vector<TvDbObjectId> entityIdsInDrawOrder() const;
     /// The caller's.
     TvStatusCode newIterator(TvDbBlockTableRecordIterator*& out) const;
     /// Puts a new entity into the block, at the end; it is open for writing.
@@ -243,6 +247,9 @@ TVDB_SYMBOL_TABLE_RECORD(TvDbRegAppTableRecord, "APPID")
 TVDB_SYMBOL_TABLE_RECORD(TvDbDimStyleTableRecord, "DIMSTYLE")
 
 /// A named view: of model space, or of one layout.
+///
+/// Category and layout have no field in drawings; they stand in an xrecord of the view's extension
+/// dictionary (group codes 300 and 330).
 class TvDbViewTableRecord : public TvDbSymbolTableRecord
 {
     TVRX_DECLARE_MEMBERS(TvDbViewTableRecord)
@@ -250,8 +257,9 @@ class TvDbViewTableRecord : public TvDbSymbolTableRecord
 
     bool isPaperspaceView() const;
     TvStatusCode setIsPaperspaceView(bool paper);
-    /// The layout that it belongs to; null when none is noted.
+    /// The layout that it belongs to; null when none is noted, or it is erased.
     TvDbObjectId getLayout() const;
+    /// @param layout  null: none. @pre the view is in a database, as for setCategoryName().
     TvStatusCode setLayout(TvDbObjectId layout);
     /// The category that the view has in its sheet set; empty: none.
     TvStatusCode getCategoryName(TvString& out) const;
