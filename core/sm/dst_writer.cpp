@@ -58,11 +58,7 @@ private:
         const base::PathRules& rules = base::PathRules::native();
         if (!rules.isAbsolute(full) || rules.isNetwork(full))
             return {};
-        const TvString relative = rules.relativeTo(full, m_folder);
-        if (rules.separator() == u'\\')
-            return fileUtf8(relative.replaced(u"\\", u"/"));
-        // A backslash within a name would be read as a separator.
-        return relative.find(u'\\') != TvString::npos ? std::string() : fileUtf8(relative);
+        return fileUtf8(rules.relativeTo(full, m_folder).replaced(u"\\", u"/"));
     }
     /// No "." or ".." or doubled separator and no backslash: nothing to normalise.
     static bool isPlain(std::string_view utf8)

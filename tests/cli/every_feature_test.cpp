@@ -102,6 +102,9 @@ TEST(Set, ChangesViewsCategoriesAndSelections)
     EXPECT_EQ(view.out, "g19  number  \"1\" -> \"2\"\n"
                         "g19  title  \"North\" -> \"West\"\n"
                         "g19  name  \"v\" -> \"w\"\n");
+    // The name of a view never stands for its title.
+    EXPECT_EQ(runLine({"set", all.file(), "g1B", "name=s", "title="}).out,
+              "g1B  name  \"\" -> \"s\"\ng1B  title  \"South\" -> \"\"\n");
     EXPECT_EQ(runLine({"set", all.file(), "g11", "desc=d"}).code, ExitCode::Ok);
     EXPECT_EQ(runLine({"set", all.file(), "g1E", "name=Later"}).code, ExitCode::Ok);
     EXPECT_NE(all.bytes().find("<view handle=\"g19\" number=\"2\" title=\"West\" name=\"w\""),

@@ -148,6 +148,10 @@ TEST(Tool, AFolderThatMayNotBeWrittenIsTold)
     EXPECT_EQ(sample.generalised(made.err),
               "kvsheetset new: E21002: There is no right to read or write DIR. Ask for the right "
               "to it, or work on a copy.\n");
+    // No right would help where the file is there already.
+    const Ran again = runTool({"new", sample.native()});
+    EXPECT_EQ(again.code, 8);
+    EXPECT_NE(again.err.find("E21005"), std::string::npos) << again.err;
 }
 
 TEST(Tool, WaitsForALockAndGoesOn)

@@ -442,6 +442,8 @@ TEST_F(DstFormat, ACategoryThatListsACalloutTwiceOrItsOwnIsWrittenReadably)
     TvSmDatabase* db = open();
     ASSERT_TRUE(db) << content();
     EXPECT_EQ(itemsOf(db->getSheetSet()->getCalloutBlocks()->getEnumerator()).size(), 1u);
+    auto* category = tvrxCast<TvSmViewCategory>(db->findObject(u"g6"));
+    EXPECT_EQ(itemsOf(category->getCalloutBlocks()->getEnumerator()).size(), 1u);
 }
 
 TEST_F(DstFormat, RelativePathsAreWrittenWithSlashesBesideTheStoredOne)
@@ -465,4 +467,59 @@ TEST_F(DstFormat, RelativePathsAreWrittenWithSlashesBesideTheStoredOne)
     for (std::size_t at = 0; (at = text.find("relative=", at)) != std::string::npos; ++at)
         ++relatives;
     EXPECT_EQ(relatives, 2u);
+}
+
+TEST_F(DstFormat, NoRelativePathIsWrittenWhereItWouldMeanSomethingElse)
+{
+    TvSmDatabase* db = create();
+    for (const char* path :
+         {"\\\\203.0.113.5\\s\\a.dwg", "http://203.0.113.5/a.dwg", "C:\\x\\a.dwg", "a.dwg"})
+        setLayout(addSheet(db->getSheetSet(), u"1", u"One"), path, u"1", u"L");
+    ASSERT_TRUE(db->save(0));
+    EXPECT_EQ(content().find("relative="), std::string::npos) << content();
+}
+
+TEST_F(DstFormat, WhatPointsAtNothingIsLeftOut)
+{
+    TvSmDatabase* db = create();
+    TvSmSheetSet* set = db->getSheetSet();
+    TvSmViewCategory* gone = addCategory(set, u"Gone");
+    TvSmViewCategory* other = addCategory(set, u"Other");
+    addView(addSheet(set, u"1", u"One"), u"v", gone);
+    auto* block = addBlock(gone->getCalloutBlocks(), u"B");
+    ASSERT_TRUE(other->getCalloutBlocks()->add(block));
+    ASSERT_TRUE(db->save(0));
+    EXPECT_NE(content().find("category=\"" + handleOf(gone).utf8() + "\""), std::string::npos);
+    EXPECT_NE(content().find("<use use=\"" + handleOf(block).utf8() + "\""), std::string::npos);
+    ASSERT_TRUE(db->lockDb(db) && set->getViewCategories()->remove(gone) && db->unlockDb(db, true));
+    EXPECT_EQ(content().find(" category="), std::string::npos) << content();
+    EXPECT_EQ(content().find("<use "), std::string::npos) << content();
+}
+
+TEST_F(DstFormat, HandlesBeyondCountingAreKeptAndNotCountedOnFrom)
+{
+    const std::string sheet = "    <sheet handle=\"gFFFFFFFFFFFFFFF\" name=\"A\"/>\n";
+    const std::string counted = file(kOptions + sheet);
+    EXPECT_EQ(savedAgain(counted), counted);
+    std::string far = counted;
+    far.replace(far.find("\"g20\""), 5, "\"gFFFFFFFFFFFFFFF\"");
+    const std::string saved = savedAgain(far);
+    EXPECT_NE(saved.find("nextHandle=\"g3\""), std::string::npos) << saved;
+    EXPECT_NE(saved.find(sheet), std::string::npos) << saved;
+}
+
+TEST_F(DstFormat, OnlyOnePublishOptionsAndNoOtherRootIsTaken)
+{
+    const auto reasonOf = [this](const std::string& text) {
+        replaceOutside(text);
+        TvSmDatabase read;
+        EXPECT_FALSE(read.load(path()));
+        return sm::lastStatus(&read).reason();
+    };
+    EXPECT_EQ(reasonOf(file(kOptions + "    <publishOptions handle=\"g3\"/>\n")),
+              base::Reason::DstRepeatedPart);
+    std::string other = file(kOptions);
+    for (std::size_t at = 0; (at = other.find("sheetSetFile", at)) != std::string::npos;)
+        other.replace(at, 12, "somethingElse");
+    EXPECT_EQ(reasonOf(other), base::Reason::DstNotSheetSet);
 }

@@ -247,4 +247,5 @@ TEST_F(ReferenceTest, TheResolvedPathLivesOnWhenANewOneIsSet)
     const TvString& last = reference->getResolvedPath();
     ASSERT_TRUE(reference->setFileName(u"b.dwg"));
     EXPECT_EQ(last, reference->getResolvedPath());
+    EXPECT_EQ(last, u"");
 }

@@ -97,8 +97,11 @@ TEST_F(Reload, ContentThatMemoryHoldsAlreadyChangesNothing)
 {
     const std::string outline = Outline::of(db, true);
     const TvString name = one->getName();
+    folder.write("a.dwg", "");
+    ASSERT_EQ(layout->resolveFileName(), folder.file("a.dwg"));
     replaceOutside(before); // another file, the same bytes
     EXPECT_TRUE(db->load(path()));
+    EXPECT_EQ(layout->getResolvedPath(), folder.file("a.dwg"));
     EXPECT_EQ(Outline::of(db, true), outline);
     ASSERT_TRUE(db->lockDb(db));
     EXPECT_EQ(Outline::of(db, true), outline);
@@ -377,6 +380,78 @@ TEST_F(Reload, TheOwnFileComesBackAfterAnotherWasRead)
     ASSERT_TRUE(db->load(path()) && db->load(folder.file("OTHER.dst")));
     ASSERT_TRUE(db->load(path()));
     EXPECT_EQ(set->getName(), u"School");
+    // It is as it stands there: nothing is to be written.
+    ops.reset();
+    ASSERT_TRUE(db->lockDb(db) && db->unlockDb(db, true));
+    for (const auto& call : ops.trace())
+        EXPECT_NE(call.kind, base::FaultyFileOps::Kind::Rename) << call.path;
+}
+
+TEST_F(Reload, WhatItsMakerHoldsIsNeverTheFilesEvenOfTheSameKind)
+{
+    const std::unique_ptr<TvSmSheet> held(newFor<TvSmSheet>(set));
+    const TvString handle = handleOf(held.get());
+    ASSERT_TRUE(db->lockDb(db));
+    addSheet(set, u"3", u"Three"); // the next handle is behind that of the held one now
+    ASSERT_TRUE(held->setTitle(u"Held") && db->unlockDb(db, true));
+    editOutside("    <sheet ", "    <sheet handle=\"" + handle.utf8() +
+                                   "\" name=\"Theirs\"/>\n"
+                                   "    <sheet ");
+    ASSERT_TRUE(db->load(path()));
+    auto* theirs = tvrxCast<TvSmSheet>(db->findObject(handle));
+    ASSERT_TRUE(theirs);
+    EXPECT_NE(theirs, held.get());
+    EXPECT_EQ(theirs->getTitle(), u"Theirs");
+    EXPECT_EQ(held->getTitle(), u"Held");
+    EXPECT_NE(handleOf(held.get()), handle);
+}
+
+TEST_F(Reload, AHandleThatTheSetOrItsOptionsTookIsNotThatOfWhatComesBack)
+{
+    const TvString handles[] = {handleOf(one), handleOf(two)};
+    ASSERT_TRUE(db->lockDb(db) && set->removeSheet(one) && ground->removeSheet(two) &&
+                db->unlockDb(db, true));
+    editOutside("<sheetSet handle=\"g1\"", "<sheetSet handle=\"" + handles[0].utf8() + "\"");
+    editOutside("<publishOptions handle=\"g2\"",
+                "<publishOptions handle=\"" + handles[1].utf8() + "\"");
+    ASSERT_TRUE(db->load(path()));
+    EXPECT_EQ(db->findObject(handles[0]), set);
+    EXPECT_EQ(db->findObject(handles[1]), set->getPublishOptions());
+    ASSERT_TRUE(db->lockDb(db) && set->insertComponent(one, nullptr) &&
+                set->insertComponent(two, nullptr) && db->unlockDb(db, true));
+    EXPECT_EQ(db->findObject(handles[0]), set);
+    EXPECT_EQ(db->findObject(handleOf(one)), one);
+    EXPECT_EQ(db->findObject(handleOf(two)), two);
+    TvSmDatabase read;
+    ASSERT_TRUE(read.load(path())) << content();
+    EXPECT_EQ(Outline::of(&read), Outline::of(db));
+}
+
+TEST_F(Reload, TextsOfWhatWentOrWasTakenOutOutliveTheFileThatTheyCameFrom)
+{
+    // Large enough that its memory goes back to the system with it.
+    const std::string padding = "<!-- " + std::string(4'000'000, 'x') + " -->\n";
+    replaceOutside(content() + padding);
+    ASSERT_TRUE(db->load(path()));
+    ASSERT_TRUE(db->lockDb(db) && set->removeSheet(one) && db->unlockDb(db, true));
+    outside([&](TvSmSheetSet* theirs) { theirs->removeSubset(same(theirs->database(), ground)); });
+    replaceOutside(content().substr(0, content().find("<!-- xxx")));
+    ASSERT_TRUE(db->load(path()));
+    EXPECT_EQ(one->getTitle(), u"One"); // taken out by us
+    EXPECT_EQ(layout->getFileName(), u"a.dwg");
+    EXPECT_EQ(view->getTitle(), u"North");
+    EXPECT_EQ(ground->getName(), u"Ground"); // gone
+    EXPECT_EQ(two->getTitle(), u"Two");
+}
+
+TEST_F(Reload, AScratchDatabaseThatReadANewerFormatTakesNoChange)
+{
+    editOutside("version=\"1.0\" nextHandle", "version=\"2.0\" nextHandle");
+    TvSmDatabase scratch;
+    ASSERT_TRUE(scratch.load(path()));
+    EXPECT_FALSE(scratch.getSheetSet()->setName(u"x"));
+    EXPECT_EQ(scratch.getSheetSet()->getName(), u"");
+    EXPECT_FALSE(scratch.setFileName(folder.file("NEW.dst")) && scratch.save(0));
 }
 
 TEST_F(Reload, ADatabaseThatIsBuiltOrAScratchReadsItsFileWheneverItIsAsked)

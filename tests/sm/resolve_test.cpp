@@ -223,3 +223,24 @@ TEST_F(Resolving, ARelativePathToAHostIsNotFollowed)
     ASSERT_TRUE(openedIn("old"));
     EXPECT_EQ(openedIn("old")->resolveFileName(), u"");
 }
+
+TEST_F(Resolving, BackslashesAndDetoursOfAnAbsolutePathAreUnderstood)
+{
+    touch("old/drawings/a.dwg");
+    const TvString full = folder.file("old/drawings/a.dwg");
+    const Loose backslash(setPath("old"), folder.file("old") + u"\\drawings\\a.dwg");
+    EXPECT_TRUE(KvFileSystem::isSameFile(backslash.reference->resolveFileName(), full));
+    const Loose detour(setPath("old"), folder.file("old/none/../drawings/a.dwg"));
+    EXPECT_EQ(detour.reference->resolveFileName(), full);
+}
+
+TEST_F(Resolving, AUrlOrADriveIsNoFolderBesideTheSet)
+{
+    std::filesystem::create_directories(folder.path() / "old" / "http:" / "203.0.113.5");
+    touch("old/http:/203.0.113.5/a.dwg");
+    touch("old/C:a.dwg");
+    for (const char* stored : {"http://203.0.113.5/a.dwg", "C:a.dwg"}) {
+        const Loose loose(setPath("old"), stored);
+        EXPECT_EQ(loose.reference->resolveFileName(), u"") << stored;
+    }
+}
