@@ -60,8 +60,41 @@
     X(DwgVerifyFailed, 21314)                                                                     \
     X(DwgRecordInvalid, 21315)     /* 1: handle */                                                \
     X(DwgSectionNotWritten, 21316) /* 1: section */                                               \
+    X(DwgObjectsNotEditable, 21317)    /* 1: handles */                                           \
+    X(DwgNotConverted, 21318)          /* 1: format, 2: what stands in the way */                 \
+    X(DwgClassNotNamed, 21319)         /* 1: class */                                             \
+    X(DwgSummaryTooLarge, 21320)                                                                  \
+    /* what is wrong with a drawing that can be read; 21320 and the number of its kind */         \
+    X(DwgCheckHeaderChecksum, 21321)                                                              \
+    X(DwgCheckHeaderEnd, 21322)                                                                   \
+    X(DwgCheckSectionOutside, 21323)   /* 1: section */                                           \
+    X(DwgCheckSectionChecksum, 21324)  /* 1: section */                                           \
+    X(DwgCheckSectionUnreadable, 21325) /* 1: section */                                          \
+    X(DwgCheckPageChecksum, 21326)     /* 1: section, 2: page */                                  \
+    X(DwgCheckPageUnreadable, 21327)   /* 1: section, 2: page */                                  \
+    X(DwgCheckMapOrder, 21328)                                                                    \
+    X(DwgCheckSecondHeader, 21329)                                                                \
+    X(DwgCheckPreview, 21330)                                                                     \
+    X(DwgCheckObjectUnreadable, 21331) /* 1: handle */                                            \
+    X(DwgCheckObjectChecksum, 21332)   /* 1: handle */                                            \
+    X(DwgCheckObjectHandle, 21333)     /* 1: handle */                                            \
+    X(DwgCheckObjectsOverlap, 21334)   /* 1: handle */                                            \
+    X(DwgCheckSeedTooLow, 21335)                                                                  \
+    X(DwgCheckUnknownPart, 21336)      /* 1: section */                                           \
     /* host/db: the drawing database */                                                            \
-    X(DbErasedInUse, 21351)        /* 1: handle of the erased object, 2: of one that needs it */
+    X(DbErasedInUse, 21351)        /* 1: handle of the erased object, 2: of one that needs it */ \
+    /* host/dxf: drawings as text. They are told about a drawing that the caller names */         \
+    X(DxfNotGroups, 21401)         /* 1: line that is neither code nor value */                   \
+    X(DxfTruncated, 21402)                                                                        \
+    X(DxfVersion, 21403)           /* 1: version */                                               \
+    X(DxfTooLarge, 21404)                                                                         \
+    X(DxfObjectDamaged, 21405)     /* 1: handle */                                                \
+    X(DxfObjectMissing, 21406)     /* 1: handle */                                                \
+    X(DxfNotUnderstood, 21407)     /* 1: class */                                                 \
+    X(DxfRecordInvalid, 21408)     /* 1: handle */                                                \
+    X(DxfClassesNotWritten, 21409) /* 1: classes */                                               \
+    X(DxfVerifyFailed, 21410)      /* 1: handle */                                                \
+    X(DxfDoubleHandle, 21411)      /* 1: handle */
 
 // clang-format on
 
