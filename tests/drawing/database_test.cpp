@@ -292,6 +292,25 @@ TEST_F(DatabaseTest, ChangesOutsideTheRecordingStayWhenOthersAreUndone)
     EXPECT_EQ(layer->colorIndex(), 3);
 }
 
+TEST_F(DatabaseTest, AChangeOutsideTheRecordingDoesNotKeepALaterOneFromBeingUndone)
+{
+    drawing.disableUndoRecording(true);
+    {
+        const TvDbObjectPointer<TvDbLayerTableRecord> layer(drawing.clayer(), TvDb::kForWrite);
+        layer->setIsOff(true);
+    }
+    drawing.disableUndoRecording(false);
+    drawing.startUndoRecord();
+    {
+        const TvDbObjectPointer<TvDbLayerTableRecord> layer(drawing.clayer(), TvDb::kForWrite);
+        layer->setIsFrozen(true);
+    }
+    ASSERT_EQ(drawing.undo(), TvStatus::Ok);
+    const TvDbObjectPointer<TvDbLayerTableRecord> layer(drawing.clayer());
+    EXPECT_TRUE(layer->isOff());
+    EXPECT_FALSE(layer->isFrozen());
+}
+
 // --- transactions
 
 TEST_F(DatabaseTest, AnAbortedTransactionLeavesNothing)

@@ -2,6 +2,7 @@
 
 #include <base/clock.h>
 #include <base/faulty_file_ops.h>
+#include <db/tv_db_database.h>
 #include <db/tv_db_dictionary.h>
 #include <db/tv_db_xrecord.h>
 #include <dwg/dwg_codec.h>
@@ -135,8 +136,9 @@ TEST_F(DrawingSave, AtEveryFaultOfTheDiskTheFileIsTheOldOrTheNewOneAndTheAnswerT
                 break;
             ASSERT_LT(n, 500);
         }
-        if (std::string_view(fault.name) != "few bytes at a time")
+        if (std::string_view(fault.name) != "few bytes at a time") {
             EXPECT_GT(refused, 5) << fault.name;
+        }
     }
 }
 
