@@ -3,8 +3,10 @@
 #include <string_view>
 #include <unordered_map>
 
+#include <db/tv_db_annotations.h>
 #include <db/tv_db_block_begin.h>
 #include <db/tv_db_block_reference.h>
+#include <db/tv_db_curves.h>
 #include <db/tv_db_dictionary.h>
 #include <db/tv_db_entity.h>
 #include <db/tv_db_layout.h>
@@ -77,6 +79,50 @@ constexpr Row kTypes[] = {
     {"ATTRIB", typeFor<TvDbAttribute>},
     {"MTEXT", typeFor<TvDbMText>},
     {"VIEWPORT", typeFor<TvDbViewport>},
+    {"LINE", typeFor<TvDbLine>},
+    {"XLINE", typeFor<TvDbXline>},
+    {"RAY", typeFor<TvDbRay>},
+    {"CIRCLE", typeFor<TvDbCircle>},
+    {"ARC", typeFor<TvDbArc>},
+    {"ELLIPSE", typeFor<TvDbEllipse>},
+    {"POINT", typeFor<TvDbPoint>},
+    {"SPLINE", typeFor<TvDbSpline>},
+    {"HELIX", typeFor<TvDbHelix>},
+    {"LWPOLYLINE", typeFor<TvDbPolyline>},
+    {"POLYLINE_2D", typeFor<TvDb2dPolyline>},
+    {"POLYLINE_3D", typeFor<TvDb3dPolyline>},
+    {"POLYLINE_PFACE", typeFor<TvDbPolyFaceMesh>},
+    {"POLYLINE_MESH", typeFor<TvDbPolygonMesh>},
+    {"VERTEX_2D", typeFor<TvDb2dVertex>},
+    {"VERTEX_3D", typeFor<TvDb3dPolylineVertex>},
+    {"VERTEX_MESH", typeFor<TvDbPolygonMeshVertex>},
+    {"VERTEX_PFACE", typeFor<TvDbPolyFaceMeshVertex>},
+    {"VERTEX_PFACE_FACE", typeFor<TvDbFaceRecord>},
+    {"SOLID", typeFor<TvDbSolid>},
+    {"TRACE", typeFor<TvDbTrace>},
+    {"3DFACE", typeFor<TvDbFace>},
+    {"DIMENSION_LINEAR", typeFor<TvDbRotatedDimension>},
+    {"DIMENSION_ALIGNED", typeFor<TvDbAlignedDimension>},
+    {"DIMENSION_ANG3PT", typeFor<TvDb3PointAngularDimension>},
+    {"DIMENSION_ANG2LN", typeFor<TvDb2LineAngularDimension>},
+    {"DIMENSION_RADIUS", typeFor<TvDbRadialDimension>},
+    {"DIMENSION_DIAMETER", typeFor<TvDbDiametricDimension>},
+    {"DIMENSION_ORDINATE", typeFor<TvDbOrdinateDimension>},
+    {"ARC_DIMENSION", typeFor<TvDbArcDimension>},
+    {"LARGE_RADIAL_DIMENSION", typeFor<TvDbRadialDimensionLarge>},
+    {"LEADER", typeFor<TvDbLeader>},
+    {"MULTILEADER", typeFor<TvDbMLeader>},
+    {"TOLERANCE", typeFor<TvDbFcf>},
+    {"HATCH", typeFor<TvDbHatch>},
+    {"IMAGE", typeFor<TvDbRasterImage>},
+    {"WIPEOUT", typeFor<TvDbWipeout>},
+    {"IMAGEDEF", typeFor<TvDbRasterImageDef>},
+    {"PDFUNDERLAY", typeFor<TvDbUnderlayReference>},
+    {"DWFUNDERLAY", typeFor<TvDbUnderlayReference>},
+    {"DGNUNDERLAY", typeFor<TvDbUnderlayReference>},
+    {"PDFDEFINITION", typeFor<TvDbUnderlayDefinition>},
+    {"DWFDEFINITION", typeFor<TvDbUnderlayDefinition>},
+    {"DGNDEFINITION", typeFor<TvDbUnderlayDefinition>},
 };
 
 } // namespace

@@ -141,6 +141,8 @@ void matchViewportTable(TvDbDatabase& database)
             edit->setHandle("previous", next);
         next = header;
     }
+    if (database.headerRecord().handle("VPENTHDR") != next)
+        database.editHeader().setHandle("VPENTHDR", next);
 }
 
 } // namespace db

@@ -48,7 +48,7 @@ protected:
     }                                                                                              \
     TvStatusCode setter(double value)                                                              \
     {                                                                                              \
-        return setReal(field, value);                                                              \
+        return TvDbEntity::setReal(field, value);                                                  \
     }
 #define TVDB_INTEGER(getter, setter, field)                                                        \
     int getter() const                                                                             \
@@ -57,7 +57,7 @@ protected:
     }                                                                                              \
     TvStatusCode setter(int value)                                                                 \
     {                                                                                              \
-        return setInteger(field, value);                                                           \
+        return TvDbEntity::setInteger(field, value);                                               \
     }
 #define TVDB_POINT(getter, setter, field)                                                          \
     TvGePoint3d getter() const                                                                     \
@@ -66,7 +66,7 @@ protected:
     }                                                                                              \
     TvStatusCode setter(const TvGePoint3d& value)                                                  \
     {                                                                                              \
-        return setPoint(field, db::fromPoint(value));                                              \
+        return TvDbEntity::setPoint(field, db::fromPoint(value));                                  \
     }
 #define TVDB_POINT2D(getter, setter, field)                                                        \
     TvGePoint2d getter() const                                                                     \
@@ -75,7 +75,7 @@ protected:
     }                                                                                              \
     TvStatusCode setter(const TvGePoint2d& value)                                                  \
     {                                                                                              \
-        return setPoint(field, db::fromPoint(value));                                              \
+        return TvDbEntity::setPoint(field, db::fromPoint(value));                                  \
     }
 #define TVDB_VECTOR(getter, setter, field)                                                         \
     TvGeVector3d getter() const                                                                    \
@@ -84,7 +84,7 @@ protected:
     }                                                                                              \
     TvStatusCode setter(const TvGeVector3d& value)                                                 \
     {                                                                                              \
-        return setPoint(field, db::fromVector(value));                                             \
+        return TvDbEntity::setPoint(field, db::fromVector(value));                                 \
     }
 #define TVDB_TEXT(getter, setter, field)                                                           \
     TvString getter() const                                                                        \
@@ -93,7 +93,7 @@ protected:
     }                                                                                              \
     TvStatusCode setter(const TvString& value)                                                     \
     {                                                                                              \
-        return setText(field, value);                                                              \
+        return TvDbEntity::setText(field, value);                                                  \
     }
 #define TVDB_ID(getter, setter, field)                                                             \
     TvDbObjectId getter() const                                                                    \
