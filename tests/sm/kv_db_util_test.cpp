@@ -86,6 +86,18 @@ TEST_F(DbUtil, NullIsHarmless)
     EXPECT_EQ(KvDbUtil::FindSheetFromSubset(set, nullptr, TvDbHandle(1)), nullptr);
     EXPECT_FALSE(KvDbUtil::IsCurrentSheetInSheetSet(nullptr));
     EXPECT_TRUE(sheets.empty());
+    // Null is no drawing, not even one without a name.
+    setLayout(bare, u"", u"1", u"L");
+    EXPECT_EQ(KvDbUtil::FindSheetFromSubset(set, nullptr, TvDbHandle(1)), nullptr);
+    EXPECT_FALSE(KvDbUtil::GetAllSheetOfOneDwgInSheetSet(set, nullptr, sheets));
+}
+
+TEST_F(DbUtil, OfTwoSheetsOfOneLayoutTheFirstIsFound)
+{
+    setLayout(bare, folder.file("a.dwg"), u"2F", u"L2");
+    EXPECT_EQ(find(folder.file("a.dwg"), 0x2F), inner);
+    ASSERT_TRUE(set->insertComponent(bare, subset));
+    EXPECT_EQ(find(folder.file("a.dwg"), 0x2F), bare);
 }
 
 TEST_F(DbUtil, ASheetIsFoundByDrawingAndHandleAtAnyDepth)
@@ -177,7 +189,8 @@ TEST_F(DbUtil, AskingForTheCurrentLayoutTouchesTheDiskAHandfulOfTimesOnly)
     for (int i = 0; i < 10'000; ++i)
         setLayout(addSheet(subset, u"", u""), folder.file("a" + std::to_string(i) + ".dwg"),
                   TvString().format(u"%X", 256 + i % 500), u"L");
-    layout.drawing = folder.file("A77.dwg"); // the spelling differs: the disk has to be asked
+    // The spelling differs, so the disk has to be asked; nineteen before it have the same handle.
+    layout.drawing = folder.file("A9577.dwg");
     layout.handle = TvDbHandle(256 + 77);
     const KillOutcome outcome =
         runKilledAt(0, [&] { return KvDbUtil::IsCurrentSheetInSheetSet(db) ? 0 : 1; });
