@@ -10,14 +10,15 @@ TvSmReferenceCollection::~TvSmReferenceCollection() = default;
 
 namespace {
 
-/// The references of @p list that are still in the set: one that was taken out of its owning list
-/// is in none.
-std::vector<TvSmFileReference*> present(const std::vector<TvSmFileReference*>& references)
+/// The references of @p list that are its own or still in the set: one whose owner was taken out is
+/// in no other list, until the owner comes back.
+std::vector<TvSmFileReference*> present(const TvSmReferenceCollection& list)
 {
+    const std::vector<TvSmFileReference*>& references = Internals::entries(list);
     std::vector<TvSmFileReference*> result;
     result.reserve(references.size());
     for (TvSmFileReference* reference : references)
-        if (Internals::life(*reference) == Internals::Life::Attached)
+        if (reference->owner() == &list || Internals::isInSet(*reference))
             result.push_back(reference);
     return result;
 }
@@ -66,5 +67,5 @@ void TvSmReferenceCollection::drop(TvSmFileReference* reference)
 
 TvSmEnumerator<TvSmFileReference>* TvSmReferenceCollection::getEnumerator() const
 {
-    return new sm::GatheredEnumerator<TvSmFileReference>(present(m_references));
+    return new sm::GatheredEnumerator<TvSmFileReference>(present(*this));
 }

@@ -118,6 +118,17 @@ TEST_F(Publishing, SetAndSubsetNeedASheetThatIs)
     EXPECT_FALSE(IsComponentPublishable(addSubset(set, u"empty")));
 }
 
+TEST_F(Publishing, ASubsetThatIsExcludedIsNotWhateverItHolds)
+{
+    ASSERT_TRUE(inner->setExcludeFromPublish(true));
+    EXPECT_FALSE(IsComponentPublishable(inner));
+    EXPECT_FALSE(IsComponentPublishable(i1));
+    EXPECT_TRUE(IsComponentPublishable(outer));
+    ASSERT_TRUE(inner->setExcludeFromPublish(false) && outer->setExcludeFromPublish(true));
+    EXPECT_FALSE(IsComponentPublishable(outer));
+    EXPECT_FALSE(IsComponentPublishable(inner)); // excluded from above
+}
+
 TEST_F(Publishing, WhatIsNeitherSetSubsetNorSheetIsNot)
 {
     EXPECT_FALSE(IsComponentPublishable(addView(s1, u"view")));

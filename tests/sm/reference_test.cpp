@@ -194,6 +194,41 @@ TEST_F(ReferenceTest, RemovalFromACategoryLeavesTheSetsOwn)
     EXPECT_TRUE(itemsOf(plans->getCalloutBlocks()->getEnumerator()).empty());
 }
 
+TEST_F(ReferenceTest, RemovalFromOneCategoryLeavesTheOthers)
+{
+    auto* block = addBlock(set->getCalloutBlocks(), u"B");
+    TvSmReferenceCollection* one = addCategory(set, u"One")->getCalloutBlocks();
+    TvSmReferenceCollection* two = addCategory(set, u"Two")->getCalloutBlocks();
+    ASSERT_TRUE(one->add(block) && two->add(block) && one->remove(block));
+    EXPECT_TRUE(itemsOf(one->getEnumerator()).empty());
+    EXPECT_EQ(itemsOf(two->getEnumerator()), std::vector<TvSmFileReference*>{block});
+}
+
+TEST_F(ReferenceTest, WhatTheSetRemovedDoesNotComeBackToTheCategories)
+{
+    auto* block = addBlock(set->getCalloutBlocks(), u"B");
+    TvSmReferenceCollection* one = addCategory(set, u"One")->getCalloutBlocks();
+    ASSERT_TRUE(one->add(block) && set->getCalloutBlocks()->remove(block));
+    ASSERT_TRUE(set->getCalloutBlocks()->add(block));
+    EXPECT_TRUE(itemsOf(one->getEnumerator()).empty());
+}
+
+TEST_F(ReferenceTest, ACategorysOwnCalloutIsInOtherCategoriesWhileItIsThere)
+{
+    TvSmViewCategory* category = addCategory(set, u"One");
+    auto* block = addBlock(category->getCalloutBlocks(), u"B");
+    TvSmReferenceCollection* two = addCategory(set, u"Two")->getCalloutBlocks();
+    ASSERT_TRUE(two->add(block));
+    EXPECT_EQ(block->owner(), category->getCalloutBlocks());
+    EXPECT_EQ(itemsOf(two->getEnumerator()), std::vector<TvSmFileReference*>{block});
+    ASSERT_TRUE(set->getViewCategories()->remove(category));
+    EXPECT_TRUE(itemsOf(two->getEnumerator()).empty());
+    EXPECT_EQ(itemsOf(category->getCalloutBlocks()->getEnumerator()),
+              std::vector<TvSmFileReference*>{block});
+    ASSERT_TRUE(set->getViewCategories()->add(category, 0));
+    EXPECT_EQ(itemsOf(two->getEnumerator()), std::vector<TvSmFileReference*>{block});
+}
+
 TEST_F(ReferenceTest, TheSetTakesOverWhatACategoryHadFirst)
 {
     TvSmViewCategory* plans = addCategory(set, u"Plans");

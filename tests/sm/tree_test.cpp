@@ -178,6 +178,30 @@ TEST_F(Tree, AnEmptySubsetGivesAnEmptyWalk)
     EXPECT_EQ(walk->next(), nullptr);
 }
 
+TEST_F(Tree, EveryEmptyCollectionGivesAnEmptyWalk)
+{
+    const auto expectEmpty = [](auto* owned) {
+        const std::unique_ptr<std::remove_pointer_t<decltype(owned)>> walk(owned);
+        for (int round = 0; round < 2; ++round) {
+            EXPECT_EQ(walk->next(), nullptr);
+            EXPECT_EQ(walk->next(), nullptr);
+            walk->reset();
+        }
+    };
+    TvSmDatabase fresh;
+    TvSmSheetSet* empty = fresh.getSheetSet();
+    expectEmpty(empty->getSheetEnumerator());
+    expectEmpty(empty->getResourceLocations()->getEnumerator());
+    expectEmpty(empty->getCalloutBlocks()->getEnumerator());
+    expectEmpty(empty->getViewCategories()->getEnumerator());
+    expectEmpty(empty->getSheetSelections()->getEnumerator());
+    expectEmpty(empty->getSheetSelections()->add(u"s", u"")->getEnumerator());
+    expectEmpty(addSheet(empty, u"1", u"One")->getSheetViews()->getEnumerator());
+    expectEmpty(addCategory(empty, u"C")->getSheetViewEnumerator());
+    TvSmSheetSetMgr nothingOpen;
+    expectEmpty(nothingOpen.getDatabaseEnumerator());
+}
+
 TEST_F(Tree, AWalkGivesTheChildrenInOrderAndStartsAnewAfterReset)
 {
     const std::unique_ptr<TvSmEnumerator<TvSmComponent>> walk(set->getSheetEnumerator());
@@ -364,6 +388,20 @@ TEST_F(Tree, ARemovedChildStaysAValidObjectThatIsNotFound)
     EXPECT_FALSE(set->removeSheet(a));
     EXPECT_TRUE(set->insertComponent(a, nullptr));
     EXPECT_EQ(db->findObject(handle), a);
+}
+
+TEST_F(Tree, AChildThatComesBackIsInItsSelectionsAndCategoriesAgain)
+{
+    TvSmViewCategory* category = addCategory(set, u"Plans");
+    TvSmSheetView* view = addView(a, u"North", category);
+    TvSmSheetSelection* selection = set->getSheetSelections()->add(u"s", u"");
+    ASSERT_TRUE(selection->add(a) && set->removeSheet(a));
+    EXPECT_TRUE(itemsOf(selection->getEnumerator()).empty());
+    EXPECT_TRUE(itemsOf(category->getSheetViewEnumerator()).empty());
+    ASSERT_TRUE(d->insertComponent(a, nullptr));
+    EXPECT_EQ(itemsOf(selection->getEnumerator()), std::vector<TvSmComponent*>{a});
+    EXPECT_EQ(itemsOf(category->getSheetViewEnumerator()), std::vector<TvSmSheetView*>{view});
+    EXPECT_EQ(itemsOf(a->getSheetViews()->getEnumerator()), std::vector<TvSmSheetView*>{view});
 }
 
 TEST_F(Tree, RemovingASubsetTakesAllBelowItAlongAndBack)
