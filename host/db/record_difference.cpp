@@ -74,7 +74,9 @@ void applyToHandles(const ArrayView& old, const ArrayView& fresh, ArrayEditor im
         }
 }
 
-void applyToField(const FieldDef& field, const Record& before, const Record& now,
+void applyToFields(const RecordView& before, const RecordView& now, RecordEditor image);
+
+void applyToField(const FieldDef& field, const RecordView& before, const RecordView& now,
                   RecordEditor& image)
 {
     const FieldId id = field.id;
@@ -103,8 +105,24 @@ void applyToField(const FieldDef& field, const Record& before, const Record& now
         if (field.element == Storage::Handle)
             applyToHandles(before.array(id), now.array(id), image.array(id));
         break;
+    case Storage::Struct:
+        applyToFields(before.structure(id), now.structure(id), image.structure(id));
+        break;
     default: break;
     }
+}
+
+void applyToFields(const RecordView& before, const RecordView& now, RecordEditor image)
+{
+    if (!now.def() || !image)
+        return;
+    std::unordered_set<FieldId> counts; // they follow their arrays
+    for (const FieldDef& field : now.def()->fields)
+        if (field.storage == Storage::Array)
+            counts.insert(field.count);
+    for (const FieldDef& field : now.def()->fields)
+        if (!counts.count(field.id))
+            applyToField(field, before, now, image);
 }
 
 } // namespace
@@ -115,15 +133,7 @@ void applyDifference(const Record& before, const Record& now, Record& image)
         return;
     if (before.has("keys") && before.has("values"))
         return applyToEntries(before, now, image);
-    const std::vector<FieldDef>& fields = now.classDef()->layout().fields;
-    std::unordered_set<FieldId> counts; // they follow their arrays
-    for (const FieldDef& field : fields)
-        if (field.storage == Storage::Array)
-            counts.insert(field.count);
-    RecordEditor editor(image);
-    for (const FieldDef& field : fields)
-        if (!counts.count(field.id))
-            applyToField(field, before, now, editor);
+    applyToFields(before.fields(), now.fields(), RecordEditor(image));
 }
 
 } // namespace db
