@@ -282,3 +282,18 @@ TEST_F(Manager, AWizardThatChangesItsMindAboutTheNameMovesTheSet)
     EXPECT_EQ(manager.findOpenDatabase(folder.file("OTHER.dst")), db);
     EXPECT_NE(folder.read("OTHER.dst").find("One"), std::string::npos);
 }
+
+TEST_F(Manager, ItsStatusIsThatOfTheLastCall)
+{
+    saved(kName);
+    for (const TvString& path : {TvString(u"http://203.0.113.5/a/../b.dst"), TvString(u"")}) {
+        EXPECT_EQ(manager.openDatabase(path, true, 0), nullptr);
+        EXPECT_FALSE(sm::lastStatus(&manager));
+        if (!path.isEmpty()) {
+            EXPECT_EQ(sm::lastStatus(&manager).arguments().at(0), path); // as it was given
+        }
+        ASSERT_TRUE(open());
+        EXPECT_TRUE(sm::lastStatus(&manager));
+        ASSERT_TRUE(manager.closeDatabase(open()));
+    }
+}

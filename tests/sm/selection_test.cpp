@@ -105,6 +105,23 @@ TEST_F(Selections, ComeBackWithTheComponentAfterACommitWithoutIt)
     EXPECT_EQ(Outline::of(open()), before);
 }
 
+TEST_F(Selections, KeepTheirMembersWithoutTheLock)
+{
+    ASSERT_TRUE(selection->add(sheet) && db->save(0));
+    EXPECT_FALSE(selection->remove(sheet));
+    EXPECT_FALSE(selection->add(subset));
+    EXPECT_EQ(set->getSheetSelections()->add(u"new", u""), nullptr);
+    EXPECT_FALSE(set->getSheetSelections()->remove(selection));
+    EXPECT_EQ(membersOf(selection), Components{sheet});
+}
+
+TEST_F(Selections, TakeOnlyWhatHasAHandle)
+{
+    EXPECT_FALSE(selection->add(set->getSheetSelections()));
+    EXPECT_FALSE(selection->remove(set->getSheetSelections()));
+    EXPECT_TRUE(membersOf(selection).empty());
+}
+
 TEST_F(Selections, OfWhatIsNotInTheSetNeverReachTheFile)
 {
     TvSmSheet* never = set->createSheet(u"never", u"");
