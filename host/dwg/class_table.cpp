@@ -142,6 +142,16 @@ std::uint16_t ClassTable::add(ClassRecord record)
     return m_highest;
 }
 
+void ClassTable::count(std::uint16_t number, int change)
+{
+    const ClassRecord* const found = find(number);
+    if (!found || m_version == Version::Ac1015)
+        return;
+    ClassRecord& record = m_records[static_cast<std::size_t>(found - m_records.data())];
+    const auto instances = static_cast<std::int64_t>(record.instances) + change;
+    record.instances = static_cast<std::uint32_t>(std::max<std::int64_t>(instances, 0));
+}
+
 std::vector<std::uint8_t> ClassTable::section() const
 {
     const bool split = hasStringStream(m_version);

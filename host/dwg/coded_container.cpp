@@ -54,6 +54,60 @@ base::Result<std::unique_ptr<CodedContainer>> CodedContainer::open(Bytes file)
     return container;
 }
 
+namespace {
+
+struct KnownSection {
+    std::string_view name;
+    std::uint64_t hash, pageSize, encoding;
+};
+// clang-format off
+constexpr KnownSection kKnownSections[] = {
+    {section::kRevHistory,     0x60A205B3, 0x1000, CodedContainer::kBlocks},
+    {section::kObjects,        0x674C05A9, 0xF800, CodedContainer::kBlocks},
+    {section::kObjFreeSpace,   0x77E2061F, 0xF800, CodedContainer::kBlocks},
+    {section::kTemplate,       0x4A1404CE, 0x400,  CodedContainer::kBlocks},
+    {section::kHandles,        0x3F6E0450, 0xF800, CodedContainer::kBlocks},
+    {section::kClasses,        0x3F54045F, 0xF800, CodedContainer::kBlocks},
+    {section::kAuxHeader,      0x54F0050A, 0x800,  CodedContainer::kBlocks},
+    {section::kHeader,         0x32B803D9, 0x800,  CodedContainer::kBlocks},
+    {section::kSummaryInfo,    0x717A060F, 0x80,   CodedContainer::kPlain},
+    {section::kPreview,        0x40AA0473, 0x400,  CodedContainer::kPlain},
+    {section::kVbaProject,     0x586E0544, 0x80,   CodedContainer::kPlain},
+};
+// clang-format on
+constexpr std::size_t kNeededSections = 8; // the first ones
+
+} // namespace
+
+std::optional<CodedContainer::Descriptor> CodedContainer::newDescriptor(std::string_view name)
+{
+    for (const KnownSection& known : kKnownSections) {
+        if (known.name != name)
+            continue;
+        Descriptor descriptor;
+        descriptor.pageSize = known.pageSize;
+        descriptor.hash = known.hash;
+        descriptor.encoding = known.encoding;
+        descriptor.name.assign(name.begin(), name.end());
+        descriptor.name += u'\0';
+        return descriptor;
+    }
+    return std::nullopt;
+}
+
+std::unique_ptr<CodedContainer> CodedContainer::blank(Bytes head)
+{
+    std::unique_ptr<CodedContainer> container(new CodedContainer(head));
+    container->m_record = newRecord();
+    for (std::size_t i = 0; i < kNeededSections; ++i) {
+        auto descriptor = *newDescriptor(kKnownSections[i].name);
+        descriptor.size = kKnownSections[i].name == section::kObjects ? kObjectsMark.size() : 0;
+        container->keep(std::move(descriptor), std::string(kKnownSections[i].name));
+    }
+    (void)container->findObjects(); // just put there
+    return container;
+}
+
 // The header page stands twice, at the begin and at the end; either will do, both should be right.
 base::Status CodedContainer::readRecords()
 {

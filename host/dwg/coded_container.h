@@ -31,6 +31,11 @@ public:
 
     /// @param file  must outlive this.
     static base::Result<std::unique_ptr<CodedContainer>> open(Bytes file);
+    /// One with the sections that every file has, all of them without content.
+    /// @param head  the first 0x480 bytes of a file; must outlive this.
+    static std::unique_ptr<CodedContainer> blank(Bytes head);
+    /// A section of this name that has no content yet; nullopt when its hash is not known.
+    static std::optional<Descriptor> newDescriptor(std::string_view name);
 
     std::uint16_t codePage() const override;
     bool isSound(std::size_t section, std::size_t page) const override;

@@ -1,6 +1,8 @@
 #include "coded_format.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 
 #include "byte_stream.h"
 #include "lz2007.h"
@@ -14,6 +16,7 @@ constexpr std::size_t kHeaderBlocks = 3;
 constexpr std::size_t kHeaderData = kHeaderBlocks * 239;
 constexpr std::size_t kUnitHead = 0x20; // before the packed record
 constexpr std::uint64_t kMostRepeats = 1024;
+constexpr std::size_t kCheckDataAt = 0x3D8; // in the header page
 
 // One copy of the record in the data of a header page.
 std::optional<Record> readUnit(Bytes data, std::size_t at, std::size_t size, bool& isRight)
@@ -65,6 +68,76 @@ std::optional<Record> readRecord(Bytes file, std::size_t at, bool& isRight)
         isRight = unitRight;
     }
     return best;
+}
+
+Record newRecord()
+{
+    Record record;
+    record.put(0x00, 0x70);
+    record.put(0x70, 0x20);
+    record.put(0x78, 0x40);
+    record.put(0x88, 0xF800);
+    record.put(0x90, 4);
+    record.put(0x98, 1);
+    record.put(0xE8, 0x60100);
+    return record;
+}
+
+CheckData checkDataFor(std::uint64_t first, std::uint64_t second)
+{
+    const auto turned = [](std::uint64_t value, std::uint64_t by) {
+        return std::rotl(value, static_cast<int>(by & 31));
+    };
+    const auto sum = [](const std::array<std::uint64_t, 8>& numbers, auto crc, std::uint64_t seed) {
+        std::array<std::uint8_t, 64> bytes;
+        for (std::size_t i = 0; i < numbers.size(); ++i)
+            putU64(&bytes[i * 8], numbers[i]);
+        return crc(bytes, seed);
+    };
+    const auto normalSum = [](Bytes bytes, std::uint64_t seed) { return crc64Normal(bytes, seed); };
+    const auto mirroredSum = [](Bytes bytes, std::uint64_t seed) {
+        return crc64Mirrored(bytes, seed);
+    };
+    std::array<std::uint64_t, 8> a{turned(first, second)};
+    a[1] = turned(a[0], a[0]);
+    a[2] = turned(second, a[1]);
+    a[3] = turned(a[2], a[2]);
+    a[4] = turned(first, a[3]);
+    a[5] = turned(a[4], a[4]);
+    a[6] = turned(a[5], a[5]);
+    a[7] = turned(a[6], a[6]);
+    CheckData data;
+    data.first = first;
+    data.second = second;
+    data.normal = sum(a, normalSum, ~second);
+    std::array<std::uint64_t, 8> b{turned(first, second)};
+    b[1] = turned(data.normal, b[0]);
+    b[2] = turned(second, b[1]);
+    b[3] = turned(data.normal, b[2]);
+    b[4] = turned(first, b[3]);
+    b[5] = turned(data.normal, b[4]);
+    b[6] = turned(second, b[5]);
+    b[7] = turned(b[6], b[6]);
+    data.mirrored = sum(b, mirroredSum, ~first);
+    return data;
+}
+
+CheckData readCheckData(Bytes headerPage)
+{
+    const std::uint8_t* at = headerPage.data() + kCheckDataAt;
+    return {readU64(at), readU64(at + 8), readU64(at + 16), readU64(at + 24), readU64(at + 32)};
+}
+
+std::vector<std::uint8_t> newHeaderPage()
+{
+    std::vector<std::uint8_t> data(kHeaderData); // its key, at 8, is zero
+    putU64(&data[0], crc64Normal(Bytes(data).subspan(8, 16), crc64MirroredSeed(16)));
+    std::vector<std::uint8_t> page = encodeInterleaved(BlockCode::System, data);
+    page.resize(kHeaderPageSize);
+    const CheckData check = checkDataFor(0, 0);
+    putU64(&page[kCheckDataAt], check.normal);
+    putU64(&page[kCheckDataAt + 8], check.mirrored);
+    return page;
 }
 
 std::vector<std::uint8_t> writeRecord(Bytes old, Record record)

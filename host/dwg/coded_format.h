@@ -41,6 +41,18 @@ struct Record {
 /// unpacked.
 /// @param isRight  false when a checksum was wrong.
 std::optional<Record> readRecord(Bytes file, std::size_t at, bool& isRight);
+/// A record with the constant fields filled in.
+Record newRecord();
+/// A header page without a record, with the check data that belongs to a key of zero.
+std::vector<std::uint8_t> newHeaderPage();
+/// Five numbers behind the blocks of a header page: two checks over two random numbers, those, and
+/// one without use.
+struct CheckData {
+    std::uint64_t normal = 0, mirrored = 0, first = 0, second = 0, unused = 0;
+    friend bool operator==(const CheckData&, const CheckData&) = default;
+};
+CheckData checkDataFor(std::uint64_t first, std::uint64_t second);
+CheckData readCheckData(Bytes headerPage);
 /// The header page @p old with another record in it; its key and check data stay.
 std::vector<std::uint8_t> writeRecord(Bytes old, Record record);
 

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <deque>
 
 #include "byte_stream.h"
 #include "coded_container.h"
@@ -52,10 +53,8 @@ public:
 
     base::Result<std::vector<std::uint8_t>> write()
     {
-        for (const auto& [name, payload] : m_plan.sections)
-            if (m_source.indexOf(name) == m_source.sections().size())
-                return base::Status(base::Failure::Unsupported, base::Reason::DwgSectionNotWritten,
-                                    {TvString(name)}); // its hash is not known
+        if (base::Status status = addSections(); !status)
+            return status;
         if (base::Status status = makeSections(); !status)
             return status;
         placePages();
@@ -65,6 +64,30 @@ public:
     }
 
 private:
+    // Those that the source does not have; they stand before all others.
+    base::Status addSections()
+    {
+        for (const auto& [name, payload] : m_plan.sections) {
+            if (m_source.indexOf(name) < m_source.sections().size())
+                continue;
+            auto descriptor = CodedContainer::newDescriptor(name);
+            if (!descriptor)
+                return {base::Failure::Unsupported,
+                        base::Reason::DwgSectionNotWritten,
+                        {TvString(name)}}; // its hash is not known
+            if (descriptor->encoding == CodedContainer::kPlain)
+                descriptor->pageSize = alignUp(payload.size(), descriptor->pageSize);
+            m_added.push_back(std::move(*descriptor));
+            OutSection out{&m_added.back(), name, payload.size(), m_added.back().pageSize, 0, {}};
+            for (std::uint64_t at = 0; at < payload.size(); at += out.pageSize)
+                addPage(out, at,
+                        Bytes(payload).subspan(
+                            at, std::min<std::uint64_t>(out.pageSize, payload.size() - at)));
+            m_sections.push_back(std::move(out));
+        }
+        return {};
+    }
+
     base::Status makeSections()
     {
         if (base::Status status = layOutObjects(); !status)
@@ -100,7 +123,10 @@ private:
         const auto mark = m_source.objectArea(0, m_source.objectAreaBegin());
         if (!mark)
             return mark.status();
+        const bool isNew = m_source.pages(m_source.indexOf(section::kObjects)).empty();
         std::copy(mark->begin(), mark->end(), m_objects.begin());
+        if (isNew)
+            std::copy(kObjectsMark.begin(), kObjectsMark.end(), m_objects.begin());
         for (const auto& write : layout->writes)
             std::copy_n(write.bytes, write.size, &m_objects[write.offset]);
         m_handles = writeObjectMap(layout->map);
@@ -350,6 +376,7 @@ private:
     const SavePlan& m_plan;
     CodedContainer& m_source;
     ByteWriter m_out;
+    std::deque<CodedContainer::Descriptor> m_added;
     std::vector<OutSection> m_sections; // in the order of the section map
     std::vector<OutSection*> m_order;   // in the order of the file
     std::vector<std::uint8_t> m_objects, m_handles;

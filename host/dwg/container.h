@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,7 +27,14 @@ inline constexpr std::string_view kAppInfo = "AcDb:AppInfo";
 inline constexpr std::string_view kAppInfoHistory = "AcDb:AppInfoHistory";
 inline constexpr std::string_view kSecurity = "AcDb:Security";
 inline constexpr std::string_view kSignature = "AcDb:Signature";
+inline constexpr std::string_view kRevHistory = "AcDb:RevHistory";
+inline constexpr std::string_view kFileDepList = "AcDb:FileDepList";
+inline constexpr std::string_view kVbaProject = "AcDb:VBAProject";
+inline constexpr std::string_view kDataStorage = "AcDb:AcDsPrototype_1b";
 } // namespace section
+
+/// What stands before the first object, and belongs to none.
+inline constexpr std::array<std::uint8_t, 4> kObjectsMark{0xCA, 0x0D, 0, 0};
 
 /// Limits that hold for every container, so that a small file cannot ask for a large memory.
 inline constexpr std::uint64_t kLargestFile = std::uint64_t(2) << 30;

@@ -44,6 +44,14 @@ base::Result<std::unique_ptr<FlatContainer>> FlatContainer::open(Bytes file)
     return container;
 }
 
+std::unique_ptr<FlatContainer> FlatContainer::blank(Bytes head)
+{
+    std::unique_ptr<FlatContainer> container(new FlatContainer(head));
+    container->readRecords();
+    container->m_findings.clear(); // the header is completed when it is written
+    return container;
+}
+
 bool FlatContainer::readRecords()
 {
     const std::size_t count = readU32(m_file.data() + 0x15);

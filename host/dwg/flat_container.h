@@ -19,6 +19,9 @@ public:
 
     /// @param file  must outlive this.
     static base::Result<std::unique_ptr<FlatContainer>> open(Bytes file);
+    /// One without content. @param head  the file header, whose records tell nothing; must outlive
+    /// this.
+    static std::unique_ptr<FlatContainer> blank(Bytes head);
 
     base::Result<Bytes> section(std::size_t index) override;
     std::uint64_t objectAreaSize() const override { return m_file.size(); }

@@ -23,7 +23,6 @@ namespace dwg {
 
 namespace {
 
-constexpr std::uint8_t kObjectsMark[] = {0xCA, 0x0D, 0, 0};
 constexpr std::size_t kRecordsAt = 0x19;
 constexpr std::size_t kPreviewFieldAt = 0x0D;
 constexpr std::size_t kFreeSpaceOffsetAt =

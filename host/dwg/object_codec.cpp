@@ -128,12 +128,18 @@ base::Result<db::Record> decodeObject(const ObjectRecord& object, const ObjectCo
     return record;
 }
 
-base::Result<db::Record> decodeCommonPart(const ObjectRecord& object, const ObjectContext& context)
+base::Status decodeCommonPart(const ObjectRecord& object, const ObjectContext& context,
+                              db::Record& record)
 {
     const bool isEntity = context.classes.isEntity(object.type);
     const db::ClassDef* const classDef = db::classNamed(isEntity ? "RAW_ENTITY" : "RAW_OBJECT");
+    return decodeAs(*classDef, object, context, record);
+}
+
+base::Result<db::Record> decodeCommonPart(const ObjectRecord& object, const ObjectContext& context)
+{
     db::Record record;
-    if (auto status = decodeAs(*classDef, object, context, record); !status)
+    if (auto status = decodeCommonPart(object, context, record); !status)
         return status;
     return record;
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <map>
 
 #include "aux_header.h"
 
@@ -102,7 +103,7 @@ private:
             }
         }
         if (room.size() != 0)
-            m_rooms.push_back(room);
+            m_rooms.emplace(room.size(), room);
     }
 
     void write(std::uint64_t handle, std::uint64_t offset, const std::vector<std::uint8_t>& record)
@@ -113,11 +114,13 @@ private:
 
     void placeInRoom(std::uint64_t handle, const std::vector<std::uint8_t>& record)
     {
-        const auto room = std::find_if(m_rooms.begin(), m_rooms.end(),
-                                       [&](const Room& r) { return r.size() >= record.size(); });
-        if (room != m_rooms.end()) {
-            write(handle, room->begin, record);
-            room->begin += record.size();
+        const auto found = m_rooms.lower_bound(record.size()); // the tightest one
+        if (found != m_rooms.end()) {
+            Room room = found->second;
+            m_rooms.erase(found);
+            write(handle, room.begin, record);
+            room.begin += record.size();
+            m_rooms.emplace(room.size(), room);
             return;
         }
         write(handle, m_layout.size, record);
@@ -127,10 +130,14 @@ private:
     // Room at the very end is no part of the section any more.
     void cutTail()
     {
-        const auto isLast = [&](const Room& r) { return r.end == m_layout.size && r.size() != 0; };
-        for (auto room = m_rooms.end();
-             (room = std::find_if(m_rooms.begin(), m_rooms.end(), isLast)) != m_rooms.end();)
-            m_layout.size = room->begin;
+        std::vector<Room> rooms;
+        for (const auto& [size, room] : m_rooms)
+            rooms.push_back(room);
+        std::sort(rooms.begin(), rooms.end(),
+                  [](const Room& a, const Room& b) { return a.end > b.end; });
+        for (const Room& room : rooms)
+            if (room.size() != 0 && room.end == m_layout.size)
+                m_layout.size = room.begin;
         for (ObjectLayout::Write& write : m_layout.writes)
             if (!write.bytes)
                 write.size = write.offset < m_layout.size
@@ -140,8 +147,8 @@ private:
 
     const SavePlan& m_plan;
     Container& m_container;
-    std::vector<ObjectLocation> m_slots; // ascending offsets
-    std::vector<Room> m_rooms;
+    std::vector<ObjectLocation> m_slots;        // ascending offsets
+    std::multimap<std::uint64_t, Room> m_rooms; // by their sizes
     std::vector<std::pair<std::uint64_t, const std::vector<std::uint8_t>*>> m_homeless;
     ObjectLayout m_layout;
 };

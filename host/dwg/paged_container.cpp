@@ -55,6 +55,26 @@ base::Result<std::unique_ptr<PagedContainer>> PagedContainer::open(Bytes file)
     return container;
 }
 
+std::unique_ptr<PagedContainer> PagedContainer::blank(Bytes head)
+{
+    // Programs find these by their ids, which count down to the first.
+    static constexpr std::string_view kNames[] = {
+        section::kRevHistory, section::kObjects, section::kObjFreeSpace, section::kTemplate,
+        section::kHandles,    section::kClasses, section::kAuxHeader,    section::kHeader};
+    std::unique_ptr<PagedContainer> container(new PagedContainer(head));
+    auto id = static_cast<std::uint32_t>(std::size(kNames));
+    for (const std::string_view name : kNames) {
+        Descriptor descriptor;
+        descriptor.size = name == section::kObjects ? kObjectsMark.size() : 0;
+        descriptor.pageSize = kUsualPage;
+        descriptor.id = id--;
+        std::copy(name.begin(), name.end(), descriptor.name.begin());
+        container->keep(std::move(descriptor), std::string(name));
+    }
+    (void)container->findObjects(); // just put there
+    return container;
+}
+
 // The block stands twice; either will do, but both should be there and the same.
 base::Status PagedContainer::readHeads()
 {

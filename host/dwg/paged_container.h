@@ -31,6 +31,9 @@ public:
 
     /// @param file  must outlive this.
     static base::Result<std::unique_ptr<PagedContainer>> open(Bytes file);
+    /// One with the sections that every file has, all of them without content.
+    /// @param head  the first 0x80 bytes of a file; must outlive this.
+    static std::unique_ptr<PagedContainer> blank(Bytes head);
 
     std::uint16_t codePage() const override;
     bool isSound(std::size_t section, std::size_t page) const override;

@@ -230,20 +230,35 @@ private:
         const std::uint64_t pageSize = out.descriptor.pageSize;
         const std::uint64_t before = out.descriptor.size;
         out.descriptor.size = layout->size;
-        std::vector<char> isDirty(alignUp(layout->size, pageSize) / pageSize);
-        for (const auto& write : layout->writes)
-            for (std::uint64_t at = write.offset / pageSize * pageSize;
-                 write.size != 0 && at < write.offset + write.size; at += pageSize)
-                isDirty[at / pageSize] = 1;
-        if (layout->size < before && !isDirty.empty())
-            isDirty.back() = 1; // what lay behind the new end must go
-        for (std::uint64_t i = 0; i < isDirty.size(); ++i) {
-            const auto status = isDirty[i] ? remakePage(index, out, i * pageSize, *layout)
-                                           : keepPage(index, out, i * pageSize);
+        const auto writes = writesOfPages(*layout, pageSize);
+        for (std::uint64_t i = 0; i < writes.size(); ++i) {
+            // What lay behind the new end must go.
+            const bool isCut = layout->size < before && i + 1 == writes.size();
+            const bool isKept = writes[i].empty() && !isCut && !isFirstOfNew(index, i);
+            const auto status = isKept ? keepPage(index, out, i * pageSize)
+                                       : remakePage(index, out, i * pageSize, *layout, writes[i]);
             if (!status)
                 return status;
         }
         return {};
+    }
+
+    using Writes = std::vector<const ObjectLayout::Write*>;
+
+    // The writes that touch each page, in their order.
+    static std::vector<Writes> writesOfPages(const ObjectLayout& layout, std::uint64_t pageSize)
+    {
+        std::vector<Writes> pages(alignUp(layout.size, pageSize) / pageSize);
+        for (const auto& write : layout.writes)
+            for (std::uint64_t at = write.offset / pageSize * pageSize;
+                 write.size != 0 && at < write.offset + write.size; at += pageSize)
+                pages[at / pageSize].push_back(&write);
+        return pages;
+    }
+
+    bool isFirstOfNew(std::size_t index, std::uint64_t page) const
+    {
+        return page == 0 && m_source.descriptors()[index].pages.empty();
     }
 
     base::Status keepPage(std::size_t index, OutSection& out, std::uint64_t at)
@@ -254,7 +269,7 @@ private:
     }
 
     base::Status remakePage(std::size_t index, OutSection& out, std::uint64_t at,
-                            const ObjectLayout& layout)
+                            const ObjectLayout& layout, const Writes& writes)
     {
         const std::uint64_t pageSize = out.descriptor.pageSize;
         std::vector<std::uint8_t> plain(pageSize);
@@ -264,14 +279,15 @@ private:
             if (!old)
                 return old.status();
             std::copy(old->begin(), old->end(), plain.begin());
+        } else if (at == 0) {
+            std::copy(kObjectsMark.begin(), kObjectsMark.end(), plain.begin());
         }
-        for (const auto& write : layout.writes) {
-            const std::uint64_t begin = std::max(write.offset, at);
-            const std::uint64_t end = std::min(write.offset + write.size, at + pageSize);
-            if (begin >= end)
-                continue;
-            if (write.bytes)
-                std::memcpy(&plain[begin - at], write.bytes + (begin - write.offset), end - begin);
+        for (const ObjectLayout::Write* write : writes) {
+            const std::uint64_t begin = std::max(write->offset, at);
+            const std::uint64_t end = std::min(write->offset + write->size, at + pageSize);
+            if (write->bytes)
+                std::memcpy(&plain[begin - at], write->bytes + (begin - write->offset),
+                            end - begin);
             else
                 std::memset(&plain[begin - at], 0, end - begin);
         }
@@ -459,7 +475,7 @@ private:
         putU32(file + 0x2C, addressOf(section::kAppInfo));
         putU32(file + 0x30, addressOf(section::kAppInfoHistory));
         if (readU32(file + kVbaFieldAt) != 0)
-            putU32(file + kVbaFieldAt, addressOf("AcDb:VBAProject"));
+            putU32(file + kVbaFieldAt, addressOf(section::kVbaProject));
     }
 
     const SavePlan& m_plan;

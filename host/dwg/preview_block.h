@@ -4,6 +4,8 @@
 #include <optional>
 #include <vector>
 
+#include <db/drawing_file.h>
+
 #include "dwg/checksums.h"
 
 namespace dwg {
@@ -24,6 +26,12 @@ std::optional<std::vector<PreviewEntry>> readPreview(Bytes block, std::uint64_t 
 /// The bytes from the begin sentinel at the start of @p bytes to its end sentinel, both included;
 /// empty when there is no such thing.
 Bytes previewBlockAt(Bytes bytes);
+
+/// The picture in the preview @p block that was stored at @p address; the best one when there are
+/// several.
+db::Preview pictureOf(Bytes block, std::uint64_t address);
+/// A block with that picture, or with none, whose entries tell their places from its own begin.
+std::vector<std::uint8_t> previewBlock(const db::Preview& preview);
 
 /// Makes @p block, which was stored at @p from, right for the address @p to. One that does not
 /// parse stays.

@@ -4,6 +4,7 @@
 
 #include <base/tv_db_handle.h>
 
+#include "byte_stream.h"
 #include "coded_container.h"
 #include "flat_container.h"
 #include "paged_container.h"
@@ -62,6 +63,78 @@ base::Result<RawDrawing> RawDrawing::open(std::vector<std::uint8_t> file)
     drawing.m_container = std::move(*container);
     if (base::Status status = drawing.readSections(); !status)
         return status;
+    return drawing;
+}
+
+namespace {
+
+// The plain part of a file header; what depends on the content is filled in by the writers.
+std::vector<std::uint8_t> blankHead(Version version, std::uint16_t codePage)
+{
+    struct Release {
+        Version version;
+        std::size_t size;         // of the head
+        std::uint8_t maintenance; // byte 0x0B
+        std::uint8_t mark;        // byte 0x0C
+        std::uint8_t application; // bytes 0x11 and 0x16
+        std::uint8_t applicationMaintenance, copy, maintenanceCopy;
+    };
+    // clang-format off
+    static constexpr Release kReleases[] = {
+        {Version::Ac1015, 0x61,  0x0F, 1, 0x17, 0, 0,    0},
+        {Version::Ac1018, 0x100, 0x68, 3, 0x21, 8, 0x21, 8},
+        {Version::Ac1021, 0x480, 0x32, 3, 0x21, 8, 0x21, 8},
+        {Version::Ac1024, 0x100, 0x6D, 3, 0x21, 8, 0x21, 8},
+        {Version::Ac1027, 0x100, 0x7D, 3, 0x21, 8, 0x21, 8},
+        {Version::Ac1032, 0x100, 0,    3, 0x21, 8, 0,    0},
+    };
+    // clang-format on
+    const Release& release = *std::find_if(std::begin(kReleases), std::end(kReleases),
+                                           [&](const auto& r) { return r.version == version; });
+    std::vector<std::uint8_t> head(release.size);
+    const std::string_view name = nameOf(version);
+    std::copy(name.begin(), name.end(), head.begin());
+    head[0x0B] = release.maintenance;
+    head[0x0C] = release.mark;
+    head[0x11] = release.application;
+    head[0x12] = release.applicationMaintenance;
+    putU16(&head[0x13], codePage);
+    if (version == Version::Ac1015) {
+        constexpr std::uint8_t kRecords = 6;
+        head[0x15] = kRecords;
+        for (std::uint8_t number = 0; number < kRecords; ++number)
+            head[0x19 + 9 * number] = number;
+        return head;
+    }
+    head[0x16] = release.copy;
+    head[0x17] = release.maintenanceCopy;
+    putU32(&head[0x28], 0x80);
+    if (version == Version::Ac1021) {
+        const auto page = coded::newHeaderPage();
+        std::copy(page.begin(), page.end(), head.begin() + coded::kHeaderPageAt);
+    }
+    return head;
+}
+
+std::unique_ptr<Container> blankContainer(Version version, Bytes head)
+{
+    switch (version) {
+    case Version::Ac1015: return FlatContainer::blank(head);
+    case Version::Ac1021: return CodedContainer::blank(head);
+    default: return PagedContainer::blank(head);
+    }
+}
+
+} // namespace
+
+RawDrawing RawDrawing::makeBlank(Version version, std::uint16_t codePage)
+{
+    RawDrawing drawing;
+    drawing.m_version = version;
+    drawing.m_file = std::make_unique<std::vector<std::uint8_t>>(blankHead(version, codePage));
+    drawing.m_container = blankContainer(version, *drawing.m_file);
+    drawing.m_header = HeaderVariables::makeDefault(version);
+    drawing.m_classes = ClassTable::makeEmpty(version);
     return drawing;
 }
 

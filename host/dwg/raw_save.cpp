@@ -77,7 +77,7 @@ base::Result<SavePlan> makePlan(const RawDrawing& drawing, const RawChanges& cha
     const std::uint64_t highest = highestHandle(drawing, changes);
     if (plan.header.handSeed() <= highest) // 2
         plan.header.setHandle("HANDSEED", highest + 1);
-    if (plan.header.isChanged() || !plan.header.checksumRight()) {
+    if (changes.header || plan.header.isChanged() || !plan.header.checksumRight()) {
         auto bytes = plan.header.section();
         if (bytes.empty())
             return sectionNotWritten(section::kHeader);

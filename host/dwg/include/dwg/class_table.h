@@ -45,6 +45,8 @@ public:
     const ClassRecord* findNamed(std::string_view dxfName) const;
     /// Appends @p record under the next free number, and tells it; 0 when there is none left.
     std::uint16_t add(ClassRecord record);
+    /// Counts @p change more (or fewer) objects of the class; from 2004 on, else it does nothing.
+    void count(std::uint16_t number, int change);
     bool checksumRight() const { return m_checksumRight; }
 
     /// The section, written new; equal to what was read when nothing was added and its writer chose

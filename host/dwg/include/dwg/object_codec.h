@@ -60,6 +60,9 @@ base::Status decodeObject(const ObjectRecord& object, const ObjectContext& conte
 /// on, and all its references; the rest as bits. The record's class is RAW_OBJECT or RAW_ENTITY,
 /// and it can be encoded again. For objects that decodeObject() refuses.
 base::Result<db::Record> decodeCommonPart(const ObjectRecord& object, const ObjectContext& context);
+/// The same into @p record, whose memory is used again; on failure its content is open.
+base::Status decodeCommonPart(const ObjectRecord& object, const ObjectContext& context,
+                              db::Record& record);
 
 /// The object's bytes, from its size to its checksum, as context.version stores it.
 ///

@@ -35,6 +35,11 @@ public:
     /// read (Damaged). What is wrong without being in the way is told by findings().
     static base::Result<RawDrawing> open(std::vector<std::uint8_t> file);
 
+    /// A drawing of no objects that is in no file: what a new file is saved from. Its sections have
+    /// no content, so a save must bring those that a drawing needs.
+    /// @param codePage  number of the code page of 8-bit strings.
+    static RawDrawing makeBlank(Version version, std::uint16_t codePage);
+
     RawDrawing(RawDrawing&&) noexcept;
     RawDrawing& operator=(RawDrawing&&) noexcept;
     ~RawDrawing();
