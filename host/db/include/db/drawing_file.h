@@ -90,8 +90,8 @@ public:
     /// The header variables, as a record of HEADER_VARIABLES.
     virtual base::Result<Record> header() const = 0;
     virtual std::vector<ClassEntry> classes() const = 0;
-    /// The summary information that the file keeps outside its objects; nullopt when it has none
-    /// there (AC1015 has a record in the named objects dictionary instead).
+    /// The summary information; nullopt when there is none. Wherever the file keeps it: in AC1015
+    /// DWG in a record of the named objects dictionary, which writing keeps up to date too.
     virtual std::optional<SummaryInfo> summary() const = 0;
     virtual Preview preview() const = 0;
     /// The picture that the file keeps for the object (a layout, a view) outside its record.
@@ -141,6 +141,13 @@ public:
     /// them cannot be.
     virtual base::Result<std::vector<std::uint8_t>> write(const Contents& contents,
                                                           Version version) const = 0;
+
+    /// Gives @p count bytes of a file from @p offset on, fewer at its end.
+    using ReadAt = std::function<std::vector<std::uint8_t>(std::uint64_t offset,
+                                                           std::size_t count)>;
+    /// The picture of a file that this format recognises, by a few reads of it; none when it has
+    /// none, or it would take more.
+    virtual Preview quickPreview(const ReadAt&) const { return {}; }
 };
 
 /// Makes @p codec known to all databases; one of each format, the last one counts. Called once at
