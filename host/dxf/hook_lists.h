@@ -1,0 +1,17 @@
+#pragma once
+
+#include <span>
+
+#include "hooks.h"
+
+namespace dxf {
+
+std::span<const Hook> entityHooks();
+std::span<const Hook> textHooks();
+std::span<const Hook> curveHooks();
+std::span<const Hook> hatchHooks();
+std::span<const Hook> tableHooks();
+std::span<const Hook> objectHooks();
+std::span<const Hook> fieldHooks();
+
+} // namespace dxf
