@@ -264,18 +264,25 @@ std::vector<ObjectSlot*> DatabaseImpl::ownedTree(ObjectSlot& root, bool erased)
     std::unordered_map<ObjectSlot*, bool> seen{{&root, true}};
     for (std::size_t i = 0; i < tree.size(); ++i) {
         ObjectSlot& owner = *tree[i];
-        forEachReference(owner.object->record(), [&](const Reference& reference) {
-            if (reference.kind != ReferenceKind::SoftOwner &&
-                reference.kind != ReferenceKind::HardOwner)
-                return;
-            ObjectSlot* owned = find(reference.target);
+        const auto add = [&](std::uint64_t target) {
+            ObjectSlot* owned = find(target);
             if (!owned || owned->isErased != erased || !seen.emplace(owned, true).second ||
                 load(*owned) != TvStatus::Ok)
                 return;
             // A reference alone makes no owner: damaged drawings claim each other's objects.
             if (owned->object->ownerId().slot() == &owner)
                 tree.push_back(owned);
+        };
+        const Record& record = owner.object->record();
+        forEachReference(record, [&](const Reference& reference) {
+            if (reference.kind == ReferenceKind::SoftOwner ||
+                reference.kind == ReferenceKind::HardOwner)
+                add(reference.target);
         });
+        // In AC1015 the list is none of what is written, but what is owned.
+        const ArrayView list = record.array(ownedListOf(record.fields()));
+        for (std::uint32_t at = 0; at < list.size(); ++at)
+            add(list.handle(at));
     }
     return tree;
 }
