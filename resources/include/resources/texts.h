@@ -2,7 +2,7 @@
 
 /// All words for people, by number. A text is a printf-style pattern for TvString::format.
 ///
-/// Ranges: 350-8999 the module's own numbers, 21000-21999 reasons of failures, 22000-22999 the
+/// Ranges: 300-8999 the module's own numbers, 21000-21999 reasons of failures, 22000-22999 the
 /// command-line tool. Numbers are forever.
 namespace text {
 
