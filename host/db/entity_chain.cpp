@@ -16,7 +16,6 @@ struct OwnerFields {
 
 struct Links {
     std::uint64_t previous = 0, next = 0;
-    friend bool operator==(const Links&, const Links&) = default;
 };
 
 const OwnerFields* fieldsOf(const RecordView& owner)

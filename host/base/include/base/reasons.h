@@ -94,7 +94,15 @@
     X(DxfRecordInvalid, 21408)     /* 1: handle */                                                \
     X(DxfClassesNotWritten, 21409) /* 1: classes */                                               \
     X(DxfVerifyFailed, 21410)      /* 1: handle */                                                \
-    X(DxfDoubleHandle, 21411)      /* 1: handle */
+    X(DxfDoubleHandle, 21411)      /* 1: handle */                                              \
+    /* host/rx: modules. %ls 1: the path or name */                                               \
+    X(ModuleNameWrong, 21501)      /* a name is needed, not a path */                             \
+    X(ModuleNotFound, 21502)       /* in none of the program's folders */                         \
+    X(ModuleNotSafe, 21503)        /* 2: the file or folder that others may write */              \
+    X(ModuleNotLoaded, 21504)      /* 2: the system's own text */                                 \
+    X(ModuleWithoutEntry, 21505)                                                                  \
+    X(ModuleOfOtherVersion, 21506) /* 2: its version, 3: ours */                                  \
+    X(ModuleNotStarted, 21507)     /* 2: what its start answered */
 
 // clang-format on
 
