@@ -39,6 +39,8 @@ private:
 /// @param out  the caller's to delete. NoDatabase for null.
 TvStatusCode tvdbGetSummaryInfo(TvDbDatabase* database, TvDbDatabaseSummaryInfo*& out);
 /// Puts it (back) into its drawing.
+/// @return VersionNotWritable, with nothing changed, when the drawing's version has no room for it
+///         (AC1015 keeps ten custom properties).
 TvStatusCode tvdbPutSummaryInfo(const TvDbDatabaseSummaryInfo* info);
 
 /// The picture of a drawing file, read without opening the drawing: a few reads of the file.
