@@ -2,6 +2,7 @@
 // then what takes another form.
 
 #include <algorithm>
+#include <cmath>
 
 #include "convert_data.h"
 #include "db/entity_chain.h"
@@ -129,7 +130,14 @@ constexpr std::int64_t kFitSpline = 1, kClosedSpline = 4; // flags
 
 bool endsWhereItBegins(const ArrayView& points)
 {
-    return !points.isEmpty() && points.point(0) == points.point(points.size() - 1);
+    constexpr double kSame = 1e-9; // of the larger of the two
+    if (points.isEmpty())
+        return false;
+    const Point a = points.point(0), b = points.point(points.size() - 1);
+    const auto isSame = [](double x, double y) {
+        return std::abs(x - y) <= kSame * std::max({1.0, std::abs(x), std::abs(y)});
+    };
+    return isSame(a.x, b.x) && isSame(a.y, b.y) && isSame(a.z, b.z);
 }
 
 // Before 2013 a spline through points is closed only by ending where it begins.

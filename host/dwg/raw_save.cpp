@@ -3,7 +3,8 @@
 // 1. A record that was not changed keeps every bit, its checksum included, be it right or wrong.
 // 2. The next free handle is above every handle of the map, in each place that stores it.
 // 3. Nothing unreadable is written again: what cannot be copied whole makes the save fail.
-// 4. Bytes leave this file only after they were read back and compared with the plan.
+// 4. A save that changes nothing keeps the counter of saves, too.
+// 5. Bytes leave this file only after they were read back and compared with the plan.
 
 #include "dwg/raw_save.h"
 
@@ -67,6 +68,22 @@ std::uint64_t highestHandle(const RawDrawing& drawing, const RawChanges& changes
     return highest;
 }
 
+bool isSection(const RawDrawing& drawing, std::string_view name,
+               const std::vector<std::uint8_t>& bytes)
+{
+    const auto before = drawing.section(name);
+    return before && std::equal(bytes.begin(), bytes.end(), before->begin(), before->end());
+}
+
+// Whether the file is to hold anything else than it does: equal records never come here.
+bool isAnyOther(const SavePlan& plan)
+{
+    return !plan.changes.objects.empty() || !plan.changes.erased.empty() ||
+           std::any_of(plan.sections.begin(), plan.sections.end(), [&](const auto& section) {
+               return !isSection(plan.source, section.first, section.second);
+           });
+}
+
 base::Result<SavePlan> makePlan(const RawDrawing& drawing, const RawChanges& changes,
                                 const SaveOptions& options)
 {
@@ -86,7 +103,7 @@ base::Result<SavePlan> makePlan(const RawDrawing& drawing, const RawChanges& cha
     if (!drawing.classes().checksumRight() && !plan.changed(section::kClasses))
         plan.sections[std::string(section::kClasses)] = drawing.classes().section();
     const auto aux = drawing.section(section::kAuxHeader);
-    if (aux && !plan.changed(section::kAuxHeader)) {
+    if (aux && !plan.changed(section::kAuxHeader) && isAnyOther(plan)) { // 4
         std::vector<std::uint8_t> bytes(aux->begin(), aux->end());
         updateAuxHeader(bytes, drawing.header(), plan.header);
         plan.sections[std::string(section::kAuxHeader)] = std::move(bytes);
@@ -139,7 +156,7 @@ base::Result<std::vector<std::uint8_t>> save(const RawDrawing& drawing, const Ra
     auto bytes = writePlan(*plan);
     if (!bytes)
         return bytes;
-    if (base::Status status = verifyPlan(*plan, *bytes); !status) // 4
+    if (base::Status status = verifyPlan(*plan, *bytes); !status) // 5
         return status;
     return bytes;
 }

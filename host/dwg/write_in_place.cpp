@@ -149,7 +149,7 @@ private:
         if (!record.classDef())
             return base::Status(base::Failure::Usage, base::Reason::DwgRecordInvalid,
                                 {base::hexText(record.handle())});
-        const int number = typeNumberOf(record);
+        const int number = typeNumberOf(record, isNew);
         if (number == 0)
             return base::Status(base::Failure::Unsupported, base::Reason::DwgClassNotNamed,
                                 {TvString(record.classDef()->name())});
@@ -168,11 +168,14 @@ private:
         return &prepared;
     }
 
-    int typeNumberOf(const db::Record& record)
+    // Fixed numbers are not the same in all versions: of a new object they say nothing.
+    int typeNumberOf(const db::Record& record, bool isNew)
     {
+        constexpr int kFirstNamed = 500;
         const db::ClassDef* const classDef = record.classDef();
         const bool isRaw = classDef->name().starts_with("RAW_");
-        if (isRaw || m_classes.classes().find(record.typeNumber()) == classDef)
+        const bool isOfThisFile = !isNew || record.typeNumber() >= kFirstNamed;
+        if (isRaw || (isOfThisFile && m_classes.classes().find(record.typeNumber()) == classDef))
             return record.typeNumber();
         return m_classes.numberOf(*classDef);
     }

@@ -19,7 +19,8 @@ std::vector<std::pair<std::string, Buffer>> drawings()
         for (const char* kind : {"empty-", "line-"})
             all.emplace_back(kind + version, minimalDrawing(kind + version + ".dwg"));
         for (const auto& [name, facts] : realDrawings(version))
-            all.emplace_back(name, readFile(drawingsFolder() / name));
+            if (!name.starts_with("empty-") && !name.starts_with("line-")) // are among ours
+                all.emplace_back(name, readFile(drawingsFolder() / name));
     }
     return all;
 }
@@ -160,7 +161,7 @@ TEST(RawSave, ManyEditsLoseNothingAndDoNotGrowTheFile)
         Buffer bytes = saved(original, {});
         const std::size_t first = bytes.size();
         const auto largest = first + 6'000;
-        const std::size_t rounds = file.size() < 20'000 ? 40 : 12;
+        const std::size_t rounds = file.size() < 20'000 ? 40 : 7;
         for (std::size_t round = 0; round < rounds; ++round) {
             const RawDrawing drawing = opened(bytes);
             const std::uint64_t handle =
