@@ -30,8 +30,7 @@ void copyNewSheetLocation(const TvSmSheetSet& from, TvSmSheetSet& to)
 {
     const TvSmFileReference* source = from.getNewSheetLocation();
     if (!source) {
-        if (to.getNewSheetLocation())
-            to.setNewSheetLocation(nullptr);
+        to.setNewSheetLocation(nullptr);
         return;
     }
     if (auto* reference = gotOrMade<TvSmFileReference>(to, to.getNewSheetLocation(),
@@ -43,8 +42,7 @@ void copyTemplate(const TvSmSheetSet& from, TvSmSheetSet& to)
 {
     const TvSmTvDbLayoutReference* source = from.getDefaultTemplateLayout();
     if (!source) {
-        if (to.getDefaultTemplateLayout())
-            to.setDefaultTemplateLayout(nullptr);
+        to.setDefaultTemplateLayout(nullptr);
         return;
     }
     if (auto* reference = gotOrMade<TvSmTvDbLayoutReference>(

@@ -127,7 +127,10 @@ TEST_F(WatchTableTest, ASetThatIsOpenedAgainKeepsItsEntry)
     g_watchTable.at(database).handler->onEvent(SmEventDatabaseOpened, database);
     EXPECT_EQ(g_watchTable.size(), 1u);
     EXPECT_EQ(g_watchTable.at(database).cookie, cookie);
-    manager().closeDatabase(database);
+    ActivateSheetSet(database);
+    host.told.clear();
+    changeName(database, u"House");
+    EXPECT_EQ(host.told, kReloaded) << "once";
 }
 
 } // namespace
