@@ -96,7 +96,34 @@ base::Status DxfFile::readEntry(std::uint32_t at, db::Record& out) const
         return done;
     if (entry.isEntity)
         addLinks(at, out);
+    else
+        addTold(entry, out);
     return {};
+}
+
+// What records of objects hold and files tell elsewhere: the viewports of a layout, by its block;
+// the block that an object keeps, which is the one that it hangs on.
+void DxfFile::addTold(const Entry& entry, db::Record& out) const
+{
+    static const db::FieldId kViewports = db::fieldId("viewports"),
+                             kBlockRecord = db::fieldId("block_record");
+    if (entry.type->name == "LAYOUT") {
+        const auto source = m_structure->find(out.handle(kBlockRecord));
+        if (!source || source->kind != Structure::Source::Kind::Block)
+            return;
+        const BlockEntry& block = m_structure->block(source->index);
+        // One layout a block: others would make the file as long as they like.
+        if (block.layout != entry.handle || version() < db::Version::Ac1018)
+            return;
+        db::ArrayEditor viewports = db::RecordEditor(out).array(kViewports);
+        for (const std::uint32_t at : block.owned)
+            if (m_structure->entry(at).type->name == "VIEWPORT")
+                viewports.setHandle(viewports.add(), m_structure->entry(at).handle);
+    } else if (entry.type->name == "ACDB_DYNAMICBLOCKPURGEPREVENTER_VERSION") {
+        const auto owner = m_structure->find(entry.owner);
+        if (owner && owner->kind == Structure::Source::Kind::Entry)
+            db::RecordEditor(out).setHandle("block", m_structure->entry(owner->index).owner);
+    }
 }
 
 // The neighbours of an entity, where records hold them, and what belongs to it.

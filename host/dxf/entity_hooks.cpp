@@ -71,30 +71,33 @@ bool readColor(ObjectReader& reader, const Tag& tag)
                              kReference = db::fieldId("color_ref");
     db::RecordEditor color = reader.root().structure(kColor);
     const std::int64_t flags = static_cast<std::uint16_t>(color.integer(kFlags));
+    const auto setFlags = [&](std::int64_t value) {
+        return color.setInteger(kFlags, static_cast<std::int16_t>(value));
+    };
     if (tag.code == 62) {
         const std::int64_t index = std::llabs(reader.integer(tag));
         if (index > kByLayerIndex + 1)
             reader.fail();
-        return color.setInteger(kFlags, (flags & ~kIndexMask) | (index & kIndexMask));
+        return setFlags((flags & ~kIndexMask) | (index & kIndexMask));
     }
     if (reader.version() == db::Version::Ac1015)
         return false;
     if (tag.code == 440) {
         color.setInteger(kAlpha, static_cast<std::int32_t>(reader.integer(tag)));
-        return color.setInteger(kFlags, flags | kTransparency);
+        return setFlags(flags | kTransparency);
     }
     if (tag.code == 420) {
         if (flags & kFromBook)
             return true; // the book's colour tells it
         const auto rgb = static_cast<std::uint32_t>(reader.integer(tag)) & 0xFFFFFF;
         color.setInteger(kRgb, static_cast<std::int32_t>(rgb | 0xC2000000));
-        return color.setInteger(kFlags, flags | kTrue);
+        return setFlags(flags | kTrue);
     }
     const std::uint64_t book = reader.named(Table::Color, tag.value);
     if (book == 0)
         return false;
     color.setInteger(kRgb, 0);
-    color.setInteger(kFlags, flags | kTrue | kFromBook);
+    setFlags(flags | kTrue | kFromBook);
     return reader.root().setHandle(kReference, book);
 }
 
@@ -215,11 +218,24 @@ void finishLine(ObjectReader& reader)
     line.setInteger(kFlat, line.point(kStart).z == 0 && line.point(kEnd).z == 0);
 }
 
+// Records hold it once more.
+void finishLeader(ObjectReader& reader)
+{
+    const db::ArrayView points = reader.record().array("points");
+    if (points.size() != 0)
+        reader.root().setPoint("end_proj", points.point(0));
+}
+
 // ---- shapes: files tell the name, which only the file of shapes knows; a number stands in for it
 
+// The style is told only where it is not the first one of shapes; by handle, since styles of
+// shapes have no name.
 bool readShapeName(ObjectReader& reader, const Tag& tag)
 {
-    reader.root().setHandle("style", reader.context().shapeStyle());
+    if (tag.code == 340)
+        return reader.root().setHandle("style", reader.handle(tag));
+    if (reader.root().handle("style") == 0)
+        reader.root().setHandle("style", reader.context().shapeStyle());
     const auto number = integerIn(tag.value);
     return number && *number >= 0 && *number < 0x10000 &&
            reader.root().setInteger("shape_number", *number);
@@ -228,6 +244,9 @@ bool readShapeName(ObjectReader& reader, const Tag& tag)
 void writeShapeName(ObjectWriter& writer)
 {
     writer.integer(2, writer.root().integer("shape_number"));
+    const std::uint64_t style = writer.root().handle("style");
+    if (style != writer.source().shapeStyle)
+        writer.handle(340, style);
 }
 
 // ---- dimensions
@@ -378,6 +397,7 @@ constexpr Hook kHooks[] = {
     {"polyline_3d", readPolyline3d, writePolyline3d},
     {"polyline_mesh", readPolylineMesh, writePolylineMesh},
     {"line_end", nullptr, nullptr, finishLine},
+    {"leader_end", nullptr, nullptr, finishLeader},
     {"shape_name", readShapeName, writeShapeName},
     {"dimension_type", readDimensionType, writeDimensionType},
     {"image_clip", readImageClip, writeImageClip, finishImageClip},

@@ -234,6 +234,11 @@ void FileWriter::learnNames()
     const db::ArrayView entries = linetypes->array("entries");
     for (std::uint32_t i = 0; i < entries.size(); ++i)
         m_source.linetypes.push_back(entries.handle(i));
+    const auto styles = record(m_contents.header->handle("STYLECTL"));
+    const db::ArrayView all = styles ? styles->array("entries") : db::ArrayView();
+    for (std::uint32_t i = 0; i < all.size() && m_source.shapeStyle == 0; ++i)
+        if (const auto style = record(all.handle(i)); style && style->flag("is_shape"))
+            m_source.shapeStyle = all.handle(i);
 }
 
 // Records whose name differs from the one that copied groups would tell.
@@ -357,6 +362,10 @@ base::Status FileWriter::writeTable(Table table)
         for (std::uint32_t i = 0; i < more.size(); ++i)
             m_out.handle(340, more.handle(i));
     }
+    if (!m_writer.writeExtendedDataOf(*control))
+        return {base::Failure::Unsupported,
+                base::Reason::DxfNotUnderstood,
+                {TvString(std::string(facts.controlClass).c_str())}};
     m_done.insert(control->handle());
     for (const std::uint64_t handle : entries)
         if (base::Status done = writeObject(handle); !done)

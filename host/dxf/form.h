@@ -116,7 +116,8 @@ struct Form {
 
 /// Whether the objects of the class are told by a form; else they stay groups.
 bool hasForm(const db::ClassDef& classDef);
-/// Null for classes that are not told by a form.
+/// Null for classes that are not told by a form. Controls have one for what the heads of tables
+/// share with objects.
 const Form* formOf(const db::ClassDef& classDef, db::Version version);
 
 } // namespace dxf

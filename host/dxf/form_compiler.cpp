@@ -526,7 +526,7 @@ bool hasForm(const db::ClassDef& classDef)
 
 const Form* formOf(const db::ClassDef& classDef, db::Version version)
 {
-    if (!hasForm(classDef))
+    if (!hasForm(classDef) && classDef.kind() != db::ClassKind::Control)
         return nullptr;
     static std::mutex mutex;
     static auto* const forms = new std::map<std::pair<const db::ClassDef*, db::Version>, Form>;

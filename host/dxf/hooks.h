@@ -18,6 +18,8 @@ struct Hook {
     void (*finish)(ObjectReader&) = nullptr;
     /// What follows is a list in which markers and braces have no meaning.
     bool takesAll = false;
+    /// Takes its code once; the next group with it is that of another line.
+    bool isSingle = false;
 };
 
 /// Null when there is none; only forms ask, when they are made.

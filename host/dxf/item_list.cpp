@@ -30,10 +30,15 @@ bool readCoordinate(ObjectReader& reader, db::ArrayEditor& items, const Tag& tag
     return last.setPoint("point", point);
 }
 
-bool setValue(ObjectReader& reader, db::RecordEditor item, db::ItemKind kind, const Tag& tag)
+bool setValue(ObjectReader& reader, db::RecordEditor item, db::ItemKind kind, const Tag& tag,
+              bool isExtended)
 {
     switch (kind) {
-    case db::ItemKind::Text: return item.setText("text", reader.text(tag));
+    case db::ItemKind::Text:
+        // Texts of 8 bits have their code page with them.
+        if (!isExtended && reader.version() < db::Version::Ac1021)
+            item.setInteger("integer", reader.context().coding().codePage());
+        return item.setText("text", reader.text(tag));
     case db::ItemKind::Point:
     case db::ItemKind::Real: return item.setPoint("point", {reader.real(tag)});
     case db::ItemKind::Brace: return item.setInteger("integer", tag.value == "}" ? 1 : 0);
@@ -60,7 +65,9 @@ bool writeItem(ObjectWriter& writer, const db::RecordView& item, bool isExtended
 {
     const auto code = static_cast<int>(item.integer("code"));
     const auto kind = isExtended ? db::extendedItemKind(code) : db::xrecordItemKind(code);
-    if (!kind)
+    // What follows it would be extended data of the record itself.
+    constexpr int kApplication = 1001;
+    if (!kind || (!isExtended && code == kApplication))
         return false;
     switch (*kind) {
     case db::ItemKind::Text: writer.text(code, item.text("text")); break;
@@ -95,7 +102,7 @@ bool readItem(ObjectReader& reader, db::ArrayEditor items, const Tag& tag, bool 
         return false;
     db::RecordEditor item = items[items.add()];
     item.setInteger("code", tag.code);
-    return setValue(reader, item, *kind, tag);
+    return setValue(reader, item, *kind, tag, isExtended);
 }
 
 bool writeItems(ObjectWriter& writer, const db::RecordView& content, bool isExtended)

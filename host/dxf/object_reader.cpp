@@ -55,7 +55,7 @@ void ObjectReader::begin(const db::ClassDef& classDef, const ObjectPlace& place)
     m_bytesItem = nullptr;
     m_bytes.clear();
     m_current = m_last = -1;
-    m_inUnknown = m_failed = m_tooLong = false;
+    m_inUnknown = m_failed = m_tooLong = m_isBehindAll = false;
     m_group = 0;
     m_sawHandle = m_sawOwner = m_knowsApplication = false;
     static const db::FieldId kEntityMode = db::fieldId("entmode"), kOwner = db::fieldId("owner");
@@ -98,7 +98,8 @@ void ObjectReader::readGroup(const Tag& tag)
 {
     if (tag.code == 999) // a comment: kept where it stands
         return note(tag);
-    if (takesAll() && tag.code < 1000) {
+    m_isBehindAll = m_isBehindAll || tag.code == 1001;
+    if (takesAll() && !m_isBehindAll) {
         if (!assign(tag))
             note(tag);
         return;
@@ -207,12 +208,15 @@ bool ObjectReader::assignAt(std::size_t level, const Tag& tag)
 const Scope::Target* ObjectReader::choose(Level& level, const Tag& tag) const
 {
     const Scope::Target* second = nullptr; // free, but its condition does not hold yet
+    const Scope::Target* color = nullptr;  // the last one that was begun, else the first
     for (auto* target = level.scope->targetOf(tag.code); target;
          target = level.scope->nextOf(*target)) {
         const Item& item = level.scope->items[target->item];
         if (target->component > 0) {
-            if (level.last == &item || item.convert == Convert::Color)
+            if (level.last == &item)
                 return target;
+            if (item.convert == Convert::Color && (!color || level.used[target->item]))
+                color = target;
             continue;
         }
         if (!isFree(level, item, target->item))
@@ -222,13 +226,13 @@ const Scope::Target* ObjectReader::choose(Level& level, const Tag& tag) const
         if (!second)
             second = target;
     }
-    return second;
+    return second ? second : color;
 }
 
 bool ObjectReader::isFree(const Level& level, const Item& item, std::uint16_t at) const
 {
     switch (item.kind) {
-    case Item::Kind::Hook:
+    case Item::Kind::Hook: return !item.hook->isSingle || !level.used[at];
     case Item::Kind::Zip:
     case Item::Kind::Ignored: return true;
     case Item::Kind::Array:
@@ -267,7 +271,8 @@ bool ObjectReader::take(std::size_t level, const Scope::Target& target, const Ta
     Level& open = level ? m_stack[level - 1] : m_segments[static_cast<std::size_t>(m_current)];
     const Item& item = open.scope->items[target.item];
     const bool isLong = item.field && item.field->fixedCount != 0;
-    if (!isLong && item.kind != Item::Kind::Hook && target.item < open.used.size())
+    const bool isUsedUp = item.kind != Item::Kind::Hook || item.hook->isSingle;
+    if (!isLong && isUsedUp && target.item < open.used.size())
         open.used.set(target.item);
     open.last = &item;
     switch (item.kind) {
@@ -295,10 +300,8 @@ bool ObjectReader::beginElement(std::size_t level, const Item& item, const Tag& 
         if (item.field->fixedCount) {
             // The elements are there; how many were read stands beside them.
             index = open.counts[at % std::size(open.counts)]++;
-            if (index >= item.field->fixedCount) {
+            if (index + 1 >= item.field->fixedCount)
                 open.used.set(at);
-                return false;
-            }
         } else {
             db::ArrayEditor array(*m_record, *item.holder, open.base + item.holderBase,
                                   *item.field);

@@ -127,9 +127,10 @@ private:
     std::vector<UnknownGroups> m_unknown;
     std::u16string m_text;
     Scratch m_scratch;
-    int m_current = -1;       // segment; -1: no marker yet
-    int m_last = -1;          // segment that groups of an unknown one stand behind
-    bool m_inUnknown = false; // segment
+    int m_current = -1;         // segment; -1: no marker yet
+    int m_last = -1;            // segment that groups of an unknown one stand behind
+    bool m_inUnknown = false;   // segment
+    bool m_isBehindAll = false; // in extended data, which ends a list that takes all
     bool m_failed = false;
     bool m_tooLong = false;
     int m_group = 0; // in braces (102), by its name; 0: in none

@@ -30,7 +30,9 @@ public:
     {
         m_stored[slot] = true;
         // The components of a point may be told one by one.
-        for (std::uint32_t i = 1; i < op.arity && op.arity <= 3; ++i)
+        const bool isReal = op.code == db::OpCode::RawDouble || op.code == db::OpCode::BitDouble ||
+                            op.code == db::OpCode::DefaultDouble;
+        for (std::uint32_t i = 1; isReal && i < op.arity; ++i)
             m_stored[slot + i] = true;
     }
     void bytes(std::uint32_t slot, std::int64_t count) { counted(slot, count); }
@@ -147,6 +149,14 @@ void ObjectWriter::writeHead()
         raw(102, "}");
     }
     handle(330, owner());
+}
+
+bool ObjectWriter::writeExtendedDataOf(const db::Record& record)
+{
+    m_record = &record;
+    m_isRefused = false;
+    writeExtendedData();
+    return !m_isRefused;
 }
 
 void ObjectWriter::writeExtendedData()

@@ -28,6 +28,8 @@ struct RecordSource {
     std::map<std::uint64_t, int> viewportNumbers;
     /// The linetypes of the table, without the two that are none.
     std::vector<std::uint64_t> linetypes;
+    /// The first text style that stands for a file of shapes; 0 when there is none.
+    std::uint64_t shapeStyle = 0;
     /// Of 8-bit texts that records keep as bytes.
     int codePage = 30;
 };
@@ -47,6 +49,9 @@ public:
     /// which are put where they stood. Fails with Usage when counts and arrays of the record do not
     /// agree, with Unsupported when it holds what a file cannot tell.
     base::Status write(const db::Record& record, const std::vector<UnknownGroups>& unknown = {});
+    /// The extended data of a record that is told in another way: of a table's control. False when
+    /// it is data that a file cannot tell.
+    bool writeExtendedDataOf(const db::Record& record);
 
     // ---- for hooks
 

@@ -6,9 +6,16 @@
 #include "block_names.h"
 #include "colors.h"
 #include "completion.h"
+#include "object_reader.h"
 #include "tags.h"
 
 namespace dxf {
+
+namespace {
+
+constexpr std::uint32_t kMostMore = 255; // records count them in one byte
+
+} // namespace
 
 base::Result<std::unique_ptr<Structure>> Structure::make(std::string_view text)
 {
@@ -329,23 +336,35 @@ std::optional<Structure::Source> Structure::find(std::uint64_t handle) const
     return m_sources[m_lastFound].second;
 }
 
-// The extension dictionary of a control, as the head of its table tells it.
-std::uint64_t Structure::extensionOf(const TableEntry& table) const
+// What the head of its table tells about a control: what all objects have; of dimension styles,
+// those that have more than the others.
+db::Record Structure::readHead(Table table) const
 {
-    TagScanner scanner(m_text.substr(table.begin, table.end - table.begin));
+    const db::ClassDef& classDef = *db::classNamed(factsOf(table).controlClass);
+    const TableEntry& told = m_index.tables[static_cast<std::size_t>(table)];
+    const std::string_view head = m_text.substr(told.begin, told.end - told.begin);
+    db::Record record;
+    ObjectReader reader(*m_context);
+    if (!reader.read(classDef, head, {told.handle, 0, 0}, record)) {
+        record = db::Record(classDef);
+        record.setVersion(m_index.version);
+        record.setHandle(told.handle);
+    }
+    if (!record.has("more"))
+        return record;
+    db::ArrayEditor more = db::RecordEditor(record).array("more");
+    TagScanner scanner(head);
     for (Tag tag; scanner.next(tag);)
-        if (tag.code == 360)
-            return handleIn(tag.value).value_or(0);
-    return 0;
+        if (tag.code == 340 && more.size() < kMostMore)
+            more.setHandle(more.add(), handleIn(tag.value).value_or(0));
+    return record;
 }
 
 db::Record Structure::control(Table table) const
 {
     const TableFacts& facts = factsOf(table);
     const TableEntry& told = m_index.tables[static_cast<std::size_t>(table)];
-    db::Record record(*db::classNamed(facts.controlClass));
-    record.setVersion(m_index.version);
-    record.setHandle(told.handle);
+    db::Record record = readHead(table);
     db::RecordEditor control(record);
     db::ArrayEditor entries = control.array("entries");
     const auto add = [&](std::uint64_t handle, std::u16string_view name) {
@@ -361,10 +380,6 @@ db::Record Structure::control(Table table) const
         else
             entries.setHandle(entries.add(), handle);
     };
-    if (const std::uint64_t dictionary = extensionOf(told)) {
-        control.setHandle("xdict", dictionary);
-        control.setInteger("xdict_missing", 0);
-    }
     for (const std::uint32_t at : told.records)
         add(m_index.entries[at].handle, decoded(m_index.entries[at].name));
     for (const BlockEntry& block : m_index.blocks)

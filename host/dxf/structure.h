@@ -7,6 +7,8 @@
 #include <span>
 #include <unordered_map>
 
+#include <db/record_editor.h>
+
 #include "file_context.h"
 #include "file_index.h"
 
@@ -84,7 +86,7 @@ private:
     void placeEntities();
     void listInserts();
     void findNamedObjects();
-    std::uint64_t extensionOf(const TableEntry& table) const;
+    db::Record readHead(Table table) const;
     void sortHandles();
     void addSource(std::uint64_t handle, Source source);
     std::uint32_t blockWithHandle(std::uint64_t handle) const;

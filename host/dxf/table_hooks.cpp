@@ -273,7 +273,11 @@ void writeBlockName(ObjectWriter& writer)
 }
 
 constexpr Hook kHooks[] = {
-    {"table_flags", readTableFlags, writeTableFlags, finishTableFlags},
+    {.name = "table_flags",
+     .read = readTableFlags,
+     .write = writeTableFlags,
+     .finish = finishTableFlags,
+     .isSingle = true}, // dimension styles have another field under the same code
     {"layer", readLayer, writeLayer, finishTableFlags},
     {"linetype_dashes", readDash, writeDashes, finishDashes},
     {"viewport_aspect", readAspect, writeAspect, finishAspect},

@@ -72,6 +72,25 @@ void writeAttributeLock(ObjectWriter& writer)
         writer.integer(280, writer.root().integer("lock_position"));
 }
 
+void beginColumns(db::RecordEditor text)
+{
+    constexpr std::int64_t kColumnVersion = 4;
+    text.setInteger("version", kColumnVersion);
+    text.setFlag("default_flag", true);
+    text.setInteger("attachment2", text.integer("attachment"));
+}
+
+// Like the text itself.
+void setOneColumn(db::RecordEditor text)
+{
+    text.setPoint("x_dir2", text.point("x_dir"));
+    text.setPoint("ins_pt2", text.point("ins_pt"));
+    text.setReal("rect_width2", text.real("rect_width"));
+    text.setReal("rect_height2", text.real("rect_height"));
+    text.setReal("ext_width2", text.real("ext_width"));
+    text.setReal("ext_height2", text.real("ext_height"));
+}
+
 // With several lines: 2 for a value, 4 for a definition.
 void finishAttribute(ObjectReader& reader)
 {
@@ -82,6 +101,8 @@ void finishAttribute(ObjectReader& reader)
     attribute.setInteger("att_type", attribute.has("prompt") ? 4 : 2);
     db::RecordEditor inner = attribute.structure("emb");
     inner.setHandle("layer", attribute.handle("layer"));
+    beginColumns(inner);
+    setOneColumn(inner);
 }
 
 // ---- texts in lines of several characters
@@ -115,6 +136,8 @@ bool readMTextRotation(ObjectReader& reader, const Tag& tag)
 
 // ---- columns, an object within the text's from 2018 on
 
+constexpr std::size_t kHeights = 0, kColumns = 1; // numbers kept for the end
+
 bool readColumns(ObjectReader& reader, const Tag& tag)
 {
     if (reader.version() < db::Version::Ac1032)
@@ -138,8 +161,8 @@ bool readColumns(ObjectReader& reader, const Tag& tag)
     case 41: return text.setReal("rect_height2", reader.real(tag));
     case 42: return text.setReal("ext_width2", reader.real(tag));
     case 43: return text.setReal("ext_height2", reader.real(tag));
-    case 71: return text.setInteger("columns", static_cast<std::int16_t>(reader.integer(tag)));
-    case 72: reader.scratch().numbers[0] = reader.integer(tag); return true;
+    case 71: reader.scratch().numbers[kColumns] = reader.integer(tag); return true;
+    case 72: reader.scratch().numbers[kHeights] = reader.integer(tag); return true;
     case 44: return text.setReal("col_width", reader.real(tag));
     case 45: return text.setReal("gutter", reader.real(tag));
     case 73: return text.setFlag("auto_height", reader.integer(tag) != 0);
@@ -156,26 +179,21 @@ void finishColumns(ObjectReader& reader)
     db::RecordEditor text = reader.root();
     if (reader.version() < db::Version::Ac1032)
         return;
-    text.setInteger("attachment2", text.integer("attachment"));
-    if (!reader.scratch().flags[0]) { // none told: one column, like the text itself
-        text.setPoint("x_dir2", text.point("x_dir"));
-        text.setPoint("ins_pt2", text.point("ins_pt"));
-        text.setReal("rect_width2", text.real("rect_width"));
-        text.setReal("rect_height2", text.real("rect_height"));
-        text.setReal("ext_width2", text.real("ext_width"));
-        text.setReal("ext_height2", text.real("ext_height"));
-        return;
-    }
+    beginColumns(text);
+    if (!reader.scratch().flags[0]) // none told
+        return setOneColumn(text);
+    const std::int64_t columns = reader.scratch().numbers[kColumns];
     const auto& heights = reader.scratch().reals[0];
-    const bool hasHeights = text.integer("columns") == kDynamicColumns && !text.flag("auto_height");
-    if (!hasHeights) {
-        text.setInteger("n_heights", static_cast<std::int32_t>(reader.scratch().numbers[0]));
-        return;
+    if (columns == kDynamicColumns && !text.flag("auto_height")) {
+        db::ArrayEditor array = text.array("heights");
+        array.resize(static_cast<std::uint32_t>(heights.size()));
+        for (std::uint32_t i = 0; i < heights.size(); ++i)
+            array.setReal(i, heights[i]);
+    } else {
+        text.setInteger("n_heights", static_cast<std::int32_t>(reader.scratch().numbers[kHeights]));
     }
-    db::ArrayEditor array = text.array("heights");
-    array.resize(static_cast<std::uint32_t>(heights.size()));
-    for (std::uint32_t i = 0; i < heights.size(); ++i)
-        array.setReal(i, heights[i]);
+    // Last, since setting what only columns have sets it too.
+    text.setInteger("columns", static_cast<std::int16_t>(columns));
 }
 
 void writeColumns(ObjectWriter& writer)
