@@ -65,7 +65,7 @@ void DrawingAuditor::add(DrawingRule rule, AuditSeverity severity, std::uint64_t
                          std::vector<TvString> arguments, base::Status status)
 {
     if (++m_told[static_cast<int>(rule)] <= kMostOfOneRule)
-        m_findings.push_back({rule, severity, handle, std::move(arguments), std::move(status)});
+        m_findings.push_back({rule, severity, handle, std::move(arguments), std::move(status), {}});
 }
 
 std::vector<DrawingFinding> DrawingAuditor::sorted()
@@ -75,6 +75,8 @@ std::vector<DrawingFinding> DrawingAuditor::sorted()
             add(DrawingRule::MoreOfTheSame, AuditSeverity::Note, 0,
                 {auditCode(static_cast<DrawingRule>(rule)),
                  countText(static_cast<std::size_t>(count - kMostOfOneRule))});
+    for (DrawingFinding& finding : m_findings)
+        finding.className = classOf(finding.handle);
     std::stable_sort(m_findings.begin(), m_findings.end(),
                      [](const DrawingFinding& a, const DrawingFinding& b) {
                          return std::pair(a.severity, a.handle) < std::pair(b.severity, b.handle);
@@ -88,6 +90,15 @@ const AuditedObject* DrawingAuditor::find(std::uint64_t handle) const
         m_objects.begin(), m_objects.end(), handle,
         [](const AuditedObject& object, std::uint64_t wanted) { return object.handle < wanted; });
     return at != m_objects.end() && at->handle == handle ? &*at : nullptr;
+}
+
+std::string DrawingAuditor::classOf(std::uint64_t handle) const
+{
+    if (const AuditedObject* object = find(handle); object && object->classDef && !object->isRaw)
+        return std::string(object->classDef->name());
+    const base::Result<ObjectKind> kind =
+        m_impl.file() ? m_impl.file()->kind(handle) : base::Result<ObjectKind>(ObjectKind{});
+    return std::string(kind ? kind->className : std::string_view());
 }
 
 bool DrawingAuditor::isOfClass(std::uint64_t handle, std::string_view name) const

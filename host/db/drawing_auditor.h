@@ -59,6 +59,7 @@ private:
              std::vector<TvString> arguments = {}, base::Status status = {});
     std::vector<DrawingFinding> sorted();
     const AuditedObject* find(std::uint64_t handle) const;
+    std::string classOf(std::uint64_t handle) const;
     bool isOfClass(std::uint64_t handle, std::string_view name) const;
 
     // Reading: drawing_audit.cpp

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include <base/status.h>
@@ -67,7 +68,8 @@ struct DrawingFinding {
     AuditSeverity severity;
     std::uint64_t handle = 0; ///< Of the object that it is about; 0: the drawing as a whole.
     std::vector<TvString> arguments;
-    base::Status status; ///< Of rules that tell one.
+    base::Status status;   ///< Of rules that tell one.
+    std::string className; ///< Of the object, where it is known.
 };
 
 struct DrawingAuditOptions {
