@@ -127,9 +127,11 @@ constexpr char kFiles[] =
     R"(# Completion of kvsheetset for bash, made by "kvsheetset completion bash".
 _kvsheetset_files() {
     compopt -o filenames 2>/dev/null
-    local pattern='!*.[dD][sS][tT]'
-    [[ $1 == drawing* ]] && pattern='!*.[dD][wWxX][gGfF]'
-    mapfile -t COMPREPLY < <(compgen -f -X "$pattern" -- "$2"
+    local ending endings='[sS][tT]'
+    [[ $1 == drawing* ]] && endings='[wW][gG] [xX][fF]'
+    mapfile -t COMPREPLY < <(for ending in $endings; do
+        compgen -f -X "!*.[dD]$ending" -- "$2"
+    done
         compgen -d -- "$2")
 }
 

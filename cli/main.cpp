@@ -6,6 +6,9 @@
 
 #include <unistd.h>
 
+#include <dwg/dwg_codec.h>
+#include <dxf/dxf_codec.h>
+
 #include "cli/application.h"
 
 namespace {
@@ -73,6 +76,8 @@ private:
 int main(int argc, char** argv)
 {
     listenToSignals();
+    dwg::install();
+    dxf::install();
     ProcessPorts ports;
     const std::vector<std::string> arguments(argv + (argc > 0), argv + argc);
     return cli::runTool(arguments, ports);

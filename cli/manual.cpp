@@ -113,9 +113,9 @@ std::string patternText(const char16_t* pattern)
 }
 
 /// The messages from @p first to @p last, with their codes, so that a code can be searched for.
-std::string messageSection(Word title, int first, int last, const char* codeFormat, int base)
+std::string messageList(int first, int last, const char* codeFormat, int base)
 {
-    std::string out = section(title);
+    std::string out;
     for (int at = 0; at < text::count(); ++at) {
         const int number = text::numberAt(at);
         if (number < first || number > last)
@@ -124,6 +124,11 @@ std::string messageSection(Word title, int first, int last, const char* codeForm
         out += ".TP\n.B " + code.utf8() + "\n" + paragraph(patternText(text::find(number)));
     }
     return out;
+}
+
+std::string messageSection(Word title, int first, int last, const char* codeFormat, int base)
+{
+    return section(title) + messageList(first, last, codeFormat, base);
 }
 
 } // namespace
@@ -143,7 +148,9 @@ std::string manualSource()
         out += verbSection(verb);
     out += commonSection() + exitSection();
     out += messageSection(Word::ManMessages, 22400, 22499, "E%05d", 0);
+    out += messageList(22920, 22959, "E%05d", 0);
     out += messageSection(Word::ManFindings, 22501, 22599, "K%03d", 22500);
+    out += messageSection(Word::ManDrawingFindings, 22601, 22699, "D%02d", 22600);
     out += section(Word::ManEnvironment) + ".TP\n.B NO_COLOR\n" +
            paragraph(words(Word::ManNoColor).utf8());
     return out;

@@ -125,6 +125,86 @@ void lockOptions(OptionList& list, Invocation& into)
     fileArgument(list, into.lock.file);
 }
 
+void drawingArgument(OptionList& list, TvString& file)
+{
+    list.file("FILE", file, Word::HelpDrawingFile)->required();
+}
+
+void drawingInfoOptions(OptionList& list, Invocation& into)
+{
+    drawingArgument(list, into.drawingInfo.file);
+}
+
+void drawingCheckOptions(OptionList& list, Invocation& into)
+{
+    drawingArgument(list, into.drawingCheck.file);
+}
+
+void drawingCopyOptions(OptionList& list, Invocation& into)
+{
+    drawingArgument(list, into.drawingCopy.file);
+    list.file("NEWFILE", into.drawingCopy.to, Word::HelpCopyTo)->required();
+    list.plain("--as", "VERSION", into.drawingCopy.as, Word::HelpCopyAs);
+    list.flag("--overwrite", into.drawingCopy.overwrite, Word::HelpOverwrite);
+    dryRunOption(list, into);
+}
+
+void drawingNewOptions(OptionList& list, Invocation& into)
+{
+    list.file("FILE", into.drawingNew.file, Word::HelpNewFile)->required();
+    list.plain("--as", "VERSION", into.drawingNew.as, Word::HelpNewAs);
+    dryRunOption(list, into);
+}
+
+void layoutListOptions(OptionList& list, Invocation& into)
+{
+    drawingArgument(list, into.layoutList.file);
+}
+
+void layoutAddOptions(OptionList& list, Invocation& into)
+{
+    drawingArgument(list, into.layoutAdd.file);
+    list.text("NAME", "NAME", into.layoutAdd.name, Word::HelpLayoutAdd)->required();
+    dryRunOption(list, into);
+}
+
+void layoutRenameOptions(OptionList& list, Invocation& into)
+{
+    drawingArgument(list, into.layoutRename.file);
+    list.text("NAME", "NAME", into.layoutRename.name, Word::HelpLayoutOld)->required();
+    list.text("NEWNAME", "NEWNAME", into.layoutRename.newName, Word::HelpLayoutNew)->required();
+    dryRunOption(list, into);
+}
+
+void layoutRemoveOptions(OptionList& list, Invocation& into)
+{
+    drawingArgument(list, into.layoutRemove.file);
+    list.text("NAME", "NAME", into.layoutRemove.name, Word::HelpLayoutRemove)->required();
+    dryRunOption(list, into);
+}
+
+void sheetDataShowOptions(OptionList& list, Invocation& into)
+{
+    drawingArgument(list, into.sheetDataShow.file);
+}
+
+void sheetDataWriteOptions(OptionList& list, Invocation& into)
+{
+    drawingArgument(list, into.sheetDataWrite.file);
+    list.file("--set", into.sheetDataWrite.set, Word::HelpSheetSet)->required();
+    CLI::Option* name =
+        list.text("--layout", "NAME", into.sheetDataWrite.layout, Word::HelpSheetLayout);
+    list.text("--handle", "HANDLE", into.sheetDataWrite.handle, Word::HelpSheetHandle)
+        ->excludes(name);
+    dryRunOption(list, into);
+}
+
+void sheetDataRemoveOptions(OptionList& list, Invocation& into)
+{
+    drawingArgument(list, into.sheetDataRemove.file);
+    dryRunOption(list, into);
+}
+
 void helpOptions(OptionList& list, Invocation& into)
 {
     list.plains("VERB", into.help.verb, Word::HelpVerb);
@@ -154,20 +234,31 @@ using I = Invocation;
 
 // clang-format off
 constexpr Verb kVerbs[] = {
-    {"new",         Word::SumNew,        Word::DetNew,        Word::ExNew,        newOptions,        runChange<&I::newSet>},
-    {"tree",        Word::SumTree,       Word::DetTree,       Word::ExTree,       treeOptions,       runRead<&I::tree>},
-    {"info",        Word::SumInfo,       Word::DetInfo,       Word::ExInfo,       infoOptions,       runRead<&I::info>},
-    {"subset add",  Word::SumSubsetAdd,  Word::DetSubsetAdd,  Word::ExSubsetAdd,  subsetAddOptions,  runChange<&I::subsetAdd>},
-    {"move",        Word::SumMove,       Word::DetMove,       Word::ExMove,       moveOptions,       runChange<&I::move>},
-    {"set",         Word::SumSet,        Word::DetSet,        Word::ExSet,        setOptions,        runChange<&I::set>},
-    {"prop set",    Word::SumPropSet,    Word::DetPropSet,    Word::ExPropSet,    propSetOptions,    runChange<&I::propSet>},
-    {"prop remove", Word::SumPropRemove, Word::DetPropRemove, Word::ExPropRemove, propRemoveOptions, runChange<&I::propRemove>},
-    {"prop list",   Word::SumPropList,   Word::DetPropList,   Word::ExPropList,   propListOptions,   runRead<&I::propList>},
-    {"remove",      Word::SumRemove,     Word::DetRemove,     Word::ExRemove,     removeOptions,     runChange<&I::remove>},
-    {"check",       Word::SumCheck,      Word::DetCheck,      Word::ExCheck,      checkOptions,      runRead<&I::check>},
-    {"lock",        Word::SumLock,       Word::DetLock,       Word::ExLock,       lockOptions,       runRead<&I::lock>},
-    {"help",        Word::SumHelp,       Word::DetHelp,       Word::ExHelp,       helpOptions,       runRead<&I::help>},
-    {"completion",  Word::SumCompletion, Word::DetCompletion, Word::ExCompletion, completionOptions, runRead<&I::completion>},
+    {"new",                    Word::SumNew,            Word::DetNew,            Word::ExNew,            newOptions,               runChange<&I::newSet>},
+    {"tree",                   Word::SumTree,           Word::DetTree,           Word::ExTree,           treeOptions,              runRead<&I::tree>},
+    {"info",                   Word::SumInfo,           Word::DetInfo,           Word::ExInfo,           infoOptions,              runRead<&I::info>},
+    {"subset add",             Word::SumSubsetAdd,      Word::DetSubsetAdd,      Word::ExSubsetAdd,      subsetAddOptions,         runChange<&I::subsetAdd>},
+    {"move",                   Word::SumMove,           Word::DetMove,           Word::ExMove,           moveOptions,              runChange<&I::move>},
+    {"set",                    Word::SumSet,            Word::DetSet,            Word::ExSet,            setOptions,               runChange<&I::set>},
+    {"prop set",               Word::SumPropSet,        Word::DetPropSet,        Word::ExPropSet,        propSetOptions,           runChange<&I::propSet>},
+    {"prop remove",            Word::SumPropRemove,     Word::DetPropRemove,     Word::ExPropRemove,     propRemoveOptions,        runChange<&I::propRemove>},
+    {"prop list",              Word::SumPropList,       Word::DetPropList,       Word::ExPropList,       propListOptions,          runRead<&I::propList>},
+    {"remove",                 Word::SumRemove,         Word::DetRemove,         Word::ExRemove,         removeOptions,            runChange<&I::remove>},
+    {"check",                  Word::SumCheck,          Word::DetCheck,          Word::ExCheck,          checkOptions,             runRead<&I::check>},
+    {"lock",                   Word::SumLock,           Word::DetLock,           Word::ExLock,           lockOptions,              runRead<&I::lock>},
+    {"drawing info",           Word::SumDrawingInfo,    Word::DetDrawingInfo,    Word::ExDrawingInfo,    drawingInfoOptions,       runRead<&I::drawingInfo>},
+    {"drawing check",          Word::SumDrawingCheck,   Word::DetDrawingCheck,   Word::ExDrawingCheck,   drawingCheckOptions,      runRead<&I::drawingCheck>},
+    {"drawing copy",           Word::SumDrawingCopy,    Word::DetDrawingCopy,    Word::ExDrawingCopy,    drawingCopyOptions,       runChange<&I::drawingCopy>},
+    {"drawing new",            Word::SumDrawingNew,     Word::DetDrawingNew,     Word::ExDrawingNew,     drawingNewOptions,        runChange<&I::drawingNew>},
+    {"drawing layout list",    Word::SumLayoutList,     Word::DetLayoutList,     Word::ExLayoutList,     layoutListOptions,        runRead<&I::layoutList>},
+    {"drawing layout add",     Word::SumLayoutAdd,      Word::DetLayoutAdd,      Word::ExLayoutAdd,      layoutAddOptions,         runChange<&I::layoutAdd>},
+    {"drawing layout rename",  Word::SumLayoutRename,   Word::DetLayoutRename,   Word::ExLayoutRename,   layoutRenameOptions,      runChange<&I::layoutRename>},
+    {"drawing layout remove",  Word::SumLayoutRemove,   Word::DetLayoutRemove,   Word::ExLayoutRemove,   layoutRemoveOptions,      runChange<&I::layoutRemove>},
+    {"drawing sheetdata show", Word::SumSheetDataShow,  Word::DetSheetDataShow,  Word::ExSheetDataShow,  sheetDataShowOptions,     runRead<&I::sheetDataShow>},
+    {"drawing sheetdata write",Word::SumSheetDataWrite, Word::DetSheetDataWrite, Word::ExSheetDataWrite, sheetDataWriteOptions,    runChange<&I::sheetDataWrite>},
+    {"drawing sheetdata remove",Word::SumSheetDataRemove,Word::DetSheetDataRemove,Word::ExSheetDataRemove,sheetDataRemoveOptions,   runChange<&I::sheetDataRemove>},
+    {"help",                   Word::SumHelp,           Word::DetHelp,           Word::ExHelp,           helpOptions,              runRead<&I::help>},
+    {"completion",             Word::SumCompletion,     Word::DetCompletion,     Word::ExCompletion,     completionOptions,        runRead<&I::completion>},
 };
 // clang-format on
 

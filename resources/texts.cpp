@@ -16,6 +16,7 @@ constexpr Row kEnglish[] = {
 #include "en/module.inc"
 #include "en/reasons.inc"
 #include "en/tool.inc"
+#include "en/tool_drawings.inc"
 };
 
 struct Language {

@@ -57,8 +57,20 @@ TEST(Help, EachOptionOfAVerbStandsInItsHelp)
 
 TEST(Help, EachVerbTakesJsonLockWaitAndWhereItChangesDryRun)
 {
-    const std::set<std::string> changing = {"new",      "subset add",  "move",  "set",
-                                            "prop set", "prop remove", "remove"};
+    const std::set<std::string> changing = {"new",
+                                            "subset add",
+                                            "move",
+                                            "set",
+                                            "prop set",
+                                            "prop remove",
+                                            "remove",
+                                            "drawing copy",
+                                            "drawing new",
+                                            "drawing layout add",
+                                            "drawing layout rename",
+                                            "drawing layout remove",
+                                            "drawing sheetdata write",
+                                            "drawing sheetdata remove"};
     for (const cli::Verb& verb : cli::verbs()) {
         std::set<std::string> names;
         for (const cli::OptionInfo& option : cli::optionsOf(&verb))
@@ -244,6 +256,27 @@ TEST(Completion, OffersFoldersVerbsAndShellsWhereTheyStand)
     // Behind the file there is nothing to guess.
     EXPECT_EQ(completed("kvsheetset remove house.dst ho", 3, here), " ");
     EXPECT_EQ(completed("kvsheetset subset add house.dst ho", 4, here), " ");
+}
+
+TEST(Completion, OffersDrawingsWhereDrawingsStand)
+{
+    if (!std::filesystem::exists("/bin/bash"))
+        GTEST_SKIP() << "bash is not installed";
+    const TempFolder folder;
+    for (const char* name : {"house.dst", "hall.dwg", "hut.DXF", "hangar.dwf"})
+        folder.write(name, "");
+    const std::string here = folder.path().string();
+
+    EXPECT_EQ(completed("kvsheetset drawing ''", 2, here), "info check copy new layout sheetdata ");
+    EXPECT_EQ(completed("kvsheetset drawing layout ''", 3, here), "list add rename remove ");
+    EXPECT_EQ(completed("kvsheetset drawing info h", 3, here), "hall.dwg hut.DXF ");
+    EXPECT_EQ(completed("kvsheetset drawing copy hall.dwg h", 4, here), "hall.dwg hut.DXF ");
+    EXPECT_EQ(completed("kvsheetset drawing copy a b --as AC102", 6, here),
+              "AC1021 AC1024 AC1027 ");
+    EXPECT_EQ(completed("kvsheetset drawing layout rename hall.dwg h", 5, here), " ");
+    EXPECT_EQ(completed("kvsheetset drawing sheetdata write hall.dwg --set h", 6, here),
+              "house.dst ");
+    EXPECT_EQ(completed("kvsheetset tree h", 2, here), "house.dst ");
 }
 
 TEST(Completion, KnowsEveryOptionOfTheTree)

@@ -2,6 +2,7 @@
 
 #include <cli/lock_words.h>
 #include <cli/words.h>
+#include <db/drawing_audit.h>
 #include <resources/texts.h>
 #include <sm/audit.h>
 
@@ -42,7 +43,7 @@ TEST(Words, EachTextOfTheToolIsUsed)
         used.insert(row.number);
     for (int at = 0; at < text::count(); ++at) {
         const int number = text::numberAt(at);
-        const bool isFinding = number > 22500 && number < 22600;
+        const bool isFinding = number > 22500 && number < 22700;
         const bool isTools = number >= 22000 && number < 23000 && !isFinding;
         EXPECT_TRUE(!isTools || used.count(number)) << number;
     }
@@ -79,6 +80,9 @@ TEST(Words, EachFindingHasAText)
 {
     for (int number = static_cast<int>(sm::AuditRule::HandlesUsedUp);
          number <= static_cast<int>(sm::AuditRule::NewerVersion); ++number)
+        EXPECT_NE(text::find(number), nullptr) << number;
+    for (int number = static_cast<int>(db::DrawingRule::FileWrong);
+         number <= static_cast<int>(db::DrawingRule::SheetDataLayoutGone); ++number)
         EXPECT_NE(text::find(number), nullptr) << number;
 }
 

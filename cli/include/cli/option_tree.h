@@ -36,6 +36,17 @@ struct Invocation {
     RemoveRequest remove;
     CheckRequest check;
     LockRequest lock;
+    DrawingInfoRequest drawingInfo;
+    DrawingCheckRequest drawingCheck;
+    DrawingCopyRequest drawingCopy;
+    DrawingNewRequest drawingNew;
+    LayoutListRequest layoutList;
+    LayoutAddRequest layoutAdd;
+    LayoutRenameRequest layoutRename;
+    LayoutRemoveRequest layoutRemove;
+    SheetDataShowRequest sheetDataShow;
+    SheetDataWriteRequest sheetDataWrite;
+    SheetDataRemoveRequest sheetDataRemove;
     HelpRequest help;
     CompletionRequest completion;
 };

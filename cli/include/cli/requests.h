@@ -103,6 +103,68 @@ struct LockRequest {
     TvString file;
 };
 
+struct DrawingInfoRequest {
+    TvString file;
+};
+
+struct DrawingCheckRequest {
+    TvString file;
+};
+
+struct DrawingCopyRequest {
+    TvString file;
+    TvString to;
+    std::string as; ///< A format ("AC1032", "dxf"); empty: as it is, by the new name's extension.
+    bool overwrite = false;
+    ChangeOptions change;
+};
+
+struct DrawingNewRequest {
+    TvString file;
+    std::string as; ///< Empty: the current format.
+    ChangeOptions change;
+};
+
+struct LayoutListRequest {
+    TvString file;
+};
+
+struct LayoutAddRequest {
+    TvString file;
+    TvString name;
+    ChangeOptions change;
+};
+
+struct LayoutRenameRequest {
+    TvString file;
+    TvString name;
+    TvString newName;
+    ChangeOptions change;
+};
+
+struct LayoutRemoveRequest {
+    TvString file;
+    TvString name;
+    ChangeOptions change;
+};
+
+struct SheetDataShowRequest {
+    TvString file;
+};
+
+struct SheetDataWriteRequest {
+    TvString file;
+    std::optional<TvString> layout; ///< The layout by its name, or
+    std::optional<TvString> handle; ///< by its handle; exactly one of both.
+    TvString set;                   ///< Path of the sheet set.
+    ChangeOptions change;
+};
+
+struct SheetDataRemoveRequest {
+    TvString file;
+    ChangeOptions change;
+};
+
 struct HelpRequest {
     std::vector<std::string> verb; ///< Its words; empty: the tool as a whole.
     bool manual = false;           ///< The man page's source instead.

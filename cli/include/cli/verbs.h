@@ -10,7 +10,8 @@ namespace cli {
 ///
 /// A verb that changes a set first looks at its request (Usage, before any lock is taken), then
 /// takes the lock, changes, and commits; on every other way out nothing was changed and the lock is
-/// free.
+/// free. Drawings have no lock: a verb that changes one saves it in one step, and only if nobody
+/// else changed it since it was read.
 
 Outcome run(const NewRequest& request, Console& console);
 Outcome run(const TreeRequest& request, Console& console);
@@ -24,6 +25,17 @@ Outcome run(const PropListRequest& request, Console& console);
 Outcome run(const RemoveRequest& request, Console& console);
 Outcome run(const CheckRequest& request, Console& console);
 Outcome run(const LockRequest& request, Console& console);
+Outcome run(const DrawingInfoRequest& request, Console& console);
+Outcome run(const DrawingCheckRequest& request, Console& console);
+Outcome run(const DrawingCopyRequest& request, Console& console);
+Outcome run(const DrawingNewRequest& request, Console& console);
+Outcome run(const LayoutListRequest& request, Console& console);
+Outcome run(const LayoutAddRequest& request, Console& console);
+Outcome run(const LayoutRenameRequest& request, Console& console);
+Outcome run(const LayoutRemoveRequest& request, Console& console);
+Outcome run(const SheetDataShowRequest& request, Console& console);
+Outcome run(const SheetDataWriteRequest& request, Console& console);
+Outcome run(const SheetDataRemoveRequest& request, Console& console);
 Outcome run(const HelpRequest& request, Console& console);
 Outcome run(const CompletionRequest& request, Console& console);
 Outcome run(const VersionRequest& request, Console& console);

@@ -47,6 +47,7 @@
     X(ExitCannotWrite, 22039)                           \
     X(ExitInternal, 22040)                              \
     X(ExitInterrupted, 22041)                           \
+    X(ManDrawingFindings, 22042)                        \
     /* verbs: summary, details, examples */             \
     X(SumNew, 22100)                                    \
     X(SumTree, 22101)                                   \
@@ -227,7 +228,128 @@
     X(AdviceConflict, 22706)                            \
     X(AdviceDamaged, 22707)                             \
     X(AdviceUnsupported, 22708)                         \
-    X(AdviceUnreachable, 22709)
+    X(AdviceUnreachable, 22709)                         \
+    /* drawings: summary, details, examples */          \
+    X(SumDrawingInfo, 22800)                            \
+    X(SumDrawingCheck, 22801)                           \
+    X(SumDrawingCopy, 22802)                            \
+    X(SumDrawingNew, 22803)                             \
+    X(SumLayoutList, 22804)                             \
+    X(SumLayoutAdd, 22805)                              \
+    X(SumLayoutRename, 22806)                           \
+    X(SumLayoutRemove, 22807)                           \
+    X(SumSheetDataShow, 22808)                          \
+    X(SumSheetDataWrite, 22809)                         \
+    X(SumSheetDataRemove, 22810)                        \
+    X(DetDrawingInfo, 22815)                            \
+    X(DetDrawingCheck, 22816)                           \
+    X(DetDrawingCopy, 22817)                            \
+    X(DetDrawingNew, 22818)                             \
+    X(DetLayoutList, 22819)                             \
+    X(DetLayoutAdd, 22820)                              \
+    X(DetLayoutRename, 22821)                           \
+    X(DetLayoutRemove, 22822)                           \
+    X(DetSheetDataShow, 22823)                          \
+    X(DetSheetDataWrite, 22824)                         \
+    X(DetSheetDataRemove, 22825)                        \
+    X(ExDrawingInfo, 22830)                             \
+    X(ExDrawingCheck, 22831)                            \
+    X(ExDrawingCopy, 22832)                             \
+    X(ExDrawingNew, 22833)                              \
+    X(ExLayoutList, 22834)                              \
+    X(ExLayoutAdd, 22835)                               \
+    X(ExLayoutRename, 22836)                            \
+    X(ExLayoutRemove, 22837)                            \
+    X(ExSheetDataShow, 22838)                           \
+    X(ExSheetDataWrite, 22839)                          \
+    X(ExSheetDataRemove, 22840)                         \
+    /* their options */                                 \
+    X(HelpDrawingFile, 22845)                           \
+    X(HelpCopyTo, 22846)                                \
+    X(HelpCopyAs, 22847)                                \
+    X(HelpOverwrite, 22848)                             \
+    X(HelpNewAs, 22849)                                 \
+    X(HelpLayoutAdd, 22850)                             \
+    X(HelpLayoutOld, 22851)                             \
+    X(HelpLayoutNew, 22852)                             \
+    X(HelpLayoutRemove, 22853)                          \
+    X(HelpSheetSet, 22854)                              \
+    X(HelpSheetLayout, 22855)                           \
+    X(HelpSheetHandle, 22856)                           \
+    /* what their verbs say */                          \
+    X(DrawingFormat, 22860)                             \
+    X(DrawingFormatDxf, 22861)                          \
+    X(DrawingCreated, 22862)                            \
+    X(DrawingChanged, 22863)                            \
+    X(DrawingObjects, 22864)                            \
+    X(DrawingObjectCounts, 22865)                       \
+    X(DrawingRaw, 22866)                                \
+    X(DrawingRawCounts, 22867)                          \
+    X(DrawingPreview, 22868)                            \
+    X(DrawingPreviewNone, 22869)                        \
+    X(DrawingTitle, 22870)                              \
+    X(DrawingSubject, 22871)                            \
+    X(DrawingAuthor, 22872)                             \
+    X(DrawingKeywords, 22873)                           \
+    X(DrawingComments, 22874)                           \
+    X(DrawingSavedBy, 22875)                            \
+    X(DrawingRevision, 22876)                           \
+    X(DrawingHyperlinks, 22877)                         \
+    X(DrawingSheetSet, 22878)                           \
+    X(DrawingSheetLayout, 22879)                        \
+    X(DrawingUpdates, 22880)                            \
+    X(DrawingUpdatesAt, 22881)                          \
+    X(HeadProperties, 22882)                            \
+    X(HeadLayouts, 22883)                               \
+    X(HeadViews, 22884)                                 \
+    X(HeadBlocks, 22885)                                \
+    X(HeadXrefs, 22886)                                 \
+    X(HeadSheetData, 22887)                             \
+    X(HeadClasses, 22888)                               \
+    X(LayoutEntities, 22889)                            \
+    X(LayoutEmpty, 22890)                               \
+    X(LayoutPaper, 22891)                               \
+    X(LayoutNoPaper, 22892)                             \
+    X(BlockEntities, 22893)                             \
+    X(ViewSize, 22894)                                  \
+    X(XrefOverlay, 22895)                               \
+    X(ClassRaw, 22896)                                  \
+    X(SheetDataNone, 22897)                             \
+    X(CheckWarning, 22898)                              \
+    X(CheckDrawingSummary, 22899)                       \
+    X(CopiedAs, 22900)                                  \
+    X(CopiedSame, 22901)                                \
+    X(RenamedFromTo, 22902)                             \
+    X(NextAfterNewDrawing, 22903)                       \
+    X(HeadEntities, 22904)                              \
+    X(LayoutPaperInches, 22905)                         \
+    X(DrawingRawDamaged, 22906)                         \
+    X(TimeUtc, 22907)                                   \
+    /* their errors and warnings, with numbers */       \
+    X(NotAVersion, 22920)                               \
+    X(NotADrawingName, 22921)                           \
+    X(DxfNeedsDxfName, 22922)                           \
+    X(NoSuchLayout, 22923)                              \
+    X(LayoutExists, 22924)                              \
+    X(LayoutBadName, 22925)                             \
+    X(LayoutNameReserved, 22926)                        \
+    X(ModelLayoutStays, 22927)                          \
+    X(LastLayoutStays, 22928)                           \
+    X(LayoutNotUnderstood, 22929)                       \
+    X(NotAnObjectHandle, 22930)                         \
+    X(HandleNoLayout, 22931)                            \
+    X(LayoutOrHandle, 22932)                            \
+    X(SheetDataIncomplete, 22933)                       \
+    X(DrawingNotChanged, 22934)                         \
+    X(AboutDrawing, 22935)                              \
+    X(WarnSetMissing, 22936)                            \
+    X(WarnSheetDataLayout, 22937)                       \
+    X(NotADstPath, 22938)                               \
+    /* advice */                                        \
+    X(AdviceDrawingNotFound, 22960)                     \
+    X(AdviceDrawingInUse, 22961)                        \
+    X(AdviceKeepVersion, 22962)                         \
+    X(AdviceOverwrite, 22963)
 // clang-format on
 
 namespace cli {
