@@ -16,14 +16,17 @@ int codeOfVersion(Version version);
 
 base::FileOps& databaseFiles();
 base::Clock& databaseClock();
-FileUse* fileUse();
+/// The database of the open document of that path; null when there is none.
+TvDbDatabase* documentDatabase(const TvString& path);
 
 /// Whether both paths mean one file.
 bool isSameFile(const TvString& a, const TvString& b);
 /// The status of the interface for a failed file operation; @p otherwise where none says more.
 TvStatusCode codeFor(const base::Status& status, TvStatusCode otherwise);
 
-/// Whether another database of this process holds the file for writing.
+/// Whether another database of this process holds the file for writing, or somebody uses it.
 bool isHeldByAnother(const TvString& path, const DatabaseImpl& asking);
+/// Whether somebody but @p asking began to use the file, here or elsewhere.
+bool isUsedByAnother(const TvString& path, const TvDbDatabase& asking);
 
 } // namespace db

@@ -2,6 +2,7 @@
 
 #include <base/atomic_replace.h>
 #include <base/kv_file_system.h>
+#include <db/file_open_info_tip_manager.h>
 
 #include "database_extras.h"
 
@@ -13,7 +14,7 @@ constexpr std::uint64_t kLargestFile = std::uint64_t(1) << 31;
 
 base::FileOps* g_files = nullptr;
 base::Clock* g_clock = nullptr;
-FileUse* g_fileUse = nullptr;
+OpenDocuments* g_documents = nullptr;
 std::vector<const DatabaseImpl*> g_holders; // databases that hold a file for writing
 
 } // namespace
@@ -36,20 +37,20 @@ TvStatusCode codeFor(const base::Status& status, TvStatusCode otherwise)
     }
 }
 
-void setFileUse(FileUse* use)
+void setOpenDocuments(OpenDocuments* documents)
 {
-    g_fileUse = use;
-}
-
-FileUse* fileUse()
-{
-    return g_fileUse;
+    g_documents = documents;
 }
 
 void setDatabaseEnvironment(base::FileOps* ops, base::Clock* clock)
 {
     g_files = ops;
     g_clock = clock;
+}
+
+TvDbDatabase* documentDatabase(const TvString& path)
+{
+    return g_documents ? g_documents->databaseOf(path) : nullptr;
 }
 
 base::FileOps& databaseFiles()
@@ -67,12 +68,13 @@ bool isHeldByAnother(const TvString& path, const DatabaseImpl& asking)
     for (const DatabaseImpl* holder : g_holders)
         if (holder != &asking && holder->holdsFile && isSameFile(holder->originalPath, path))
             return true;
-    return g_fileUse && g_fileUse->isInUse(path, &asking.owner());
+    return isUsedByAnother(path, asking.owner());
 }
 
 DatabaseImpl::~DatabaseImpl()
 {
     std::erase(g_holders, this);
+    endUse(m_owner);
 }
 
 // Reading
@@ -124,7 +126,7 @@ TvStatusCode DatabaseImpl::readFile(const TvString& wanted, int mode)
 
 TvStatusCode TvDbDatabase::readDbByDocName(const TvString& path)
 {
-    TvDbDatabase* open = db::fileUse() ? db::fileUse()->documentDatabase(path) : nullptr;
+    TvDbDatabase* open = db::documentDatabase(path);
     if (!open)
         return readDwgFile(path);
     base::Result<std::vector<std::uint8_t>> bytes = open->toBytes(db::FileFormat::Dwg);

@@ -268,18 +268,16 @@ public:
 
 namespace db {
 
-/// Tells which files are open elsewhere: supplied by whoever keeps documents and in-use files.
-class FileUse
+/// The drawings that are open in the program: supplied by whoever keeps documents.
+class OpenDocuments
 {
 public:
-    virtual ~FileUse() = default;
-    /// Whether somebody but @p asking has the file open for writing.
-    virtual bool isInUse(const TvString& path, const TvDbDatabase* asking) = 0;
-    /// The database of the open document of that path; null when there is none.
-    virtual TvDbDatabase* documentDatabase(const TvString& path) = 0;
+    virtual ~OpenDocuments() = default;
+    /// Null when there is none of that path.
+    virtual TvDbDatabase* databaseOf(const TvString& path) = 0;
 };
 /// Null: nobody keeps any. Not owned.
-void setFileUse(FileUse* use);
+void setOpenDocuments(OpenDocuments* documents);
 
 /// Disk and clock of all databases; tests put their own there. Null: the system's. Not owned.
 void setDatabaseEnvironment(base::FileOps* ops, base::Clock* clock);

@@ -1,0 +1,98 @@
+#include <db/file_open_info_tip_manager.h>
+
+#include <map>
+
+#include <base/edit_lock.h>
+#include <base/kv_file_system.h>
+
+#include "database_extras.h"
+
+namespace {
+
+using base::EditLock;
+using base::LockState;
+
+/// What each database of this process uses.
+std::map<const TvDbDatabase*, std::unique_ptr<EditLock>>& uses()
+{
+    static std::map<const TvDbDatabase*, std::unique_ptr<EditLock>> all;
+    return all;
+}
+
+base::LockInfo usersOf(const TvString& path)
+{
+    if (!KvFileSystem::isTouchAllowed(path))
+        return {};
+    return EditLock(db::databaseFiles(), db::databaseClock(), path).query();
+}
+
+bool isUse(LockState state)
+{
+    return state == LockState::HeldByMe || state == LockState::HeldSameHost ||
+           state == LockState::HeldOtherHost;
+}
+
+/// Anybody may have written the file that it comes from.
+TvString withoutControls(const TvString& text)
+{
+    std::u16string shown;
+    for (const TvChar unit : text.view())
+        if (unit >= u' ' && (unit < 0x7F || unit > 0x9F))
+            shown += unit;
+    return TvString(shown);
+}
+
+} // namespace
+
+bool CFileOpenInfoTipManager::IsInfoFileExists(const TvString& path)
+{
+    return isUse(usersOf(path).state);
+}
+
+bool CFileOpenInfoTipManager::GetInfoFromHideFile(const TvString& path, TvString& user,
+                                                  TvString& second)
+{
+    const base::LockInfo info = usersOf(path);
+    if (!isUse(info.state) || !info.owner)
+        return false;
+    user = withoutControls(info.owner->user);
+    second = withoutControls(info.owner->host);
+    return true;
+}
+
+base::Status db::beginUse(const TvDbDatabase& database, const TvString& path,
+                          const TvString& purpose)
+{
+    if (!KvFileSystem::isTouchAllowed(path))
+        return {base::Failure::Denied, base::Reason::NetworkNotTouched, {path}};
+    if (isHeldByAnother(path, database.impl()))
+        return {base::Failure::Locked, base::Reason::LockHeld, {path}};
+    auto use = std::make_unique<EditLock>(databaseFiles(), databaseClock(), path);
+    if (const auto own = uses().find(&database);
+        own != uses().end() && isSameFile(own->second->file(), path))
+        return {};
+    if (base::Status status = use->take(purpose); !status)
+        return status;
+    endUse(database);
+    uses().emplace(&database, std::move(use));
+    return {};
+}
+
+void db::endUse(const TvDbDatabase& database)
+{
+    const auto own = uses().find(&database);
+    if (own == uses().end())
+        return;
+    // Where the name cannot be taken away, an empty record stays, which says nothing.
+    const base::Status ignored = own->second->removeSidecar();
+    static_cast<void>(ignored);
+    uses().erase(own);
+}
+
+bool db::isUsedByAnother(const TvString& path, const TvDbDatabase& asking)
+{
+    const auto own = uses().find(&asking);
+    if (own != uses().end() && isSameFile(own->second->file(), path))
+        return false;
+    return isUse(usersOf(path).state);
+}
