@@ -1,3 +1,14 @@
+// What holds of every save of a drawing, in whatever format:
+//
+// 1. The file on disk is at each moment the whole old or the whole new one.
+// 2. A file is not replaced that is read only, that somebody else uses, or that somebody changed
+//    since it was read.
+// 3. Everything is kept: an object that was not changed bit for bit in a file of the same version.
+//    What cannot be kept makes the save fail with a reason, before anything is written.
+// 4. Nothing that we understand leads to an erased object any more. One that a not understood
+//    object cannot do without stays, or the save fails.
+// 5. A save that failed leaves the drawing in memory as it was: it can be saved elsewhere.
+
 #include <base/atomic_replace.h>
 #include <base/kv_file_system.h>
 #include <base/path_rules.h>
@@ -39,7 +50,7 @@ base::Result<std::vector<std::uint8_t>> DatabaseImpl::toBytes(FileFormat format,
 TvStatusCode DatabaseImpl::save(const TvString& target, bool backup, FileFormat format,
                                 Version version)
 {
-    if (isHeldByAnother(target, *this))
+    if (isHeldByAnother(target, *this)) // invariant 2
         return fail({base::Failure::Locked, base::Reason::LockHeld, {target}}, TvStatus::FileInUse);
     const bool isThere = KvFileSystem::pathFileExists(target, 1, 0);
     if (isThere && KvFileSystem::isReadOnly(target))
@@ -50,7 +61,7 @@ TvStatusCode DatabaseImpl::save(const TvString& target, bool backup, FileFormat 
     base::Result<std::vector<std::uint8_t>> bytes = toBytes(format, version);
     if (!bytes)
         return fail(bytes.status(), codeFor(bytes.status(), TvStatus::FileNotWritable));
-    base::ReplaceRequest request;
+    base::ReplaceRequest request; // invariant 1
     request.bytes = std::as_bytes(std::span(*bytes));
     if (fileHash && isThere && isSameFile(target, path))
         request.expected = fileHash;
