@@ -41,8 +41,8 @@ std::string_view lineEndOf(const db::Contents& contents)
 
 FileWriter::FileWriter(const db::Contents& contents, db::Version version)
     : m_contents(contents), m_version(version), m_origin(sameForm(contents.origin, version)),
-      m_coding(version, codePageOf(contents)), m_out(m_coding, lineEndOf(contents)),
-      m_writer(m_out, version, m_source)
+      m_records(contents, version), m_coding(version, codePageOf(contents)),
+      m_out(m_coding, lineEndOf(contents)), m_writer(m_out, version, m_source)
 {
     m_source.codePage = codePageOf(contents);
     m_source.record = [this](std::uint64_t handle) -> const db::Record* {
@@ -65,22 +65,6 @@ base::Status FileWriter::write()
     if (base::Status done = writeSections(); !done)
         return done;
     return leftOut();
-}
-
-// A copy, since what is behind it lasts until the next question only.
-base::Result<db::Record> FileWriter::record(std::uint64_t handle) const
-{
-    if (m_contents.changed)
-        if (const auto changed = m_contents.changed->find(handle);
-            changed != m_contents.changed->end())
-            return *changed->second;
-    if (m_contents.erased && m_contents.erased->contains(handle))
-        return base::Status(base::Failure::NotFound, base::Reason::DxfObjectMissing,
-                            {TvString().format(u"%X", static_cast<std::int64_t>(handle))});
-    auto found = m_contents.record(handle);
-    if (!found)
-        return found.status();
-    return **found;
 }
 
 // ---- what there is
@@ -139,12 +123,12 @@ base::Status FileWriter::learnObjects()
         const bool isControl = known.classDef && known.classDef->kind() == db::ClassKind::Control;
         const bool isTold = known.classDef && (isControl || hasForm(*known.classDef)) &&
                             !known.className.starts_with("RAW_");
-        if (!isTold && !mayCopy(handle, known))
+        if ((!isTold && !mayCopy(handle, known)) || !m_records.survey(handle))
             refused.insert(known.className);
         m_objects.emplace(handle, std::move(known));
     }
     if (refused.empty())
-        return {};
+        return finishSurvey();
     std::string names;
     for (const std::string& name : refused)
         names += (names.empty() ? "" : ", ") + name;
@@ -152,13 +136,25 @@ base::Status FileWriter::learnObjects()
         base::Failure::Unsupported, base::Reason::DxfClassesNotWritten, {TvString(names.c_str())}};
 }
 
+base::Status FileWriter::finishSurvey()
+{
+    if (base::Status done = m_records.finishSurvey(); !done)
+        return done;
+    std::erase_if(m_objects, [&](const auto& one) { return m_records.isSuperseded(one.first); });
+    if (const std::uint64_t summary = m_records.summaryHandle()) {
+        const db::ClassDef* const classDef = db::classNamed("XRECORD");
+        m_objects[summary] = {classDef, std::string(classDef->name())};
+    }
+    return {};
+}
+
 // Names of blocks with their numbers: what their BLOCK says, as long as no other block has it.
 base::Status FileWriter::learnBlocks()
 {
-    m_source.modelSpace = m_contents.header->handle("BRMSPACE");
-    m_source.paperSpace = m_contents.header->handle("BRPSPACE");
+    m_source.modelSpace = m_records.header().handle("BRMSPACE");
+    m_source.paperSpace = m_records.header().handle("BRPSPACE");
     std::vector<std::uint64_t> others;
-    const std::uint64_t controlHandle = m_contents.header->handle("BLOCKCTL");
+    const std::uint64_t controlHandle = m_records.header().handle("BLOCKCTL");
     const auto control = record(controlHandle);
     if (!control)
         return control.status();
@@ -228,13 +224,13 @@ void FileWriter::learnLayouts()
 
 void FileWriter::learnNames()
 {
-    const auto linetypes = record(m_contents.header->handle("LTYPECTL"));
+    const auto linetypes = record(m_records.header().handle("LTYPECTL"));
     if (!linetypes)
         return;
     const db::ArrayView entries = linetypes->array("entries");
     for (std::uint32_t i = 0; i < entries.size(); ++i)
         m_source.linetypes.push_back(entries.handle(i));
-    const auto styles = record(m_contents.header->handle("STYLECTL"));
+    const auto styles = record(m_records.header().handle("STYLECTL"));
     const db::ArrayView all = styles ? styles->array("entries") : db::ArrayView();
     for (std::uint32_t i = 0; i < all.size() && m_source.shapeStyle == 0; ++i)
         if (const auto style = record(all.handle(i)); style && style->flag("is_shape"))
@@ -284,13 +280,9 @@ void FileWriter::writeHeaderSection()
     const bool isSame = m_origin && !m_contents.headerChanged && !m_contents.summary &&
                         !m_hasRenamed && before.find("$HANDSEED") != before.npos;
     if (isSame)
-        return copyHeader(m_out, before, m_contents.header->handle("HANDSEED"));
-    std::optional<db::SummaryInfo> summary;
-    if (m_contents.summary)
-        summary = *m_contents.summary;
-    else if (m_contents.origin)
-        summary = m_contents.origin->summary();
-    writeHeader(m_writer, {m_contents.header, summary ? &*summary : nullptr, before});
+        return copyHeader(m_out, before, m_records.header().handle("HANDSEED"));
+    const std::optional<db::SummaryInfo>& summary = m_records.summary();
+    writeHeader(m_writer, {&m_records.header(), summary ? &*summary : nullptr, before});
 }
 
 void FileWriter::writeClasses()
@@ -332,7 +324,7 @@ base::Status FileWriter::writeTables()
 base::Status FileWriter::writeTable(Table table)
 {
     const TableFacts& facts = factsOf(table);
-    const auto control = record(m_contents.header->handle(facts.controlVariable));
+    const auto control = record(m_records.header().handle(facts.controlVariable));
     if (!control)
         return control.status();
     std::vector<std::uint64_t> entries;
@@ -455,7 +447,7 @@ base::Status FileWriter::writeObjects()
 {
     m_out.raw(0, "SECTION");
     m_out.raw(2, "OBJECTS");
-    const std::uint64_t root = m_contents.header->handle("DNAMEDOBJ");
+    const std::uint64_t root = m_records.header().handle("DNAMEDOBJ");
     if (m_objects.contains(root))
         if (base::Status done = writeObject(root); !done)
             return done;

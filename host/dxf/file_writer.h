@@ -11,6 +11,7 @@
 #include "dxf_file.h"
 #include "group_writer.h"
 #include "object_writer.h"
+#include "record_origin.h"
 
 namespace dxf {
 
@@ -50,13 +51,14 @@ private:
 
     base::Status prepare();
     base::Status learnObjects();
+    base::Status finishSurvey();
     base::Status learnBlocks();
     void learnLayouts();
     void learnNames();
     void learnRenames();
     bool mayCopy(std::uint64_t handle, const Known& known) const;
     Known knownOf(std::uint64_t handle) const;
-    base::Result<db::Record> record(std::uint64_t handle) const;
+    base::Result<db::Record> record(std::uint64_t handle) { return m_records.record(handle); }
 
     base::Status writeSections();
     void writeHeaderSection();
@@ -78,6 +80,7 @@ private:
     const db::Contents& m_contents;
     const db::Version m_version;
     const DxfFile* m_origin = nullptr; // in the same version, or null
+    RecordOrigin m_records;
     const TextCoding m_coding;
     GroupWriter m_out;
     RecordSource m_source;
