@@ -115,6 +115,8 @@ void Conversion::survey(const Record& record)
     } else if (record.version() == Version::Ac1015 && data.to != Version::Ac1015 &&
                (name == "VPENT_HDR" || name == kViewportHeaders))
         data.superseded.insert(record.handle());
+    else if (record.version() == Version::Ac1015 && name == kViewportHeaders)
+        data.viewportTable = record.handle(); // it has its own already
     else if (record.handle() == data.namedObjects && name == "DICTIONARY") {
         const ArrayView keys = record.array("keys"), values = record.array("values");
         for (std::uint32_t i = 0; i < keys.size(); ++i)
@@ -125,9 +127,10 @@ void Conversion::survey(const Record& record)
 
 void Conversion::finishSurvey(std::uint64_t& nextHandle)
 {
-    if (m_data->to == Version::Ac1015)
-        addViewportHeaders(*m_data, nextHandle);
-    else if (m_data->summaries.count(m_data->summaryRecord))
+    if (m_data->to == Version::Ac1015) {
+        if (m_data->viewportTable == 0)
+            addViewportHeaders(*m_data, nextHandle);
+    } else if (m_data->summaries.count(m_data->summaryRecord))
         m_data->superseded.insert(m_data->summaryRecord);
 }
 
