@@ -11,7 +11,8 @@
 namespace db {
 
 DatabaseImpl::DatabaseImpl(TvDbDatabase& owner, bool noDocument)
-    : isDocument(!noDocument), m_owner(owner), m_log(*this), m_transactions(owner), m_face(owner)
+    : isDocument(!noDocument), m_owner(owner), m_log(*this), m_transactions(owner), m_face(owner),
+      m_contexts(owner), m_dataLinks(owner)
 {
 }
 

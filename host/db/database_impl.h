@@ -12,7 +12,10 @@
 #include "change_log.h"
 #include "object_slot.h"
 
+#include <db/default_drawing.h>
 #include <db/drawing_file.h>
+#include <db/tv_db_data_link.h>
+#include <db/tv_db_object_context.h>
 #include <db/tv_db_transaction.h>
 
 namespace db {
@@ -26,8 +29,9 @@ public:
 
     /// Takes the content of a file. @pre nothing is there.
     base::Status take(std::unique_ptr<DrawingFile> file);
-    /// Fills an empty database with the objects of a new drawing.
-    void makeDefault();
+    /// Fills an empty database with the objects of a new drawing of that version.
+    void makeDefault(Version version = Version::Ac1032,
+                     Measurement measurement = Measurement::Metric);
 
     TvDbDatabase& owner() const { return m_owner; }
     /// Null for a drawing that was never in a file.
@@ -93,6 +97,8 @@ public:
     std::vector<TvDbDatabaseReactor*>& reactorList() { return m_reactors; }
     TvDbTransactionManager& transactions() { return m_transactions; }
     TvDbImpDatabase& face() { return m_face; }
+    TvDbObjectContextManager& contexts() { return m_contexts; }
+    TvDbDataLinkManager& dataLinks() { return m_dataLinks; }
 
     TvString path, originalPath;
     bool isModified = false;
@@ -124,6 +130,8 @@ private:
     ChangeLog m_log;
     TvDbTransactionManager m_transactions;
     TvDbImpDatabase m_face;
+    TvDbObjectContextManager m_contexts;
+    TvDbDataLinkManager m_dataLinks;
     std::vector<TvDbDatabaseReactor*> m_reactors; // not owned
     base::Status m_lastFailure;
     int m_writers = 0;

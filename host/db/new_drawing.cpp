@@ -1,14 +1,14 @@
 #include "database_extras.h"
 #include "object_factory.h"
 
-#include <db/default_drawing.h>
 #include <db/record_editor.h>
 
 namespace db {
 
-void DatabaseImpl::makeDefault()
+void DatabaseImpl::makeDefault(Version version, Measurement measurement)
 {
-    DrawingContent content = makeDefaultDrawing(m_version, Measurement::Metric);
+    m_version = version;
+    DrawingContent content = makeDefaultDrawing(version, measurement);
     m_header = std::move(content.header);
     const TvDbDate now = TvDbDate::fromUnixMilliseconds(databaseClock().utcNs() / 1'000'000);
     RecordEditor edit(m_header);

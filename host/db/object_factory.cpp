@@ -7,9 +7,11 @@
 #include <db/tv_db_block_begin.h>
 #include <db/tv_db_block_reference.h>
 #include <db/tv_db_curves.h>
+#include <db/tv_db_data_link.h>
 #include <db/tv_db_dictionary.h>
 #include <db/tv_db_entity.h>
 #include <db/tv_db_layout.h>
+#include <db/tv_db_object_context.h>
 #include <db/tv_db_symbol_table.h>
 #include <db/tv_db_text.h>
 #include <db/tv_db_viewport.h>
@@ -49,6 +51,8 @@ constexpr Row kTypes[] = {
     {"ACDBDICTIONARYWDFLT", typeFor<TvDbDictionaryWithDefault>},
     {"DICTIONARYWDFLT", typeFor<TvDbDictionaryWithDefault>},
     {"XRECORD", typeFor<TvDbXrecord>},
+    {"SCALE", typeFor<TvDbScale>},
+    {"DATALINK", typeFor<TvDbDataLink>},
     {"BLOCK_CONTROL", typeFor<TvDbBlockTable>},
     {"LAYER_CONTROL", typeFor<TvDbLayerTable>},
     {"STYLE_CONTROL", typeFor<TvDbTextStyleTable>},
