@@ -24,6 +24,10 @@ TvString freeNumberedName(const TvDbSymbolTable& blocks, std::u16string_view pre
 /// Layer "0", which every drawing has; null in a damaged one.
 TvDbObjectId layerZero(const TvDbDatabase& database);
 
+/// Whether entities of that class stand in a block for themselves: not what begins and ends blocks
+/// and sequences, nor what belongs to another entity.
+bool canStandInBlock(const ClassDef* of);
+
 /// Tells the entity which block it stands in.
 void placeInBlock(RecordEditor entity, TvDbObjectId block);
 

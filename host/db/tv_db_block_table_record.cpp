@@ -4,6 +4,7 @@
 #include "quiet_edit.h"
 #include "thumbnails.h"
 #include "viewport_lists.h"
+#include "xref_paths.h"
 
 #include <db/tv_db_block_begin.h>
 #include <db/tv_db_block_reference.h>
@@ -17,9 +18,11 @@ bool isExternal(const db::RecordView& block)
     return block.flag("is_xref") || block.flag("xref_overlaid");
 }
 
-/// Entities that stand in a block for themselves: not what begins and ends blocks and sequences,
-/// nor what belongs to another entity.
-bool canStandInBlock(const db::ClassDef* of)
+} // namespace
+
+namespace db {
+
+bool canStandInBlock(const ClassDef* of)
 {
     if (!of || !of->isEntity())
         return false;
@@ -28,7 +31,7 @@ bool canStandInBlock(const db::ClassDef* of)
            !name.starts_with("VERTEX_");
 }
 
-} // namespace
+} // namespace db
 
 // Names
 
@@ -46,6 +49,8 @@ TvStatusCode TvDbBlockTableRecord::setName(const TvString& name)
 {
     if (!objectId() || !isWriteEnabled())
         return TvDbSymbolTableRecord::setName(name);
+    if (name == getName())
+        return TvStatus::Ok; // also the name of a space
     if (name.startsWith(u"*") || isLayout())
         return TvStatus::InvalidName;
     if (!db::isChangeable(blockBeginId()))
@@ -114,7 +119,7 @@ TvStatusCode TvDbBlockTableRecord::appendTvDbEntity(TvDbObjectId& out, TvDbEntit
         return TvStatus::NotOpenForWrite;
     if (entity->objectId())
         return TvStatus::AlreadyInDatabase;
-    if (isExternal(fields()) || !canStandInBlock(entity->record().classDef()))
+    if (isExternal(fields()) || !db::canStandInBlock(entity->record().classDef()))
         return TvStatus::NotApplicable;
     db::RecordEditor block = edit();
     if (!block)
@@ -192,6 +197,21 @@ bool TvDbBlockTableRecord::isFromExternalReference() const
 bool TvDbBlockTableRecord::isFromOverlayReference() const
 {
     return fields().flag("xref_overlaid");
+}
+
+bool TvDbBlockTableRecord::isUnloaded() const
+{
+    return isFromExternalReference() && fields().flag("xref_unloaded");
+}
+
+TvDb::XrefStatus TvDbBlockTableRecord::xrefStatus() const
+{
+    if (!isFromExternalReference())
+        return TvDb::kXrfNotAnXref;
+    if (isUnloaded())
+        return TvDb::kXrfUnloaded;
+    const TvString host = database() ? database()->getFilename() : TvString();
+    return db::statusOf(db::findXref(pathName(), host, host));
 }
 
 bool TvDbBlockTableRecord::hasAttributeDefinitions() const

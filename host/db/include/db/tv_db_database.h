@@ -8,11 +8,13 @@
 #include <db/drawing_file.h>
 #include <db/tv_db_date.h>
 #include <db/tv_db_object.h>
+#include <ge/tv_ge_point.h>
 
 class TvDbBlockTable;
 class TvDbDatabaseReactor;
 class TvDbDatabaseSummaryInfo;
 class TvDbDictionary;
+class TvDbIdMapping;
 class TvDbTransactionManager;
 class TvDbObjectContextManager;
 class TvDbDataLinkManager;
@@ -197,13 +199,39 @@ public:
 
     // Blocks
 
-    /// Copies the block @p block and all that it needs into a new drawing, as its model space.
+    /// Copies the whole drawing, as it is now, into a new one: every object, those that nobody
+    /// understands too.
     /// @param out  the caller's. Null when it fails.
+    TvStatusCode wblock(TvDbDatabase*& out);
+    /// Copies the content of @p block and all that it needs into a new drawing of the same version,
+    /// as its model space; the block's base point becomes the drawing's.
+    ///
+    /// What an object owns and what it points to as indispensable comes along; any other reference
+    /// is kept if its target came along, too.
+    /// @param out  the caller's. Null when it fails.
+    /// @return InvalidInput for what is no block of this drawing; NotApplicable for an external
+    ///         reference, or when there are viewports among what would be copied; NotUnderstood
+    ///         when something is kept as bytes, and so cannot be copied: nothing is left out
+    ///         silently. lastFailure() names it.
     TvStatusCode wblock(TvDbDatabase*& out, TvDbObjectId block);
+    /// The same for single entities; @p basePoint becomes the base point of the drawing.
+    TvStatusCode wblock(TvDbDatabase*& out, const std::vector<TvDbObjectId>& entities,
+                        const TvGePoint3d& basePoint);
     /// Copies the model space of @p source into this drawing, as a block of that name (replacing
-    /// the content of one that is there), with layers, styles and blocks that it needs: those that
-    /// are there by name stay.
-    TvStatusCode insert(TvDbObjectId& blockOut, const TvString& blockName, TvDbDatabase* source);
+    /// the content of one that is there), with all that it needs. Layers, styles, linetypes, blocks
+    /// and other things with names that are there already stay, and are used.
+    ///
+    /// @param preserveSource  either way @p source stays what it is.
+    /// @return as wblock(); InvalidName; InvalidInput when the block would hold itself;
+    ///         VersionNotWritable when something has no form in this drawing's version. Then
+    ///         nothing was changed.
+    TvStatusCode insert(TvDbObjectId& blockId, const TvChar* blockName, TvDbDatabase* source,
+                        bool preserveSource = true);
+    /// Copies entities of another drawing, or of this one, to the end of @p block, which is one of
+    /// this drawing. Within one drawing only what they own is copied.
+    /// @param mapping  what became of what.
+    TvStatusCode wblockCloneObjects(const std::vector<TvDbObjectId>& entities, TvDbObjectId block,
+                                    TvDbIdMapping& mapping);
 
     TvDbObjectContextManager* objectContextManager() const;
     TvDbDataLinkManager* getDataLinkManager() const;

@@ -6,6 +6,21 @@
 
 #include <db/tv_db_database.h>
 
+namespace TvDb {
+
+/// How an external reference stands; the numbers are part of the interface.
+enum XrefStatus {
+    kXrfNotAnXref = 0,
+    kXrfResolved = 1,     ///< its file is there and can be read
+    kXrfUnloaded = 2,     ///< the user does not want to see it now
+    kXrfFileNotFound = 4, ///< there is no such file
+    /// The file cannot be read, or nobody looked for it: it lies on a network host that the user
+    /// did not agree to, or the drawing that names it by a relative path has no place itself.
+    kXrfUnresolved = 5,
+};
+
+} // namespace TvDb
+
 class TvDbSymbolTable;
 
 /// A record of a symbol table: something with a name that others refer to.
@@ -197,8 +212,14 @@ class TvDbBlockTableRecord : public TvDbSymbolTableRecord
     bool isAnonymous() const;
     bool isFromExternalReference() const;
     bool isFromOverlayReference() const;
+    /// The user does not want to see the reference now.
+    bool isUnloaded() const;
+    /// Looks whether the file is there, not into it: NotAnXref for any other block.
+    TvDb::XrefStatus xrefStatus() const;
     bool hasAttributeDefinitions() const;
+    /// Where the file of an external reference is, as it was written down; empty for other blocks.
     TvString pathName() const;
+    /// InvalidInput for other blocks, and for an empty path.
     TvStatusCode setPathName(const TvString& path);
     TvString comments() const;
     db::Point origin() const;
