@@ -174,7 +174,13 @@ TvStatusCode TvDbHeaderVar::setpaperSpace(TvDbObjectId block)
 {
     if (block.database() != &m_database)
         return TvStatus::InvalidInput;
-    if (block != m_database.paperSpaceId())
-        m_database.editHeader().setHandle("BRPSPACE", block.handle().value());
-    return TvStatus::Ok;
+    if (block == m_database.paperSpaceId())
+        return TvStatus::Ok;
+    // Table, header and the entities that note where they stand must agree: the table sees to that.
+    const TvDbObjectId table = m_database.symbolTableId(TvDb::SymbolTable::Block);
+    const TvDbObjectPointer<TvDbBlockTable> ours(table, TvDb::kForWrite);
+    if (ours.openStatus() != TvStatus::WasOpenForWrite)
+        return ours ? ours->setPaperSpaceId(block) : ours.openStatus();
+    const TvDbObjectPointer<TvDbBlockTable> callers(table, TvDb::kForNotify);
+    return callers ? callers->setPaperSpaceId(block) : callers.openStatus();
 }

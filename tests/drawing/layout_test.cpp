@@ -1,3 +1,4 @@
+#include <db/tv_db_curves.h>
 #include <db/tv_db_dictionary.h>
 #include <db/tv_db_layout.h>
 #include <db/tv_db_symbol_table.h>
@@ -346,6 +347,60 @@ TEST_P(LayoutTest, ShownOneChangesPlacesWithAnotherAndBackAgain)
                 return !object || object->record().classDef()->name().starts_with("VPENT_HDR");
             });
     EXPECT_EQ(differing, std::set<std::uint64_t>());
+}
+
+TEST_P(LayoutTest, EntitiesOfTheShownOneImplyTheirOwnerAndThoseOfOthersNameIt)
+{
+    const TvDbObjectId first = drawing->paperSpaceId();
+    const TvDbObjectId second =
+        TvDbObjectPointer<TvDbLayout>(add(u"Second"))->getBlockTableRecordId();
+    std::map<std::uint64_t, std::uint64_t> lines; // by their blocks
+    for (const TvDbObjectId block : {first, second}) {
+        TvDbObjectPointer<TvDbBlockTableRecord> record(block, TvDb::kForWrite);
+        auto* line = new TvDbLine({0, 0, 0}, {1, 1, 0});
+        TvDbObjectId id;
+        ASSERT_EQ(record->appendTvDbEntity(id, line), TvStatus::Ok);
+        line->close();
+        lines[block.handle().value()] = id.handle().value();
+    }
+    const auto expectShown = [&](TvDbDatabase& in, TvDbObjectId shown) {
+        EXPECT_EQ(in.paperSpaceId().handle(), shown.handle());
+        EXPECT_EQ(TvDbObjectPointer<TvDbBlockTable>(in.symbolTableId(TvDb::SymbolTable::Block))
+                      ->paperSpaceId()
+                      .handle(),
+                  shown.handle());
+        for (const auto& [block, line] : lines) {
+            const TvDbObjectPointer<TvDbLine> object(in.find(line));
+            const bool isShown = block == shown.handle().value();
+            EXPECT_EQ(object->fields().integer("entmode"), isShown ? 1 : 0) << block;
+            EXPECT_EQ(object->fields().handle("owner"), isShown ? 0 : block);
+            EXPECT_EQ(object->ownerId().handle().value(), block);
+        }
+    };
+    expectShown(*drawing, first);
+    TvDbHeaderVar& header = *TvDbSystemInternals::getImpDatabase(drawing.get())->headerVar();
+    EXPECT_EQ(header.setpaperSpace(drawing->modelSpaceId()), TvStatus::InvalidInput);
+    EXPECT_EQ(header.setpaperSpace(TvDbObjectId()), TvStatus::InvalidInput);
+    ASSERT_EQ(header.setpaperSpace(second), TvStatus::Ok);
+    EXPECT_EQ(header.paperSpace(), second);
+    expectShown(*drawing, second);
+    const auto turned = savedAndRead(*drawing);
+    ASSERT_TRUE(turned);
+    expectShown(*turned, second);
+    {
+        // As a part of the host does it that has the table open itself.
+        const TvDbObjectPointer<TvDbBlockTable> table(
+            turned->symbolTableId(TvDb::SymbolTable::Block), TvDb::kForWrite);
+        TvDbImpDatabase* internal = TvDbSystemInternals::getImpDatabase(turned.get());
+        ASSERT_EQ(internal->headerVar()->setpaperSpace(turned->find(first.handle().value())),
+                  TvStatus::Ok);
+        TvDbObjectPointer<TvDbBlockTableRecord> record(turned->paperSpaceId(), TvDb::kForWrite);
+        EXPECT_EQ(record->setName(u"*Paper_Space"), TvStatus::Ok);
+        EXPECT_EQ(record->setName(u"*Paper_Space7"), TvStatus::InvalidName);
+    }
+    const auto back = savedAndRead(*turned);
+    ASSERT_TRUE(back);
+    expectShown(*back, first);
 }
 
 TEST(Layouts, OfAc1015HaveARecordForEachViewportThatIsShown)
