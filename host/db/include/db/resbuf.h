@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
+#include <utility>
 #include <variant>
 
 #include <base/tv_string.h>
