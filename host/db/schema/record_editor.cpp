@@ -62,6 +62,9 @@ std::uint64_t* RecordEditor::slot(const FieldDef& field)
 
 bool RecordEditor::isDefault(const FieldDef& field) const
 {
+    // The word of a null reference tells its kind all the same.
+    if (field.storage == Storage::Handle)
+        return (word(field) & kTargetMask) == m_def->defaults[field.slot];
     for (std::uint32_t i = 0; i < field.width; ++i)
         if (word(field, i) != m_def->defaults[field.slot + i])
             return false;
