@@ -1,0 +1,132 @@
+#include "derived_variables.h"
+
+#include <base/path_rules.h>
+#include <db/tv_db_database.h>
+#include <db/tv_db_dictionary.h>
+#include <db/tv_db_symbol_table.h>
+
+#include "ed/layouts.h"
+#include "ed/tv_ap_doc_manager.h"
+#include "ed/tv_editor.h"
+
+namespace ed {
+
+namespace {
+
+using Value = std::optional<VariableValue>;
+
+std::int16_t asShort(bool value)
+{
+    return value ? 1 : 0;
+}
+
+void tellChange(const TvChar* name)
+{
+    if (TvEditor* editor = tvedEditor())
+        editor->fireSysVarChanged(name);
+}
+
+/// The name of a symbol table's record.
+Value nameOfRecord(TvDbObjectId id)
+{
+    const TvDbObjectPointer<TvDbSymbolTableRecord> record(id);
+    return record ? Value(record->getName()) : std::nullopt;
+}
+
+/// Points a header variable at the record of that name.
+bool pointAt(TvDbDatabase& database, const char* field, TvDb::SymbolTable table,
+             const VariableValue& value, const TvChar* variable)
+{
+    const TvDbObjectPointer<TvDbSymbolTable> records(database.symbolTableId(table));
+    TvDbObjectId id;
+    if (!records || records->getAt(std::get<TvString>(value), id) != TvStatus::Ok)
+        return false;
+    if (database.headerRecord().handle(field) == id.handle().value())
+        return true;
+    if (!database.editHeader().setHandle(field, id.handle().value()))
+        return false;
+    tellChange(variable);
+    return true;
+}
+
+Value documentFile(TvDbDatabase& database)
+{
+    const TvApDocument* document =
+        tvDocManagerPtr() ? tvDocManagerPtr()->document(&database) : nullptr;
+    return document ? document->fileName() : database.getFilename();
+}
+
+Value daysOf(const TvDbDate& date)
+{
+    constexpr double kMillisecondsPerDay = 86'400'000.0;
+    return date.julianDay() + date.millisecondsOfDay() / kMillisecondsPerDay;
+}
+
+const std::vector<DerivedVariable> kDerived = {
+    {u"CLAYER", VariableKind::Text,
+     [](TvDbDatabase& database) { return nameOfRecord(database.clayer()); },
+     [](TvDbDatabase& database, const VariableValue& value) {
+         return pointAt(database, "CLAYER", TvDb::SymbolTable::Layer, value, u"CLAYER");
+     }},
+    {u"CTAB", VariableKind::Text,
+     [](TvDbDatabase& database) { return Value(currentLayoutName(database)); },
+     [](TvDbDatabase& database, const VariableValue& value) {
+         return setCurrentLayout(database, std::get<TvString>(value)) == TvStatus::Ok;
+     }},
+    {u"DBMOD", VariableKind::Short,
+     [](TvDbDatabase& database) { return Value(asShort(database.isModified())); }, nullptr},
+    {u"DWGNAME", VariableKind::Text,
+     [](TvDbDatabase& database) {
+         return Value(
+             base::PathRules::native().fileNameOf(std::get<TvString>(*documentFile(database))));
+     },
+     nullptr},
+    {u"DWGPREFIX", VariableKind::Text,
+     [](TvDbDatabase& database) {
+         return Value(
+             base::PathRules::native().folderOf(std::get<TvString>(*documentFile(database))));
+     },
+     nullptr},
+    {u"DWGTITLED", VariableKind::Short,
+     [](TvDbDatabase& database) { return Value(asShort(!database.getFilename().isEmpty())); },
+     nullptr},
+    {u"TDCREATE", VariableKind::Real,
+     [](TvDbDatabase& database) { return daysOf(database.tdcreate()); }, nullptr},
+    {u"TDINDWG", VariableKind::Real,
+     [](TvDbDatabase& database) { return daysOf(database.tdindwg()); }, nullptr},
+    {u"TDUPDATE", VariableKind::Real,
+     [](TvDbDatabase& database) { return daysOf(database.tdupdate()); }, nullptr},
+    {u"TEXTSTYLE", VariableKind::Text,
+     [](TvDbDatabase& database) { return nameOfRecord(database.textstyle()); },
+     [](TvDbDatabase& database, const VariableValue& value) {
+         return pointAt(database, "TEXTSTYLE", TvDb::SymbolTable::TextStyle, value, u"TEXTSTYLE");
+     }},
+    {u"TILEMODE", VariableKind::Short,
+     [](TvDbDatabase& database) { return Value(asShort(database.tilemode())); },
+     [](TvDbDatabase& database, const VariableValue& value) {
+         const bool on = std::get<std::int16_t>(value) != 0;
+         if (database.tilemode() == on)
+             return true;
+         database.setTilemode(on);
+         tellChange(u"TILEMODE");
+         tellChange(u"CTAB");
+         return true;
+     }},
+};
+
+} // namespace
+
+const std::vector<DerivedVariable>& derivedVariables()
+{
+    return kDerived;
+}
+
+const DerivedVariable* derivedVariable(const TvString& name)
+{
+    for (const DerivedVariable& variable : kDerived)
+        if (name.compareNoCase(variable.name) == 0)
+            return &variable;
+    return nullptr;
+}
+
+} // namespace ed
