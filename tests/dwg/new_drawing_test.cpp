@@ -110,7 +110,9 @@ TEST(NewDrawing, OfEveryVersionReadsBackWithEverySectionAndObject)
                 ++there;
             }
             EXPECT_EQ(there, content.objects.size());
-            EXPECT_EQ(file->handles().size(), there);
+            const bool hasTable = firstOf(*file, "VPENT_HDR_CONTROL") != 0;
+            EXPECT_EQ(hasTable, version == db::Version::Ac1015) << "what that version needs";
+            EXPECT_EQ(file->handles().size(), there + (hasTable ? 1 : 0));
             for (const char* name : {"AcDb:Header", "AcDb:Classes", "AcDb:Handles", "AcDb:Template",
                                      "AcDb:AuxHeader", "AcDb:ObjFreeSpace"}) {
                 if (version == db::Version::Ac1015 && name == std::string("AcDb:ObjFreeSpace"))
