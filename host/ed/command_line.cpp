@@ -1,0 +1,189 @@
+#include "ed/command_line.h"
+
+#include <algorithm>
+
+#include <db/tv_db_host_application_services.h>
+#include <rx/tv_ed_command_stack.h>
+#include <rx/tv_rx_dictionary.h>
+
+#include "ed/system_variables.h"
+#include "ed/tv_ap_doc_manager.h"
+#include "ed/tv_ax_doc_lock.h"
+#include "ed/tv_editor.h"
+#include "ed/user_prompts.h"
+
+namespace ed {
+
+namespace {
+
+CommandLine* g_commandLine = nullptr;
+
+bool isLineEnd(TvChar unit)
+{
+    return unit == u'\n' || unit == u'\r';
+}
+
+bool isWordEnd(TvChar unit)
+{
+    return unit == u' ' || unit == u'\t' || isLineEnd(unit);
+}
+
+void say(int text, const std::vector<TvString>& arguments)
+{
+    if (UserPrompts* prompts = userPrompts())
+        prompts->say(text, arguments);
+}
+
+TvEdCommandStack* commandStack()
+{
+    return tvrxCast<TvEdCommandStack>(tvrxSysRegistry()->at(kTvRegisteredCommands));
+}
+
+/// The context of a command's document, from its start to its end.
+class RunningCommand
+{
+public:
+    explicit RunningCommand(const TvEdCommand& command) : m_name(command.globalName())
+    {
+        if (TvApDocManager* manager = tvDocManagerPtr())
+            m_context.emplace(*manager);
+        if (TvDbDatabase* database = tvdbHostApplicationServices()->workingDatabase())
+            database->startUndoRecord();
+        if (TvEditor* editor = tvedEditor())
+            editor->fireCommandWillStart(m_name);
+    }
+    void end(bool isCancelled)
+    {
+        m_context.reset(); // reactors are told in the context of the application
+        TvEditor* editor = tvedEditor();
+        if (editor && isCancelled)
+            editor->fireCommandCancelled(m_name);
+        else if (editor)
+            editor->fireCommandEnded(m_name);
+    }
+
+private:
+    TvString m_name; // the command may take its own group away
+    std::optional<TvApDocManager::CommandContext> m_context;
+};
+
+} // namespace
+
+CommandLine* commandLine()
+{
+    return g_commandLine;
+}
+
+CommandLine::CommandLine()
+{
+    g_commandLine = this;
+}
+
+CommandLine::~CommandLine()
+{
+    g_commandLine = nullptr;
+}
+
+void CommandLine::post(const TvString& text)
+{
+    const std::u16string_view units = text;
+    m_input.insert(m_input.end(), units.begin(), units.end());
+}
+
+TvString CommandLine::running() const
+{
+    return m_running ? m_running->globalName() : TvString();
+}
+
+CommandLine::Answer CommandLine::takeAnswer(bool withBlanks, TvString& out)
+{
+    if (m_input.empty())
+        return Answer::None;
+    const auto end = std::ranges::find_if(m_input, [&](TvChar unit) {
+        return unit == kEscape || (withBlanks ? isLineEnd(unit) : isWordEnd(unit));
+    });
+    const bool isEscaped = end != m_input.end() && *end == kEscape;
+    std::u16string answer(m_input.begin(), end);
+    m_input.erase(m_input.begin(), end == m_input.end() ? end : end + 1);
+    if (isEscaped)
+        return Answer::Escape;
+    out = TvString(answer);
+    return Answer::Text;
+}
+
+/// The next word that is not empty; false when there is none.
+bool CommandLine::takeWord(TvString& out)
+{
+    while (true) {
+        switch (takeAnswer(false, out)) {
+        case Answer::None: return false;
+        case Answer::Escape: break;
+        case Answer::Text:
+            if (!out.isEmpty())
+                return true;
+        }
+    }
+}
+
+void CommandLine::work()
+{
+    if (m_isWorking)
+        return;
+    m_isWorking = true;
+    TvString word;
+    while (takeWord(word))
+        perform(word);
+    m_isWorking = false;
+}
+
+void CommandLine::perform(const TvString& word)
+{
+    TvEdCommandStack* stack = commandStack();
+    if (TvEdCommand* command = stack ? stack->lookupCmd(word) : nullptr)
+        return run(*command);
+    if (!setVariable(word))
+        say(kUnknownCommand, {word});
+}
+
+void CommandLine::run(TvEdCommand& command)
+{
+    RunningCommand running(command);
+    m_running = &command;
+    m_isCancelled = false;
+    command.functionAddr()();
+    m_running = nullptr;
+    if (m_isCancelled)
+        say(kCommandCancelled, {});
+    running.end(m_isCancelled);
+}
+
+bool CommandLine::setVariable(const TvString& name)
+{
+    const std::optional<VariableInfo> info = systemVariable(name);
+    const std::optional<VariableValue> now = info ? variable(name) : std::nullopt;
+    if (!now)
+        return false;
+    const TvString shown = valueText(*now);
+    if (info->isReadOnly) {
+        say(kVariableReadOnly, {info->name, shown});
+        return true;
+    }
+    TvString typed;
+    const bool withBlanks = info->kind == VariableKind::Text;
+    if (tvedGetString(withBlanks, (TvString(info->name) + u" <" + shown + u">: ").kwszPtr(),
+                      typed) != TvStatus::Normal ||
+        typed.isEmpty())
+        return true;
+    const std::optional<VariableValue> value = parsedValue(info->kind, typed);
+    if (!value || !ed::setVariable(name, *value))
+        say(kNoValueFor, {info->name, typed});
+    return true;
+}
+
+} // namespace ed
+
+void tvedPostCommand(const TvString& text)
+{
+    if (ed::CommandLine* line = ed::commandLine())
+        line->post(text);
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <deque>
+
+#include <base/tv_string.h>
+
+class TvEdCommand;
+
+namespace ed {
+
+/// Texts that the command line says, by number.
+enum CommandLineText : int {
+    kUnknownCommand = 23001,   ///< 1: what was typed
+    kVariableReadOnly = 23002, ///< 1: variable, 2: its value
+    kNoValueFor = 23003,       ///< 1: variable, 2: what was typed
+    kCommandCancelled = 23004,
+};
+
+/// Works off what is typed, posted or read from a script: words that name commands or system
+/// variables, and the answers to what they ask.
+///
+/// A blank or the end of a line ends a word. Commands run one after the other, never within each
+/// other: what a command posts comes after it, unless the command asks for it. The escape character
+/// cancels the command that asks, and the word that is being typed; otherwise it is nothing.
+class CommandLine
+{
+public:
+    static constexpr TvChar kEscape = 0x1B;
+
+    CommandLine();
+    ~CommandLine();
+    CommandLine(const CommandLine&) = delete;
+    CommandLine& operator=(const CommandLine&) = delete;
+
+    void post(const TvString& text);
+    /// Runs all that was posted. Nothing while a command runs.
+    void work();
+    bool isIdle() const { return m_input.empty() && !m_running; }
+    /// The global name of the command that runs; empty when none does.
+    TvString running() const;
+
+    enum class Answer { None, Text, Escape };
+    /// For a command that asks: the next word, or with blanks the rest of the line. An escape takes
+    /// what was typed before it on the same line, or in the same word, along.
+    /// @param out  set for Text only; an empty answer is one.
+    Answer takeAnswer(bool withBlanks, TvString& out);
+    /// The command that runs was given up; told when it ends.
+    void cancel() { m_isCancelled = true; }
+
+private:
+    bool takeWord(TvString& out);
+    void perform(const TvString& word);
+    void run(TvEdCommand& command);
+    bool setVariable(const TvString& name);
+
+    std::deque<TvChar> m_input;
+    TvEdCommand* m_running = nullptr;
+    bool m_isWorking = false;
+    bool m_isCancelled = false;
+};
+
+/// The program's, or null before it made one.
+CommandLine* commandLine();
+
+} // namespace ed
