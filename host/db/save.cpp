@@ -2,7 +2,7 @@
 //
 // 1. The file on disk is at each moment the whole old or the whole new one.
 // 2. A file is not replaced that is read only, that somebody else uses, or that somebody changed
-//    since it was read.
+//    or took away since it was read.
 // 3. Everything is kept: an object that was not changed bit for bit in a file of the same version.
 //    What cannot be kept makes the save fail with a reason, before anything is written.
 // 4. Nothing that we understand leads to an erased object any more. One that a not understood
@@ -53,7 +53,10 @@ TvStatusCode DatabaseImpl::save(const TvString& target, bool backup, FileFormat 
     if (isHeldByAnother(target, *this)) // invariant 2
         return fail({base::Failure::Locked, base::Reason::LockHeld, {target}}, TvStatus::FileInUse);
     const bool isThere = KvFileSystem::pathFileExists(target, 1, 0);
-    if (isThere && KvFileSystem::isReadOnly(target))
+    // The file it came from counts as read only, too, when it vanished: whoever took it away had a
+    // reason, and what is in memory can be saved elsewhere.
+    const bool isOwn = fileHash && isSameFile(target, path);
+    if ((isThere || isOwn) && KvFileSystem::isReadOnly(target))
         return fail({base::Failure::ReadOnly, base::Reason::FileReadOnly, {target}},
                     TvStatus::FileReadOnly);
     if (isModified)
@@ -63,7 +66,7 @@ TvStatusCode DatabaseImpl::save(const TvString& target, bool backup, FileFormat 
         return fail(bytes.status(), codeFor(bytes.status(), TvStatus::FileNotWritable));
     base::ReplaceRequest request; // invariant 1
     request.bytes = std::as_bytes(std::span(*bytes));
-    if (fileHash && isThere && isSameFile(target, path))
+    if (isOwn)
         request.expected = fileHash;
     if (backup && isThere) {
         const base::PathRules& rules = base::PathRules::native();

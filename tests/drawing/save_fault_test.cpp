@@ -203,6 +203,33 @@ TEST_F(DrawingSave, OfAReadOnlyFileIsRefused)
     EXPECT_TRUE(folder.read(kName) == m_before);
 }
 
+TEST_F(DrawingSave, OfAReadOnlyFileIsRefusedForEveryUserAlsoToAnotherPath)
+{
+    TvDbDatabase drawing(false, true);
+    ASSERT_EQ(drawing.readDwgFile(path()), TvStatus::Ok);
+    mark(drawing, u"changed");
+    folder.write("other.dwg", "kept");
+    ::chmod((folder.path() / "other.dwg").c_str(), 0444);
+    EXPECT_EQ(drawing.saveAs(folder.file("other.dwg")), TvStatus::FileReadOnly);
+    EXPECT_EQ(folder.read("other.dwg"), "kept");
+    EXPECT_TRUE(drawing.isModified());
+    EXPECT_EQ(drawing.getFilename(), path());
+}
+
+TEST_F(DrawingSave, OfItsOwnFileThatVanishedIsRefusedAndElsewhereItWorks)
+{
+    TvDbDatabase drawing(false, true);
+    ASSERT_EQ(drawing.readDwgFile(path()), TvStatus::Ok);
+    mark(drawing, u"changed");
+    std::filesystem::remove(folder.path() / kName);
+    EXPECT_EQ(drawing.saveAs(path()), TvStatus::FileReadOnly);
+    EXPECT_EQ(drawing.lastFailure().reason(), base::Reason::FileReadOnly);
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / kName));
+    EXPECT_TRUE(drawing.isModified());
+    ASSERT_EQ(drawing.saveAs(folder.file("new.dwg")), TvStatus::Ok);
+    EXPECT_EQ(markOf(folder.file("new.dwg")), u"changed");
+}
+
 TEST_F(DrawingSave, ThroughASymbolicLinkReplacesWhatItLeadsTo)
 {
     std::filesystem::create_symlink(kName, folder.path() / "link.dwg");
