@@ -1,8 +1,10 @@
 // Values that are no geometry: lists of items, extended data, dates, header variables, records of
 // symbol tables.
 
+#include <ctime>
 #include <limits>
 
+#include <db/local_time.h>
 #include <db/tv_db_date.h>
 #include <db/tv_db_dictionary.h>
 #include <db/tv_db_symbol_table.h>
@@ -382,6 +384,56 @@ TEST(Dates, OutOfAllCalendarsEnd)
         for (const std::int64_t milliseconds :
              {std::int64_t(-1), std::numeric_limits<std::int64_t>::max()})
             EXPECT_FALSE(TvDbDate(day, milliseconds).text().isEmpty()) << day;
+}
+
+namespace {
+
+/// The time zone of this process while it lives.
+class TimeZone
+{
+public:
+    explicit TimeZone(const char* zone)
+    {
+        if (const char* before = std::getenv("TZ"))
+            m_before = before;
+        ::setenv("TZ", zone, 1);
+        ::tzset();
+    }
+    ~TimeZone()
+    {
+        m_before ? ::setenv("TZ", m_before->c_str(), 1) : ::unsetenv("TZ");
+        ::tzset();
+    }
+
+private:
+    std::optional<std::string> m_before;
+};
+
+} // namespace
+
+TEST(Dates, OfLocalClocksFollowSummerTime)
+{
+    // One hour before universal time, two from the end of March to the end of October.
+    const TimeZone zone("MEZ-1MESZ,M3.5.0,M10.5.0/3");
+    const TvDbDate winter = TvDbDate::fromUnixMilliseconds(1'700'000'000'123); // November 2023
+    EXPECT_EQ(winter.text(), u"2023-11-14 22:13:20");
+    EXPECT_EQ(db::localFromUtc(winter).text(), u"2023-11-14 23:13:20");
+    EXPECT_EQ(db::localFromUtc(winter).millisecondsOfDay() % 1000, 123);
+    const TvDbDate summer = TvDbDate::fromUnixMilliseconds(1'690'000'000'000); // July 2023
+    EXPECT_EQ(summer.text(), u"2023-07-22 04:26:40");
+    EXPECT_EQ(db::localFromUtc(summer).text(), u"2023-07-22 06:26:40");
+    for (const TvDbDate& moment : {winter, summer, TvDbDate(2400000, 0)})
+        EXPECT_EQ(db::utcFromLocal(db::localFromUtc(moment)), moment) << moment.text().utf8();
+}
+
+TEST(Dates, OutOfAllCalendarsHaveNoZone)
+{
+    const TimeZone zone("XXX-5");
+    for (const TvDbDate& odd : {TvDbDate(), TvDbDate(-7, 5), TvDbDate(2400000, -1),
+                                TvDbDate(std::numeric_limits<std::int64_t>::max(), 0)}) {
+        EXPECT_EQ(db::localFromUtc(odd), odd);
+        EXPECT_EQ(db::utcFromLocal(odd), odd);
+    }
 }
 
 TEST(Dates, OfRealDrawingsAreTheirs)
