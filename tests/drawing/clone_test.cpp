@@ -4,6 +4,7 @@
 #include <db/tv_db_curves.h>
 #include <db/tv_db_dictionary.h>
 #include <db/tv_db_id_mapping.h>
+#include <db/tv_db_object_context.h>
 #include <db/tv_db_symbol_table.h>
 #include <db/tv_db_text.h>
 #include <db/tv_db_viewport.h>
@@ -109,6 +110,14 @@ void expectSound(TvDbDatabase& drawing)
         for (const TvDbObjectId entity : block->entityIds())
             EXPECT_EQ(TvDbObjectPointer<TvDbObject>(entity, TvDb::kForNotify)->ownerId(), id);
     }
+}
+
+bool hasViewports(const TvDbBlockTableRecord& block)
+{
+    for (const TvDbObjectId id : block.entityIds())
+        if (TvDbObjectPointer<TvDbViewport>(id, TvDb::kForNotify))
+            return true;
+    return false;
 }
 
 class CloneTest : public testing::TestWithParam<std::string>
@@ -382,6 +391,22 @@ TEST_P(CloneTest, AttributesExtensionsAndHandlesInDataComeAlong)
               recordNamed(*read, TvDb::SymbolTable::Layer, u"Wall").handle());
 }
 
+TEST_P(CloneTest, LayersThatOnlyDataNamesComeAlong)
+{
+    addLayer(*source, u"Named", 4);
+    ASSERT_EQ(TvDbObjectPointer<TvDbObject>(line, TvDb::kForWrite)
+                  ->setXData(TvResbufPtr(tvutBuildList(1001, u"APP", 1003, u"Named")).get()),
+              TvStatus::Ok);
+    TvDbDatabase* out = nullptr;
+    ASSERT_EQ(source->wblock(out, {line}, {}), TvStatus::Ok);
+    const std::unique_ptr<TvDbDatabase> made(out);
+    const TvDbObjectPointer<TvDbObject> copy(entitiesOf(made->modelSpaceId())[0]);
+    const TvResbufPtr data(copy->xData(u"APP"));
+    ASSERT_TRUE(data && data->rbnext);
+    EXPECT_EQ(TvString(data->rbnext->resval.rstring), u"Named");
+    EXPECT_EQ(colorOfLayer(*made, u"Named"), 4);
+}
+
 TEST_P(CloneTest, WithinOneDrawingOnlyWhatIsOwnedIsCopied)
 {
     const TvDbObjectId id =
@@ -456,6 +481,7 @@ TEST(Clones, BlocksOfRealDrawingsGoIntoNewDrawingsAndOthersOrAreRefusedByName)
             }
             ++copied;
             ASSERT_TRUE(made);
+            EXPECT_FALSE(hasViewports(*block)) << "there is no sheet for them";
             expectSound(*made);
             EXPECT_EQ(entitiesOf(made->modelSpaceId()).size(), block->entityIds().size());
             TvDbObjectId copy;
@@ -485,6 +511,12 @@ TEST(Clones, BlocksOfRealDrawingsGoIntoNewDrawingsAndOthersOrAreRefusedByName)
         const auto read = savedAndRead(target);
         ASSERT_TRUE(read);
         expectSound(*read);
+        std::set<TvString> scales; // many annotations, and each scale once
+        for (const TvDbAnnotationScale& scale :
+             read->objectContextManager()
+                 ->contextCollection(TvString(tvdbAnnotationScaleCollectionName))
+                 ->contexts())
+            EXPECT_TRUE(scales.insert(scale.getName()).second) << scale.getName().utf8();
     });
 }
 
