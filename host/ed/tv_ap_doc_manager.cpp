@@ -224,7 +224,6 @@ TvStatusCode TvApDocManager::closeDocument(TvApDocument* document)
         editor->fireDocumentClosing(document->database());
     if (m_linker)
         m_linker->sendMessage(TvRx::kUnloadDwgMsg);
-    db::endUse(*document->database());
     std::erase(m_activated, document);
     const bool wasActive = m_active == document, wasCurrent = m_current == document;
     TvApDocument* next = m_activated.empty() ? nullptr : m_activated.back();

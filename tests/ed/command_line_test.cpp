@@ -173,7 +173,18 @@ TEST_F(CommandLineTest, ACommandRunsInTheContextOfItsDocumentAndIsUndoneAlone)
     type(u"SCALE\nSIZE\n");
     EXPECT_FALSE(s_wasApplication);
     EXPECT_TRUE(manager.isApplicationContext());
-    document->database()->undo();
+    struct : TvEditorReactor {
+        void commandEnded(const TvChar*) override
+        {
+            isApplication = tvDocManagerPtr()->isApplicationContext();
+        }
+        bool isApplication = false;
+    } ending;
+    editor.addReactor(&ending);
+    type(u"SIZE\n");
+    editor.removeReactor(&ending);
+    EXPECT_TRUE(ending.isApplication);
+    document->database()->undo(); // of the second command
     EXPECT_EQ(ed::variable(u"LTSCALE"), ed::VariableValue(2.0));
     EXPECT_NE(ed::variable(u"TEXTSIZE"), ed::VariableValue(9.0));
 }
@@ -192,6 +203,7 @@ TEST_F(CommandLineTest, TheNameOfAVariableAsksForItsValue)
 TEST_F(CommandLineTest, AnEmptyAnswerKeepsTheVariable)
 {
     type(u"SSMPOLLTIME\n\n");
+    EXPECT_TRUE(prompts.seen.empty());
     EXPECT_EQ(ed::variable(u"SSMPOLLTIME"), ed::VariableValue(std::int16_t(60)));
 }
 

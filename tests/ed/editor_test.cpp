@@ -196,6 +196,7 @@ TEST_F(DocumentTest, ClosingTellsBeforeItGoesAndTheOneBeforeBecomesActive)
     EXPECT_EQ(reactor.told, (Told{"closing"}));
     EXPECT_EQ(reactor.closing, closing);
     EXPECT_EQ(manager.mdiActiveDocument(), a);
+    EXPECT_EQ(manager.curDocument(), a);
     EXPECT_EQ(manager.closeDocument(b), TvStatus::InvalidInput);
     manager.closeDocument(c);
     EXPECT_EQ(manager.mdiActiveDocument(), a) << "closing another changes nothing";
