@@ -6,6 +6,7 @@
 
 #include <cli/help_text.h>
 
+#include "drawing_scene.h"
 #include "tool_process.h"
 #include "tool_scene.h"
 
@@ -152,23 +153,37 @@ std::vector<std::string> ownFields(const nlohmann::ordered_json& document)
 TEST(JsonDocuments, EachFieldIsDocumented)
 {
     const SampleFolder sample;
+    const DrawingFolder drawings;
     const std::string file = sample.native();
+    const std::string plan = drawings.put("line-ac1032.dwg");
     const std::string page = contentOf(std::string(KV_DOCS) + "/json.md");
-    const std::vector<std::vector<std::string>> lines = {{"new", file + "2.dst"},
-                                                         {"tree", file},
-                                                         {"info", file},
-                                                         {"subset", "add", file, "x"},
-                                                         {"move", file, "g4", "--to", "g1"},
-                                                         {"set", file, "g4", "name=x"},
-                                                         {"prop", "set", file, "g4", "a=b"},
-                                                         {"prop", "list", file, "g4"},
-                                                         {"prop", "remove", file, "g4", "a"},
-                                                         {"remove", file, "g4"},
-                                                         {"check", file},
-                                                         {"lock", file},
-                                                         {"help"},
-                                                         {"completion", "bash"},
-                                                         {"--version"}};
+    const std::vector<std::vector<std::string>> lines = {
+        {"new", file + "2.dst"},
+        {"tree", file},
+        {"info", file},
+        {"subset", "add", file, "x"},
+        {"move", file, "g4", "--to", "g1"},
+        {"set", file, "g4", "name=x"},
+        {"prop", "set", file, "g4", "a=b"},
+        {"prop", "list", file, "g4"},
+        {"prop", "remove", file, "g4", "a"},
+        {"remove", file, "g4"},
+        {"check", file},
+        {"lock", file},
+        {"help"},
+        {"completion", "bash"},
+        {"--version"},
+        {"drawing", "info", plan},
+        {"drawing", "check", plan},
+        {"drawing", "copy", plan, plan + ".dxf"},
+        {"drawing", "new", plan + "2.dwg"},
+        {"drawing", "layout", "list", plan},
+        {"drawing", "layout", "add", plan, "A"},
+        {"drawing", "layout", "rename", plan, "A", "B"},
+        {"drawing", "layout", "remove", plan, "B"},
+        {"drawing", "sheetdata", "show", plan},
+        {"drawing", "sheetdata", "write", plan, "--set", file, "--layout", "Layout1"},
+        {"drawing", "sheetdata", "remove", plan}};
     for (std::vector<std::string> line : lines) {
         line.push_back("--json");
         const auto document = runLine(line).json();
