@@ -94,11 +94,39 @@ base::Status DxfFile::readEntry(std::uint32_t at, db::Record& out) const
                                        m_structure->placeOf(entry), out);
     if (!done)
         return done;
-    if (entry.isEntity)
+    if (entry.isEntity) {
+        addDefaultNames(out);
         addLinks(at, out);
-    else
+    } else {
         addTold(entry, out);
+    }
     return {};
+}
+
+// An entity that names none has the layer and the styles that every drawing has.
+void DxfFile::addDefaultNames(db::Record& out) const
+{
+    struct Default {
+        db::FieldId field;
+        Table table;
+        std::u16string_view name;
+    };
+    static const Default kDefaults[] = {
+        {db::fieldId("layer"), Table::Layer, u"0"},
+        {db::fieldId("style"), Table::TextStyle, u"Standard"},
+        {db::fieldId("dimstyle"), Table::DimensionStyle, u"Standard"},
+    };
+    static constexpr std::string_view kTexts[] = {"TEXT", "MTEXT", "ATTRIB", "ATTDEF"};
+    db::RecordEditor entity(out);
+    for (const Default& one : kDefaults) {
+        const bool isOfText = std::find(std::begin(kTexts), std::end(kTexts),
+                                        out.classDef()->name()) != std::end(kTexts);
+        // A style of what is no text is of another kind.
+        if (one.table == Table::TextStyle && !isOfText)
+            continue;
+        if (entity.has(one.field) && entity.handle(one.field) == 0)
+            entity.setHandle(one.field, m_structure->context().names().find(one.table, one.name));
+    }
 }
 
 // What records of objects hold and files tell elsewhere: the viewports of a layout, by its block;

@@ -45,6 +45,7 @@ private:
     base::Status readEntry(std::uint32_t at, db::Record& out) const;
     base::Status readBlock(std::uint32_t at, db::Record& out) const;
     void readBlockBegin(const BlockEntry& block, db::Record& out) const;
+    void addDefaultNames(db::Record& out) const;
     void addTold(const Entry& entry, db::Record& out) const;
     void addLinks(std::uint32_t at, db::Record& out) const;
     void addSequence(std::uint32_t at, db::Record& out) const;

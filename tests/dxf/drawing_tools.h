@@ -101,7 +101,10 @@ public:
     }
     void erase(std::uint64_t handle) { m_erased.insert(handle); }
 
-    base::Result<std::vector<std::uint8_t>> write(db::Version version)
+    const std::map<std::uint64_t, db::Record>& changed() const { return m_changed; }
+
+    base::Result<std::vector<std::uint8_t>> write(db::Version version,
+                                                  const db::Codec& codec = dxf::DxfCodec())
     {
         db::Contents contents;
         std::set<std::uint64_t> all(m_file.handles().begin(), m_file.handles().end());
@@ -128,7 +131,7 @@ public:
                 return done;
             return &m_record;
         };
-        return dxf::DxfCodec().write(contents, version);
+        return codec.write(contents, version);
     }
     /// Written and read again; null, with a failure told, when it cannot be.
     OpenFile written(db::Version version)
@@ -139,6 +142,18 @@ public:
             return nullptr;
         text.assign(bytes->begin(), bytes->end());
         return openDxf(text);
+    }
+
+    /// The same as a drawing of bits.
+    OpenFile writtenAsDwg(db::Version version)
+    {
+        auto bytes = write(version, dwg::DwgCodec());
+        EXPECT_TRUE(bytes) << told(bytes.status());
+        if (!bytes)
+            return nullptr;
+        auto file = dwg::DwgCodec().open(std::move(*bytes));
+        EXPECT_TRUE(file) << told(file.status());
+        return file ? std::move(*file) : nullptr;
     }
 
     std::string text; ///< what was written

@@ -108,11 +108,8 @@ private:
             return;
         switch (field.storage) {
         case db::Storage::Struct:
-            if (field.structure->name == "CMC" || field.structure->name == "TC") {
-                if (m_stored.isStored(a.base() + field.slot))
-                    compareColor(a.structure(field.id), b.structure(field.id), path);
-                return;
-            }
+            if (field.structure->name == "CMC" || field.structure->name == "TC")
+                return compareColor(a.structure(field.id), b.structure(field.id), path);
             return compare(a.structure(field.id), b.structure(field.id), path + ".");
         case db::Storage::Array: return compareArray(a, b, field, path);
         default: break;
@@ -143,15 +140,18 @@ private:
         }
     }
 
+    // By the parts that the version stores.
     void compareColor(const db::RecordView& a, const db::RecordView& b, const std::string& path)
     {
-        for (const char* part : {"index", "value"})
-            if (a.integer(part) != b.integer(part))
-                note(path + "." + part, std::to_string(a.integer(part)),
-                     std::to_string(b.integer(part)));
-        for (const char* part : {"name", "book"})
-            if (a.text(part) != b.text(part))
-                note(path + "." + part, shown(a.text(part)), shown(b.text(part)));
+        for (const db::FieldDef& part : a.def()->fields) {
+            if (!m_stored.isStored(a.base() + part.slot))
+                continue;
+            const std::string at = path + "." + std::string(db::fieldName(part.id));
+            if (part.storage == db::Storage::Integer && a.integer(part.id) != b.integer(part.id))
+                note(at, std::to_string(a.integer(part.id)), std::to_string(b.integer(part.id)));
+            if (part.storage == db::Storage::Text && a.text(part.id) != b.text(part.id))
+                note(at, shown(a.text(part.id)), shown(b.text(part.id)));
+        }
     }
 
     // Empty entries, and those of objects that are away, do not count.

@@ -2,10 +2,14 @@
 
 #include <algorithm>
 
+#include <map>
+
+#include <db/record_editor.h>
+#include <db/summary_record.h>
+
 #include "accepted.h"
 #include "drawing_tools.h"
 #include "form.h"
-#include "record_difference.h"
 
 namespace {
 
@@ -28,14 +32,6 @@ std::string fieldOf(std::string_view difference)
     return field;
 }
 
-bool isAccepted(std::string_view className, std::string_view difference)
-{
-    const std::string field = fieldOf(difference);
-    return std::any_of(std::begin(kAccepted), std::end(kAccepted), [&](const Accepted& one) {
-        return fits(one.className, className) && fits(one.field, field);
-    });
-}
-
 bool canBeTold(const db::DrawingFile& file, std::uint64_t handle, db::Record& record)
 {
     const auto kind = file.kind(handle);
@@ -44,6 +40,14 @@ bool canBeTold(const db::DrawingFile& file, std::uint64_t handle, db::Record& re
 }
 
 } // namespace
+
+bool isAccepted(std::string_view className, std::string_view difference)
+{
+    const std::string field = fieldOf(difference);
+    return std::any_of(std::begin(kAccepted), std::end(kAccepted), [&](const Accepted& one) {
+        return fits(one.className, className) && fits(one.field, field);
+    });
+}
 
 std::vector<std::filesystem::path> allDrawings()
 {
@@ -61,6 +65,55 @@ std::vector<std::filesystem::path> allDrawings()
     });
     found.erase(end, found.end());
     return found;
+}
+
+namespace {
+
+// With what is owned by what is away.
+void addOwned(const db::DrawingFile& file, std::set<std::uint64_t>& away)
+{
+    std::multimap<std::uint64_t, std::uint64_t> owned;
+    for (const std::uint64_t handle : file.handles())
+        if (db::Record record; file.read(handle, record))
+            owned.emplace(record.handle("owner"), handle);
+    // What hangs on nothing, too: real drawings have such leftovers.
+    for (const auto& [owner, handle] : owned)
+        if (owner != 0 && !file.kind(owner))
+            away.insert(handle);
+    std::vector<std::uint64_t> owners(away.begin(), away.end());
+    while (!owners.empty()) {
+        const auto [begin, end] = owned.equal_range(owners.back());
+        owners.pop_back();
+        for (auto at = begin; at != end; ++at)
+            if (away.insert(at->second).second)
+                owners.push_back(at->second);
+    }
+}
+
+} // namespace
+
+std::set<std::uint64_t> takeUntoldAway(const db::DrawingFile& file, Edit& edit)
+{
+    const std::set<std::uint64_t> away = untoldObjects(file);
+    for (const std::uint64_t handle : away)
+        edit.erase(handle);
+    for (const std::uint64_t handle : file.handles()) {
+        db::Record record;
+        if (away.contains(handle) || !file.read(handle, record))
+            continue;
+        if (away.contains(record.handle("xdict"))) {
+            db::RecordEditor object(edit.change(handle));
+            object.setHandle("xdict", 0);
+            object.setInteger("xdict_missing", 1);
+        }
+        if (!record.has("keys"))
+            continue;
+        const db::ArrayView values = record.array("values");
+        for (std::uint32_t i = 0; i < values.size(); ++i)
+            if (away.contains(values.handle(i)))
+                db::removeEntry(edit.change(handle), values.handle(i));
+    }
+    return away;
 }
 
 std::set<std::uint64_t> untoldObjects(const db::DrawingFile& file)
@@ -84,6 +137,7 @@ std::set<std::uint64_t> untoldObjects(const db::DrawingFile& file)
     for (const std::uint64_t handle : file.handles())
         if (const auto kind = file.kind(handle); kind && kind->isEntity && !placed.contains(handle))
             away.insert(handle);
+    addOwned(file, away);
     return away;
 }
 
@@ -100,6 +154,12 @@ std::vector<std::string> lostBetween(const db::DrawingFile& before, const db::Dr
         const std::string where =
             name + " " + TvString().format(u"%X", std::int64_t(handle)).utf8();
         db::Record left, right;
+        // What is not understood is kept as its groups.
+        if (before.read(handle, left).failure() == base::Failure::Unsupported) {
+            if (!after.kind(handle))
+                lost.push_back(where);
+            continue;
+        }
         const base::Status done = after.read(handle, right);
         if (!done || !before.read(handle, left)) {
             lost.push_back(where + " " + told(done));
