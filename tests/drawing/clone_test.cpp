@@ -455,6 +455,38 @@ TEST_P(CloneTest, WithinOneDrawingOnlyWhatIsOwnedIsCopied)
     expectSound(*read);
 }
 
+TEST_P(CloneTest, EntitiesOfAnotherDrawingComeToTheEndOfABlock)
+{
+    const auto target = openBytes(minimalDrawing("line-" + GetParam() + ".dwg"));
+    const TvDbObjectId wall = addLayer(*target, u"WALL", 6);
+    const auto before = entitiesOf(target->modelSpaceId());
+    TvDbIdMapping mapping;
+    const TvDbObjectId circle = entitiesOf(outer)[1];
+    ASSERT_EQ(target->wblockCloneObjects({circle}, target->modelSpaceId(), mapping), TvStatus::Ok);
+    EXPECT_EQ(mapping.origDb(), source.get());
+    EXPECT_EQ(mapping.destDb(), target.get());
+    const auto after = entitiesOf(target->modelSpaceId());
+    ASSERT_EQ(after.size(), before.size() + 1);
+    EXPECT_EQ(mapping.target(circle), after.back());
+    EXPECT_EQ(mapping.target(layer), wall) << "it was there";
+    for (const TvDbIdMapping::Entry& entry : mapping.entries())
+        EXPECT_EQ(entry.isCloned, entry.key == circle);
+    TvDbObjectId none;
+    EXPECT_FALSE(mapping.compute(line, none));
+    EXPECT_TRUE(none.isNull());
+    const TvDbObjectPointer<TvDbCircle> copy(after.back());
+    EXPECT_EQ(copy->radius(), 2);
+    EXPECT_EQ(copy->ownerId(), target->modelSpaceId());
+    // From several drawings at once, or into what is no block, nothing goes.
+    EXPECT_EQ(target->wblockCloneObjects({circle, before[0]}, target->modelSpaceId(), mapping),
+              TvStatus::InvalidInput);
+    EXPECT_EQ(target->wblockCloneObjects({circle}, wall, mapping), TvStatus::InvalidInput);
+    EXPECT_EQ(target->wblockCloneObjects({circle}, outer, mapping), TvStatus::InvalidInput);
+    const auto read = savedAndRead(*target);
+    ASSERT_TRUE(read);
+    expectSound(*read);
+}
+
 // --- real drawings
 
 TEST(Clones, BlocksOfRealDrawingsGoIntoNewDrawingsAndOthersOrAreRefusedByName)

@@ -69,6 +69,25 @@ TEST_P(ManagerTest, ScalesAreAddedListedAndMadeCurrent)
     EXPECT_EQ(tvdbGetCurAnnoScale(nullptr, scale), TvStatus::NoDatabase);
 }
 
+TEST_P(ManagerTest, ANewScaleTakesNoOthersPlace)
+{
+    const auto drawing = open();
+    TvDbObjectContextCollection& scales = scalesOf(*drawing);
+    ASSERT_EQ(scales.addContext({u"1:31", 1, 31}), TvStatus::Ok);
+    ASSERT_EQ(scales.addContext({u"1:32", 1, 32}), TvStatus::Ok);
+    TvDbAnnotationScale first;
+    ASSERT_EQ(scales.getContext(u"1:31", first), TvStatus::Ok);
+    ASSERT_EQ(TvDbObjectPointer<TvDbDictionary>(drawing->scaleListDictionaryId(), TvDb::kForWrite)
+                  ->remove(first.objectId()),
+              TvStatus::Ok);
+    TvDbObjectId added;
+    ASSERT_EQ(scales.addContext({u"1:33", 1, 33}, &added), TvStatus::Ok);
+    EXPECT_TRUE(added.isValid());
+    EXPECT_TRUE(scales.hasContext(u"1:32"));
+    EXPECT_TRUE(scales.hasContext(u"1:33"));
+    EXPECT_FALSE(scales.hasContext(u"1:31"));
+}
+
 TEST_P(ManagerTest, TheCurrentScaleIsOneToOneWhereNothingIsSaid)
 {
     const auto drawing = open();
