@@ -455,6 +455,30 @@ TEST_P(CloneTest, WithinOneDrawingOnlyWhatIsOwnedIsCopied)
     expectSound(*read);
 }
 
+TEST_P(CloneTest, WithinOneDrawingBlocksWithoutANameAreShared)
+{
+    const TvDbObjectId anonymous = addBlock(*source, u"*U");
+    append(anonymous, new TvDbLine({0, 0, 0}, {1, 1, 0}));
+    const TvDbObjectId shown =
+        append(source->modelSpaceId(), new TvDbBlockReference({1, 1, 0}, anonymous));
+    TvDbIdMapping mapping;
+    ASSERT_EQ(source->wblockCloneObjects({shown}, source->modelSpaceId(), mapping), TvStatus::Ok);
+    const TvDbObjectPointer<TvDbBlockReference> copy(mapping.target(shown));
+    ASSERT_TRUE(copy);
+    EXPECT_EQ(copy->blockTableRecord(), anonymous);
+    EXPECT_EQ(TvDbObjectPointer<TvDbBlockTableRecord>(anonymous)->getBlockReferenceIds().size(),
+              2u);
+    // Into another drawing it comes along, under a number that is free there.
+    const auto target = openBytes(minimalDrawing("line-" + GetParam() + ".dwg"));
+    ASSERT_EQ(target->wblockCloneObjects({shown}, target->modelSpaceId(), mapping), TvStatus::Ok);
+    ASSERT_EQ(target->wblockCloneObjects({shown}, target->modelSpaceId(), mapping), TvStatus::Ok);
+    const auto read = savedAndRead(*target);
+    ASSERT_TRUE(read);
+    expectSound(*read);
+    EXPECT_EQ(entitiesOf(blockNamed(*read, u"*U0")).size(), 1u);
+    EXPECT_EQ(entitiesOf(blockNamed(*read, u"*U1")).size(), 1u);
+}
+
 TEST_P(CloneTest, EntitiesOfAnotherDrawingComeToTheEndOfABlock)
 {
     const auto target = openBytes(minimalDrawing("line-" + GetParam() + ".dwg"));
