@@ -73,8 +73,9 @@ public:
     virtual base::Result<Bytes> objectArea(std::uint64_t offset, std::uint64_t size) = 0;
     /// Code page number of the file header.
     virtual std::uint16_t codePage() const = 0;
-    /// Whether @p other, a container of the same kind, holds a section in the very bytes that this
-    /// one has it in, so that both unpack to the same. False says nothing.
+    /// Whether @p other, a container of the same kind that was made from this one and goes before
+    /// it, holds a section in the very bytes that this one has it in, so that both unpack to the
+    /// same. False says nothing.
     virtual bool sameSection(std::string_view, const Container&) const { return false; }
     /// The same of the objects between two places.
     virtual bool sameObjectArea(std::uint64_t, std::uint64_t, const Container&) const

@@ -110,9 +110,13 @@ bool LazySections::samePages(std::size_t mine, std::size_t theirs, const LazySec
     for (; i < a.size() && a[i].offset < end; ++i, ++k) {
         if (k >= b.size() || a[i].offset != b[k].offset || a[i].size != b[k].size)
             return false;
+        const SamePage pair{this, theirs, k, mine, i};
+        if (pair == other.m_lastSame)
+            continue;
         const Bytes bytes = diskBytes(mine, i), others = other.diskBytes(theirs, k);
         if (bytes.empty() || !std::equal(bytes.begin(), bytes.end(), others.begin(), others.end()))
             return false;
+        other.m_lastSame = pair;
     }
     return k >= b.size() || b[k].offset >= end;
 }

@@ -72,7 +72,13 @@ private:
     std::vector<std::vector<PageRange>> m_pages;                     // of m_sections
     std::vector<std::uint64_t> m_bufferSizes;                        // of m_sections
     std::vector<std::unique_ptr<std::uint8_t, FreeBytes>> m_buffers; // of m_sections
-    std::size_t m_objects = 0; // position of the section with the objects
+    struct SamePage {                        // found to be in an older file in the same bytes
+        const LazySections* older = nullptr; // outlives this, which was made from it
+        std::size_t section = 0, page = 0, olderSection = 0, olderPage = 0;
+        friend bool operator==(const SamePage&, const SamePage&) = default;
+    };
+    mutable SamePage m_lastSame; // objects of one page are asked for one behind the other
+    std::size_t m_objects = 0;   // position of the section with the objects
     std::uint64_t m_promised = 0;
     std::uint64_t m_unpackedBytes = 0;
 };

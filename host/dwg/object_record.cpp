@@ -61,12 +61,17 @@ base::Result<ObjectRecord> parseRecord(Version version, Bytes frame)
         record.frame = frame.first(end + 2);
         record.data = frame.subspan(sizes.dataAt, sizes.dataSize);
         record.endBit = sizes.dataSize * 8 - sizes.handleBits;
-        record.checksumRight = crc16(frame.first(end)) == readU16(frame.data() + end);
     }
     if (!whole || !readHead(version, record))
         return base::Status(base::Failure::Damaged, base::Reason::DwgObjectDamaged,
                             {base::hexText(record.handle)});
     return record;
+}
+
+bool ObjectRecord::checksumRight() const
+{
+    const std::size_t end = frame.size() - 2;
+    return crc16(frame.first(end)) == readU16(frame.data() + end);
 }
 
 std::vector<std::uint8_t> frameRecord(Version version, Bytes data, std::size_t endBit)

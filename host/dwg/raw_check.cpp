@@ -22,7 +22,7 @@ Extent checkObject(Container& container, Version version, const ObjectLocation& 
         add(FindingKind::ObjectUnreadable);
         return {};
     }
-    if (!record->checksumRight)
+    if (!record->checksumRight())
         add(FindingKind::ObjectChecksum);
     if (record->handle != location.handle)
         add(FindingKind::ObjectHandle);

@@ -174,10 +174,17 @@ std::uint16_t RawDrawing::codePage() const
 
 const ObjectLocation* RawDrawing::find(std::uint64_t handle) const
 {
+    // Mostly the one behind the last.
+    const std::size_t next = m_lastFound + 1;
+    if (next < m_map.objects.size() && m_map.objects[next].handle == handle)
+        return &m_map.objects[m_lastFound = next];
     const auto at = std::lower_bound(
         m_map.objects.begin(), m_map.objects.end(), handle,
         [](const ObjectLocation& object, std::uint64_t h) { return object.handle < h; });
-    return at != m_map.objects.end() && at->handle == handle ? &*at : nullptr;
+    if (at == m_map.objects.end() || at->handle != handle)
+        return nullptr;
+    m_lastFound = static_cast<std::size_t>(at - m_map.objects.begin());
+    return &*at;
 }
 
 base::Result<Bytes> RawDrawing::objectBytes(std::uint64_t handle) const

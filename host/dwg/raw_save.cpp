@@ -33,7 +33,7 @@ base::Status sectionNotWritten(std::string_view name)
 bool isRecordOf(Version version, std::uint64_t handle, const std::vector<std::uint8_t>& bytes)
 {
     const auto record = parseRecord(version, bytes);
-    return record && record->frame.size() == bytes.size() && record->checksumRight &&
+    return record && record->frame.size() == bytes.size() && record->checksumRight() &&
            record->handle == handle && handle != 0;
 }
 

@@ -70,7 +70,7 @@ db::Record decoded(const std::vector<std::uint8_t>& bytes, dwg::Version version)
     EXPECT_TRUE(object);
     if (!object)
         return db::Record();
-    EXPECT_TRUE(object->checksumRight);
+    EXPECT_TRUE(object->checksumRight());
     auto record = dwg::decodeObject(*object, contextOf(version));
     EXPECT_TRUE(record);
     return record ? *record : db::Record();

@@ -20,8 +20,9 @@ struct ObjectRecord {
     std::uint16_t type = 0;    ///< fixed number, or from 500 on the number of a class
     std::uint64_t handle = 0;  ///< the object's own
     std::size_t bitSizeAt = 0; ///< up to 2007: where the RL stands that tells endBit
-    bool checksumRight = false;
 
+    /// Worked out when it is asked for: most readers do not look at it.
+    bool checksumRight() const;
     /// The parts behind the own handle, each with its own position.
     RecordStreams streams(Version version) const
     {

@@ -92,6 +92,7 @@ private:
     HeaderVariables m_header;
     ClassTable m_classes;
     ObjectMap m_map;
+    mutable std::size_t m_lastFound = 0; // in the map
     std::vector<Finding> m_findings;
 };
 
