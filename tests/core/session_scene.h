@@ -13,6 +13,7 @@
 class NotingHost : public core::SessionHost
 {
 public:
+    void ShowSheetSetPalette() override { told.push_back("show"); }
     core::SheetSetPalette* palette(Palette which) override
     {
         return isThere[static_cast<int>(which)] ? &m_palettes[static_cast<int>(which)] : nullptr;

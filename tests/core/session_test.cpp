@@ -79,6 +79,7 @@ TEST_F(SessionTest, ClosingWithNothingOpenTellsThePalettesAllTheSame)
 TEST_F(SessionTest, PalettesAreToldTheCurrentDatabaseBeforeTheClosedOneGoes)
 {
     struct Asking : core::SessionHost, core::SheetSetPalette {
+        void ShowSheetSetPalette() override {}
         core::SheetSetPalette* palette(Palette) override { return this; }
         void AddDstFileToRecentFileList(const TvString&) override {}
         TvString GetUserLocalApplicationDataTemplatePath() override { return {}; }

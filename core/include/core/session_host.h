@@ -26,6 +26,8 @@ public:
     enum class Palette { SheetList, SheetViews, ModelViews };
 
     virtual ~SessionHost() = default;
+    /// Makes the palettes at their first use, and shows them.
+    virtual void ShowSheetSetPalette() = 0;
     /// Null while that palette was not made yet.
     virtual SheetSetPalette* palette(Palette which) = 0;
     /// The program's own list of recent files takes a sheet set in.

@@ -3,7 +3,7 @@
 /// All words for people, by number. A text is a printf-style pattern for TvString::format.
 ///
 /// Ranges: 300-8999 the module's own numbers, 21000-21999 reasons of failures, 22000-22999 the
-/// command-line tool. Numbers are forever.
+/// command-line tool, 23000-23999 the host. Numbers are forever.
 namespace text {
 
 /// UTF-16 pattern of text @p number in the language in force, or in English; null when there is no

@@ -11,7 +11,7 @@ class TvUserMessages
 {
 public:
     enum class Buttons { Ok, OkCancel, YesNo };
-    enum class Icon { None, Information, Warning, Question };
+    enum class Icon { None, Information, Warning, Question, Stop };
     enum class Answer { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
 
     struct Message {
