@@ -83,9 +83,11 @@ void setColorName(db::RecordEditor& color, std::u16string_view name)
     color.setText("name", cut == name.npos ? name : name.substr(cut + 1));
 }
 
-void setWideColor(db::RecordEditor& color, std::int64_t value)
+void setWideColor(db::RecordEditor& color, std::int64_t value, db::Version version)
 {
     color.setInteger("value", static_cast<std::int32_t>(value));
+    if (version > db::Version::Ac1015)
+        return;
     const auto bits = static_cast<std::uint32_t>(value);
     color.setInteger("index", bits >> 24 == kByBlock   ? 0
                               : bits >> 24 == kIndexed ? bits & 0xFF

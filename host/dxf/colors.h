@@ -15,8 +15,8 @@ void setColorIndex(db::RecordEditor& color, std::int64_t index, db::Version vers
 void setTrueColor(db::RecordEditor& color, std::int64_t rgb);
 /// "BOOK$NAME", or the name alone.
 void setColorName(db::RecordEditor& color, std::u16string_view name);
-/// All 32 bits.
-void setWideColor(db::RecordEditor& color, std::int64_t value);
+/// All 32 bits; in 2000 the index that they tell besides.
+void setWideColor(db::RecordEditor& color, std::int64_t value, db::Version version);
 
 std::int64_t colorIndex(const db::RecordView& color, db::Version version);
 bool isTrueColor(const db::RecordView& color);

@@ -57,6 +57,7 @@ struct Item {
     bool isOptional = false;
     bool isAlias = false;
     bool addsIndex = false;
+    std::uint8_t counter = 0; ///< of an array of fixed length: which of the scope's
     const db::FieldDef* field = nullptr;
     const db::StructDef* holder = nullptr; ///< the struct that the field is of
     std::uint32_t holderBase = 0;          ///< where that lies in the scope's frame
@@ -70,6 +71,9 @@ struct Item {
     std::vector<Bit> bits;
     std::unique_ptr<Scope> scope; ///< of a list, struct or zip
 };
+
+/// How many arrays of fixed length a scope may have.
+inline constexpr std::size_t kMaxCounters = 16;
 
 /// Groups that may stand in any order, and whose codes mean the same until the next marker or
 /// element: what a code leads to.

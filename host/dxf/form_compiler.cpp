@@ -87,9 +87,8 @@ Place fieldAt(const db::StructDef& def, std::uint32_t slot, std::uint32_t base =
 
 // What files tell in ways of their own, or not completely: it stays groups.
 constexpr std::string_view kWithoutForm[] = {
-    "PROXY_OBJECT", "PROXY_ENTITY", "VPENT_HDR",    "REGION",      "3DSOLID",
-    "BODY",         "ACAD_TABLE",   "TABLECONTENT", "TABLESTYLE",  "CELLSTYLEMAP",
-    "FIELD",        "DATALINK",     "MATERIAL",     "MULTILEADER", "DATATABLE",
+    "PROXY_OBJECT", "PROXY_ENTITY", "VPENT_HDR",    "REGION", "3DSOLID",  "BODY",      "ACAD_TABLE",
+    "TABLECONTENT", "TABLESTYLE",   "CELLSTYLEMAP", "FIELD",  "DATALINK", "DATATABLE",
 };
 
 class FormCompiler
@@ -448,6 +447,12 @@ private:
             scope.firstCode = firstCode(scope);
         for (std::uint16_t at = 0; at < scope.items.size(); ++at)
             indexItem(scope, at);
+        std::uint8_t counters = 0;
+        for (Item& item : scope.items)
+            if (item.field && item.field->fixedCount != 0)
+                item.counter = counters++;
+        if (counters > kMaxCounters)
+            formError(m_class, "too many arrays of fixed length");
     }
 
     void indexItem(Scope& scope, std::uint16_t at)

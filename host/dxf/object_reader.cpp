@@ -299,7 +299,7 @@ bool ObjectReader::beginElement(std::size_t level, const Item& item, const Tag& 
         std::uint32_t index = 0;
         if (item.field->fixedCount) {
             // The elements are there; how many were read stands beside them.
-            index = open.counts[at % std::size(open.counts)]++;
+            index = open.counts[item.counter]++;
             if (index + 1 >= item.field->fixedCount)
                 open.used.set(at);
         } else {

@@ -67,6 +67,7 @@ public:
     struct Scratch {
         std::string raw; ///< of a text in pieces, as written
         std::vector<std::u16string> texts;
+        std::vector<Tag> tags; ///< of a list, read when it is complete
         std::vector<std::uint8_t> graphics;
         std::vector<double> reals[4];
         std::vector<db::Point> points[3];
@@ -84,7 +85,7 @@ private:
         std::uint32_t index = 0; ///< of the element
         const Item* last = nullptr;
         std::bitset<256> used = {};
-        std::array<std::uint32_t, 16> counts = {}; ///< read elements of arrays of fixed length
+        std::array<std::uint32_t, kMaxCounters> counts = {}; ///< read elements of fixed arrays
     };
 
     bool readPreamble(const Tag& tag);

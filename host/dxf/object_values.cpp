@@ -186,7 +186,7 @@ bool ObjectReader::takeColor(Level& level, const Item& item, std::uint8_t compon
 {
     db::RecordEditor color(*m_record, *item.field->structure, level.base + item.slot);
     if (item.convert == Convert::WideColor)
-        setWideColor(color, integer(tag));
+        setWideColor(color, integer(tag), version());
     else if (component == 0)
         setColorIndex(color, integer(tag), version());
     else if (component == 1)
@@ -222,7 +222,7 @@ bool ObjectReader::takeArray(Level& level, const Item& item, std::uint8_t compon
     const auto at = static_cast<std::size_t>(&item - level.scope->items.data());
     std::uint32_t index = 0;
     if (item.field->fixedCount) {
-        std::uint32_t& count = level.counts[at % std::size(level.counts)];
+        std::uint32_t& count = level.counts[item.counter];
         index = component == 0 ? count++ : count - 1;
         if (count >= item.field->fixedCount && component + 1 == item.components)
             level.used.set(at);
