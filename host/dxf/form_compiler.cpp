@@ -87,8 +87,8 @@ Place fieldAt(const db::StructDef& def, std::uint32_t slot, std::uint32_t base =
 
 // What files tell in ways of their own, or not completely: it stays groups.
 constexpr std::string_view kWithoutForm[] = {
-    "PROXY_OBJECT", "PROXY_ENTITY", "VPENT_HDR",    "REGION", "3DSOLID",  "BODY",      "ACAD_TABLE",
-    "TABLECONTENT", "TABLESTYLE",   "CELLSTYLEMAP", "FIELD",  "DATALINK", "DATATABLE",
+    "PROXY_OBJECT", "PROXY_ENTITY", "VPENT_HDR", "REGION",   "3DSOLID",
+    "BODY",         "ACAD_TABLE",   "FIELD",     "DATALINK", "DATATABLE",
 };
 
 class FormCompiler

@@ -7,7 +7,7 @@ namespace dxf {
 const Hook* hookNamed(std::string_view name)
 {
     for (const auto hooks : {entityHooks(), textHooks(), curveHooks(), hatchHooks(), tableHooks(),
-                             objectHooks(), fieldHooks()})
+                             tableStyleHooks(), objectHooks(), fieldHooks()})
         for (const Hook& hook : hooks)
             if (hook.name == name)
                 return &hook;
