@@ -87,8 +87,7 @@ Place fieldAt(const db::StructDef& def, std::uint32_t slot, std::uint32_t base =
 
 // What files tell in ways of their own, or not completely: it stays groups.
 constexpr std::string_view kWithoutForm[] = {
-    "PROXY_OBJECT", "PROXY_ENTITY", "VPENT_HDR", "REGION",   "3DSOLID",
-    "BODY",         "ACAD_TABLE",   "FIELD",     "DATALINK", "DATATABLE",
+    "PROXY_OBJECT", "PROXY_ENTITY", "VPENT_HDR", "REGION", "3DSOLID", "BODY", "ACAD_TABLE",
 };
 
 class FormCompiler
@@ -208,12 +207,12 @@ private:
         scope.items.push_back(std::move(item));
     }
 
-    // In braces it is a scope of its own; else its fields are of this scope.
+    // Behind a group that opens it, it is a scope of its own; else its fields are of this scope.
     void addStruct(Scope& scope, Item item, const FormLine& line, const db::StructDef& def,
                    const OpRange& ops, std::uint32_t base)
     {
         const Place place = placeOf(def, line.target, base);
-        if (!line.closingCode) {
+        if (!line.code) {
             for (const FormLine& inner : line.inner)
                 addLine(scope, inner, *place.field->structure, ops, place.slot());
             return;

@@ -68,14 +68,16 @@ FormLine hookLine(std::span<const std::string_view> words)
     return line;
 }
 
-// list NAME [CODE "opening" CODE "closing"], and in NAME the same
+// list NAME [CODE "opening" CODE "closing"], and in NAME the same, also without an end
 FormLine groupLine(std::span<const std::string_view> words)
 {
     FormLine line{.kind = words[0] == "list" ? FormLine::Kind::List : FormLine::Kind::In,
                   .target = words[1]};
-    if (words.size() == 6) {
+    if (words.size() >= 4) {
         line.code = numberOf(words[2]);
         line.convert = unquoted(words[3]);
+    }
+    if (words.size() == 6) {
         line.closingCode = numberOf(words[4]);
         line.closing = unquoted(words[5]);
     }

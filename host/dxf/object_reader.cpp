@@ -291,8 +291,10 @@ bool ObjectReader::take(std::size_t level, const Scope::Target& target, const Ta
 bool ObjectReader::beginElement(std::size_t level, const Item& item, const Tag& tag)
 {
     Level& open = level ? m_stack[level - 1] : m_segments[static_cast<std::size_t>(m_current)];
-    if (m_stack.size() >= kDeepest || (item.closingCode && trimmed(tag.value) != item.text))
+    const bool isOpened = item.closingCode != 0 || item.kind == Item::Kind::In;
+    if (m_stack.size() >= kDeepest || (isOpened && trimmed(tag.value) != item.text))
         return false;
+    flushBytes(); // before the element that they belong to is moved
     Level inner{.scope = item.scope.get(), .base = open.base, .closingCode = item.closingCode};
     if (item.kind == Item::Kind::List) {
         const auto at = static_cast<std::size_t>(&item - open.scope->items.data());
@@ -314,7 +316,7 @@ bool ObjectReader::beginElement(std::size_t level, const Item& item, const Tag& 
         inner.index = index;
     }
     m_stack.push_back(inner);
-    return item.closingCode || assignAt(m_stack.size(), tag);
+    return isOpened || assignAt(m_stack.size(), tag);
 }
 
 bool ObjectReader::callHook(const Level& level, const Item& item, const Tag& tag)

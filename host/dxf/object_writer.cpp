@@ -206,7 +206,9 @@ void ObjectWriter::writeItem(const Item& item, std::uint32_t base, std::uint32_t
     case Item::Kind::In:
         raw(item.code, item.text);
         writeScope(*item.scope, base, 0);
-        return raw(item.closingCode, item.closing);
+        if (item.closingCode)
+            raw(item.closingCode, item.closing);
+        return;
     case Item::Kind::Bits: {
         std::int64_t value = 0;
         for (const Item::Bit& bit : item.bits)
