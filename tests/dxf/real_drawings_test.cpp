@@ -48,6 +48,59 @@ TEST(RealDrawings, ComeBackFromTextAsTheyWere)
     }
 }
 
+TEST(RealDrawings, WithTablesAreWrittenWhole)
+{
+    for (const char* name : {"layouts-ac1032.dwg", "tables-ac1032.dwg", "xdata-ac1032.dwg"}) {
+        const auto path = drawingsFolder() / name;
+        if (!std::filesystem::exists(path))
+            GTEST_SKIP() << "no real drawings here";
+        const OpenFile drawing = openDwg(path);
+        ASSERT_TRUE(drawing);
+        Edit edit(*drawing);
+
+        EXPECT_TRUE(edit.written(drawing->version())) << name;
+    }
+}
+
+// What text of a version holds is what bits of that version hold.
+TEST(RealDrawings, AreTheSameInBothFormatsInEveryVersion)
+{
+    const auto path = drawingsFolder() / "leaders-ac1024.dwg";
+    if (!std::filesystem::exists(path))
+        GTEST_SKIP() << "no real drawings here";
+    const OpenFile drawing = openDwg(path);
+    ASSERT_TRUE(drawing);
+    for (const db::Version version :
+         {db::Version::Ac1015, db::Version::Ac1018, db::Version::Ac1021, db::Version::Ac1024,
+          db::Version::Ac1027, db::Version::Ac1032}) {
+        SCOPED_TRACE(static_cast<int>(version));
+        Edit edit(*drawing);
+        const std::set<std::uint64_t> away = takeUntoldAway(*drawing, edit);
+        const OpenFile bits = edit.writtenAsDwg(version), text = edit.written(version);
+        if (!bits || !text)
+            continue;
+        EXPECT_EQ(handlesOf(*text, "MULTILEADER").size(), 14u);
+        expectNothingLost(lostBetween(*bits, *text, away));
+    }
+}
+
+TEST(RealDrawings, AreWrittenAsTextWithNothingTakenAway)
+{
+    for (const char* name : {"leaders-ac1024.dwg", "layouts-ac1032.dwg", "xdata-ac1032.dwg"}) {
+        const auto path = drawingsFolder() / name;
+        if (!std::filesystem::exists(path))
+            GTEST_SKIP() << "no real drawings here";
+        const OpenFile drawing = openDwg(path);
+        ASSERT_TRUE(drawing);
+        Edit edit(*drawing);
+
+        const OpenFile back = edit.written(drawing->version());
+
+        ASSERT_TRUE(back) << name;
+        expectNothingLost(lostBetween(*drawing, *back, {}));
+    }
+}
+
 TEST(Drawings, AreRefusedWithTheClassesThatStandInTheWay)
 {
     const OpenFile drawing = openMinimal("line-ac1032.dwg");
