@@ -210,11 +210,11 @@ void tellNamedStyle(GroupSequence& groups, Part named)
     groups.mark(kEnd, "CELLSTYLE_END");
 }
 
-void tellTableContent(GroupSequence& groups, Part content)
+void tellTableContent(GroupSequence& groups, Part content, int markerCode)
 {
     constexpr std::uint32_t kPerLine = 15; // groups of a row or column at least
     groups.fields(content, {"name", "description"});
-    groups.mark(100, "AcDbLinkedTableData");
+    groups.mark(markerCode, "AcDbLinkedTableData");
     const std::uint32_t columns = groups.count(content, "cols", 90, kPerLine);
     for (std::uint32_t i = 0; i < columns && groups.ok(); ++i)
         tellColumn(groups, groups.element(content, "cols", i));
@@ -223,13 +223,13 @@ void tellTableContent(GroupSequence& groups, Part content)
         tellRow(groups, groups.element(content, "rows", i));
     groups.count(content, "fields", 92, 1);
     groups.elements(content, "fields", 360);
-    groups.mark(100, "AcDbFormattedTableData");
+    groups.mark(markerCode, "AcDbFormattedTableData");
     groups.mark(300, "TABLEFORMAT");
     tellCellStyle(groups, groups.inner(content, "table_style"));
     const std::uint32_t merged = groups.count(content, "merged", 90, 4);
     for (std::uint32_t i = 0; i < merged && groups.ok(); ++i)
         groups.fields(groups.element(content, "merged", i), {"top", "left", "bottom", "right"});
-    groups.mark(100, "AcDbTableContent");
+    groups.mark(markerCode, "AcDbTableContent");
     groups.fields(content, {"tablestyle"});
 }
 

@@ -9,7 +9,8 @@ void tellCellStyle(GroupSequence& groups, Part style);
 /// A cell style with its name.
 void tellNamedStyle(GroupSequence& groups, Part named);
 void tellValue(GroupSequence& groups, Part value);
-/// A whole TableContent, with the markers of its parts.
-void tellTableContent(GroupSequence& groups, Part content);
+/// A whole TableContent; @p markerCode: of the markers between its parts, 100 where it is an object
+/// of its own.
+void tellTableContent(GroupSequence& groups, Part content, int markerCode);
 
 } // namespace dxf

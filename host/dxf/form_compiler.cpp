@@ -87,7 +87,7 @@ Place fieldAt(const db::StructDef& def, std::uint32_t slot, std::uint32_t base =
 
 // What files tell in ways of their own, or not completely: it stays groups.
 constexpr std::string_view kWithoutForm[] = {
-    "PROXY_OBJECT", "PROXY_ENTITY", "VPENT_HDR", "REGION", "3DSOLID", "BODY", "ACAD_TABLE",
+    "PROXY_OBJECT", "PROXY_ENTITY", "VPENT_HDR", "REGION", "3DSOLID", "BODY",
 };
 
 class FormCompiler

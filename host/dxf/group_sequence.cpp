@@ -321,4 +321,50 @@ bool GroupSequence::when(Part part, db::FieldKey flag, int code)
     return is;
 }
 
+void GroupSequence::optionalMark(int code, std::string_view text)
+{
+    if (m_writer || isNext(code))
+        mark(code, text);
+}
+
+void GroupSequence::nameOrField(Part part, const char* name)
+{
+    constexpr int kTextStyle = 7;
+    const db::FieldDef& field = *part.def->find(db::fieldId(name));
+    if (field.dxf != kTextStyle)
+        return this->field(part, name, field.dxf);
+    if (m_writer)
+        return m_writer->text(kTextStyle,
+                              m_writer->nameOf(Table::TextStyle, view(part).handle(name)));
+    const Tag* const tag = take(kTextStyle);
+    if (!tag)
+        return;
+    const std::uint64_t style = m_reader->named(Table::TextStyle, tag->value);
+    if (style == 0 && !trimmed(tag->value).empty())
+        return refuse();
+    editor(part).setHandle(name, style);
+}
+
+void GroupSequence::fieldUnless(Part part, db::FieldKey name, int code, std::int64_t expected)
+{
+    if (m_writer ? number(part, name) != expected : isNext(code))
+        return field(part, name, code);
+    if (m_reader)
+        editor(part).setInteger(name, expected);
+}
+
+void GroupSequence::handleIfAny(Part part, db::FieldKey name, int code)
+{
+    if (m_writer ? view(part).handle(name) != 0 : isNext(code))
+        field(part, name, code);
+}
+
+void GroupSequence::repeat(Part part, db::FieldKey name, int code)
+{
+    if (m_writer)
+        m_writer->handle(code, view(part).handle(name));
+    else if (isNext(code))
+        take(code);
+}
+
 } // namespace dxf

@@ -67,6 +67,17 @@ public:
     /// reading.
     bool when(Part part, db::FieldKey flag, int code);
 
+    /// The same as mark(), where files of others may lack it.
+    void optionalMark(int code, std::string_view text);
+    /// A reference to a text style as its name, any other field under its code in the table.
+    void nameOrField(Part part, const char* name);
+    /// A number that is told only when it is not the expected one.
+    void fieldUnless(Part part, db::FieldKey name, int code, std::int64_t expected);
+    /// A reference that is told when there is one.
+    void handleIfAny(Part part, db::FieldKey name, int code);
+    /// A reference that other groups have told already, and that may be left out.
+    void repeat(Part part, db::FieldKey name, int code);
+
     void refuse();
 
 private:

@@ -12,6 +12,7 @@ std::span<const Hook> curveHooks();
 std::span<const Hook> hatchHooks();
 std::span<const Hook> tableHooks();
 std::span<const Hook> tableStyleHooks();
+std::span<const Hook> acadTableHooks();
 std::span<const Hook> objectHooks();
 std::span<const Hook> fieldHooks();
 

@@ -7,7 +7,7 @@ namespace dxf {
 const Hook* hookNamed(std::string_view name)
 {
     for (const auto hooks : {entityHooks(), textHooks(), curveHooks(), hatchHooks(), tableHooks(),
-                             tableStyleHooks(), objectHooks(), fieldHooks()})
+                             tableStyleHooks(), acadTableHooks(), objectHooks(), fieldHooks()})
         for (const Hook& hook : hooks)
             if (hook.name == name)
                 return &hook;

@@ -48,6 +48,11 @@ void tellStyleMap(GroupSequence& groups, Part map)
         tellNamedStyle(groups, groups.element(map, "styles", i));
 }
 
+void tellContent(GroupSequence& groups, Part content)
+{
+    tellTableContent(groups, content, 100);
+}
+
 // ---- table styles: three rows in every version, and from 2010 on cell styles besides
 
 void tellLaterStyles(GroupSequence& groups, Part style)
@@ -261,8 +266,8 @@ constexpr Hook kHooks[] = {
      .takesAll = true},
     {.name = "table_content",
      .read = keepTag,
-     .write = writeAll<tellTableContent>,
-     .finish = readAll<tellTableContent>,
+     .write = writeAll<tellContent>,
+     .finish = readAll<tellContent>,
      .takesAll = true},
 };
 
