@@ -110,7 +110,7 @@ bool FileWriter::mayCopy(std::uint64_t handle, const Known& known) const
 {
     if (!m_origin || known.isChanged || m_origin->groups(handle).empty())
         return false;
-    return !m_hasRenamed || !known.classDef || !hasForm(*known.classDef);
+    return !m_hasRenamed || !known.classDef || !hasForm(*known.classDef, m_version);
 }
 
 base::Status FileWriter::learnObjects()
@@ -121,7 +121,7 @@ base::Status FileWriter::learnObjects()
         if (isNotWritten(known.className))
             continue;
         const bool isControl = known.classDef && known.classDef->kind() == db::ClassKind::Control;
-        const bool isTold = known.classDef && (isControl || hasForm(*known.classDef)) &&
+        const bool isTold = known.classDef && (isControl || hasForm(*known.classDef, m_version)) &&
                             !known.className.starts_with("RAW_");
         if ((!isTold && !mayCopy(handle, known)) || !m_records.survey(handle))
             refused.insert(known.className);

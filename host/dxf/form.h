@@ -118,8 +118,9 @@ struct Form {
     bool hasConditions = false; ///< whether fields may be left out of a record
 };
 
-/// Whether the objects of the class are told by a form; else they stay groups.
-bool hasForm(const db::ClassDef& classDef);
+/// Whether the objects of the class are told by a form in a file of this version; else they stay
+/// groups.
+bool hasForm(const db::ClassDef& classDef, db::Version version);
 /// Null for classes that are not told by a form. Controls have one for what the heads of tables
 /// share with objects.
 const Form* formOf(const db::ClassDef& classDef, db::Version version);

@@ -2,6 +2,7 @@
 #include <map>
 #include <mutex>
 #include <set>
+#include <span>
 #include <stdexcept>
 #include <string>
 
@@ -87,8 +88,18 @@ Place fieldAt(const db::StructDef& def, std::uint32_t slot, std::uint32_t base =
 
 // What files tell in ways of their own, or not completely: it stays groups.
 constexpr std::string_view kWithoutForm[] = {
-    "PROXY_OBJECT", "PROXY_ENTITY", "VPENT_HDR", "REGION", "3DSOLID", "BODY",
+    "PROXY_OBJECT",
+    "PROXY_ENTITY",
+    "VPENT_HDR",
 };
+
+// From 2013 on bodies lie in a section of their own.
+constexpr std::string_view kBodies[] = {"REGION", "3DSOLID", "BODY"};
+
+bool isListed(std::span<const std::string_view> names, const db::ClassDef& classDef)
+{
+    return std::find(names.begin(), names.end(), classDef.name()) != names.end();
+}
 
 class FormCompiler
 {
@@ -112,6 +123,7 @@ public:
             beginSegment(100, m_class.marker());
             deriveRest(m_form.segments.back().scope, m_class.layout(), all, 0);
         }
+        dropLeftOut();
         for (Segment& segment : m_form.segments)
             index(segment.scope);
         m_form.fillsArrays = hasFixedArrays(m_class.layout());
@@ -125,6 +137,16 @@ private:
         Segment segment{.marker = marker, .markerCode = code};
         segment.scope.def = &m_class.layout();
         m_form.segments.push_back(std::move(segment));
+        m_hasLines.push_back(false);
+    }
+
+    // A part of which this version has nothing has no marker either.
+    void dropLeftOut()
+    {
+        std::size_t at = 0;
+        std::erase_if(m_form.segments, [&](const Segment& segment) {
+            return m_hasLines[at++] && segment.scope.items.empty();
+        });
     }
 
     void addLines(const std::vector<FormLine>& lines, const OpRange& ops)
@@ -136,6 +158,7 @@ private:
             }
             if (m_form.segments.empty())
                 beginSegment(100, {});
+            m_hasLines.back() = true;
             addLine(m_form.segments.back().scope, line, m_class.layout(), ops, 0);
         }
     }
@@ -516,21 +539,24 @@ private:
     const db::ClassDef& m_class;
     const db::Program& m_program;
     Form& m_form;
+    std::vector<bool> m_hasLines;      // by segment
     std::set<std::uint32_t> m_claimed; // slots of the frame that have their lines
 };
 
 } // namespace
 
-bool hasForm(const db::ClassDef& classDef)
+bool hasForm(const db::ClassDef& classDef, db::Version version)
 {
-    return std::none_of(std::begin(kWithoutForm), std::end(kWithoutForm),
-                        [&](std::string_view name) { return name == classDef.name(); }) &&
-           classDef.kind() != db::ClassKind::Control && classDef.kind() != db::ClassKind::Header;
+    if (isListed(kWithoutForm, classDef))
+        return false;
+    if (version >= db::Version::Ac1027 && isListed(kBodies, classDef))
+        return false;
+    return classDef.kind() != db::ClassKind::Control && classDef.kind() != db::ClassKind::Header;
 }
 
 const Form* formOf(const db::ClassDef& classDef, db::Version version)
 {
-    if (!hasForm(classDef) && classDef.kind() != db::ClassKind::Control)
+    if (!hasForm(classDef, version) && classDef.kind() != db::ClassKind::Control)
         return nullptr;
     static std::mutex mutex;
     static auto* const forms = new std::map<std::pair<const db::ClassDef*, db::Version>, Form>;

@@ -6,8 +6,9 @@ namespace dxf {
 
 const Hook* hookNamed(std::string_view name)
 {
-    for (const auto hooks : {entityHooks(), textHooks(), curveHooks(), hatchHooks(), tableHooks(),
-                             tableStyleHooks(), acadTableHooks(), objectHooks(), fieldHooks()})
+    for (const auto hooks :
+         {entityHooks(), textHooks(), curveHooks(), hatchHooks(), tableHooks(), tableStyleHooks(),
+          acadTableHooks(), objectHooks(), fieldHooks(), solidHooks()})
         for (const Hook& hook : hooks)
             if (hook.name == name)
                 return &hook;

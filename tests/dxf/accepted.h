@@ -36,6 +36,8 @@ inline constexpr Accepted kAccepted[] = {
     {"VIEWPORT", "vp_ent_hdr", "the oldest version's second list of viewports, made when needed"},
     {"LAYOUT", "viewports", "follows from the block; not filled in layouts never looked at"},
     {"LAYOUT", "n_viewports", "the same"},
+    {"3DSOLID", "has_wire", "lines to draw a body with, which follow from it"},
+    {"3DSOLID", "wires[]", "the same"},
     {"ATT*", "emb.ltype_flags", "the lines of an attribute look like the attribute"},
     {"ATT*", "emb.ltype", "the same"},
     {"ATT*", "emb.plotstyle_flags", "the same"},

@@ -91,7 +91,7 @@ TEST_F(IndependentDrawings, AreReadWithEveryObject)
                 continue;
             ASSERT_TRUE(kind->classDef) << handle << " " << object;
             EXPECT_EQ(dxf::fileName(*kind->classDef), object["type"]) << handle;
-            if (!dxf::hasForm(*kind->classDef))
+            if (!dxf::hasForm(*kind->classDef, file->version()))
                 continue;
             EXPECT_EQ(objection(*file, recordOf(*file, number), object), "") << object;
         }
@@ -162,7 +162,7 @@ TEST_F(IndependentDrawings, LoseNothingWhenWrittenAgain)
         edit.header(); // changed: it is written anew
         for (const std::uint64_t handle : file->handles())
             if (const auto kind = file->kind(handle);
-                kind->classDef && dxf::hasForm(*kind->classDef))
+                kind->classDef && dxf::hasForm(*kind->classDef, file->version()))
                 edit.change(handle); // and so is every object
 
         const OpenFile back = edit.written(file->version());

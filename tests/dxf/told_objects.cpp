@@ -36,7 +36,8 @@ bool canBeTold(const db::DrawingFile& file, std::uint64_t handle, db::Record& re
 {
     const auto kind = file.kind(handle);
     return kind && kind->classDef && file.read(handle, record) &&
-           (dxf::hasForm(*kind->classDef) || kind->classDef->kind() == db::ClassKind::Control);
+           (dxf::hasForm(*kind->classDef, file.version()) ||
+            kind->classDef->kind() == db::ClassKind::Control);
 }
 
 } // namespace
