@@ -28,8 +28,8 @@ inline constexpr NamedVersion kVersions[] = {
 };
 
 /// Reads the object 2A of the section (ENTITIES or OBJECTS) that holds it, and once more after it
-/// was written from its record; both must be the same. Fails, and gives an empty record, when it
-/// cannot be read.
+/// was written from its record, as text and as bits; all must be the same. Fails, and gives an
+/// empty record, when it cannot be read.
 inline db::Record readTwice(const NamedVersion& version, const char* section,
                             const std::string& object)
 {
@@ -55,8 +55,14 @@ inline db::Record readTwice(const NamedVersion& version, const char* section,
     const OpenFile back = edit.written(version.version);
     if (!back)
         return {};
+    Edit whole(*file);
+    const OpenFile bits = whole.writtenAsDwg(version.version);
+    if (!bits)
+        return {};
     db::Record record = recordOf(*file, 0x2A);
     for (const std::string& difference : differences(record, recordOf(*back, 0x2A), {}))
         ADD_FAILURE() << version.name << " " << difference;
+    for (const std::string& difference : differences(record, recordOf(*bits, 0x2A), {}))
+        ADD_FAILURE() << version.name << " as bits " << difference;
     return record;
 }
