@@ -111,12 +111,13 @@ private:
 
     static void fillBorder(RecordEditor border, const RecordView& from, std::uint32_t edge)
     {
-        border.setInteger("edge", std::int64_t(1) << edge);
         border.setInteger("b_type", 1);
         border.setInteger("b_lineweight", from.integer("b_lineweight"));
         border.setInteger("b_invisible", from.flag("b_visible") ? 0 : 1);
         border.setReal("b_spacing", kBorderSpacing);
         copyColor(border.structure("b_color"), from.structure("b_color"));
+        // Last, since the others see to it that there is an edge at all.
+        border.setInteger("edge", std::int64_t(1) << edge);
     }
 
     Record& m_record;
