@@ -47,12 +47,23 @@ constexpr Override kTableOverrides[] = {
     {0x200000, "header_height"}, {0x400000, "data_height"},
 };
 
-template <std::size_t N>
-void tellOverrides(GroupSequence& groups, Part part, const char* flags, const Override (&all)[N])
+// Written in this order; read in any, as far as their codes tell them apart.
+void tellOverrides(GroupSequence& groups, Part part, const char* flags,
+                   std::span<const Override> all)
 {
+    std::vector<const char*> pending;
     for (const Override& one : all)
         if (groups.number(part, flags) & one.bit)
-            groups.nameOrField(part, one.field);
+            pending.push_back(one.field);
+    while (!pending.empty() && groups.ok()) {
+        const auto next = std::find_if(pending.begin(), pending.end(), [&](const char* field) {
+            return !groups.isReading() || groups.isNext(part.def->find(db::fieldId(field))->dxf);
+        });
+        if (next == pending.end())
+            return;
+        groups.nameOrField(part, *next);
+        pending.erase(next);
+    }
 }
 
 // ---- up to 2007
@@ -83,22 +94,37 @@ void tellCellContent(GroupSequence& groups, Part cell)
         tellAttribute(groups, groups.element(cell, "attrs", i), i);
 }
 
+constexpr int kFlags = 177, kWideFlags = 91;
+
+bool hasWideFlags(const GroupSequence& groups, Part cell)
+{
+    if (groups.isReading())
+        return groups.isNext(kWideFlags);
+    return groups.version() == db::Version::Ac1021 || groups.number(cell, "cflags") > INT16_MAX;
+}
+
+// Flags of borders do not fit the shorter number.
+void tellFlags(GroupSequence& groups, Part cell)
+{
+    const int code = hasWideFlags(groups, cell) ? kWideFlags : kFlags;
+    if (!groups.when(cell, "has_override", code))
+        return;
+    groups.field(cell, "cflags", code);
+    groups.fields(cell, {"virtual_edges"});
+}
+
 void tellCell(GroupSequence& groups, Part cell)
 {
-    constexpr int kFlags = 177, kWideFlags = 91;
-    groups.fields(cell,
-                  {"type", "edge_flags", "merged", "autofit", "merge_w", "merge_h", "rotation"});
+    groups.fields(cell, {"type", "edge_flags", "merged", "autofit", "merge_w", "merge_h"});
+    // Programs differ in where the flags stand.
+    const bool isFirst = groups.isNext(kFlags) || groups.isNext(kWideFlags);
+    if (isFirst)
+        tellFlags(groups, cell);
+    groups.fields(cell, {"rotation"});
     tellCellContent(groups, cell);
-    // Flags of borders do not fit the shorter number.
-    const bool isWide = groups.isReading() ? groups.isNext(kWideFlags)
-                                           : groups.version() == db::Version::Ac1021 ||
-                                                 groups.number(cell, "cflags") > INT16_MAX;
-    const int flags = isWide ? kWideFlags : kFlags;
-    if (groups.when(cell, "has_override", flags)) {
-        groups.field(cell, "cflags", flags);
-        groups.fields(cell, {"virtual_edges"});
-        tellOverrides(groups, cell, "cflags", kCellOverrides);
-    }
+    if (!isFirst)
+        tellFlags(groups, cell);
+    tellOverrides(groups, cell, "cflags", kCellOverrides);
     if (groups.version() == db::Version::Ac1021) {
         groups.field(cell, "unknown", 92);
         groups.mark(301, "CELL_VALUE");

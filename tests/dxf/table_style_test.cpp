@@ -107,7 +107,14 @@ TEST(TableStyle, OfAnotherProgramHasCellStylesFromItsRows)
     const OpenFile drawing = openMinimal("line-ac1032.dwg");
     ASSERT_TRUE(drawing);
     Edit edit(*drawing);
-    fillLater(db::RecordEditor(edit.add("TABLESTYLE", kNew)));
+    db::RecordEditor later(edit.add("TABLESTYLE", kNew));
+    fillLater(later);
+    for (std::uint32_t i = 0; i < 2; ++i) // the borders at the bottom
+        later.array("styles")[0]
+            .structure("style")
+            .structure("style")
+            .array("borders")[i]
+            .setInteger("edge", i == 0 ? 1 : 4);
     ASSERT_TRUE(edit.written(drawing->version()));
     const auto begin = edit.text.find("102\r\n{ACAD_CELLSTYLES");
     ASSERT_NE(begin, std::string::npos);
@@ -123,6 +130,11 @@ TEST(TableStyle, OfAnotherProgramHasCellStylesFromItsRows)
     const db::RecordView title = style.array("styles")[0].structure("style");
     EXPECT_EQ(title.text("name"), u"_TITLE");
     EXPECT_EQ(title.structure("style").structure("fmt").real("text_height"), 0.25);
+    const db::ArrayView borders = title.structure("style").array("borders");
+    ASSERT_EQ(borders.size(), 6u);
+    for (std::uint32_t i = 0; i < 6; ++i)
+        EXPECT_EQ(borders[i].integer("edge"), 1 << i);
+    EXPECT_EQ(borders[2].integer("b_lineweight"), -2);
 }
 
 TEST(CellStyleMap, ComesBack)

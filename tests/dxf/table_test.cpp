@@ -168,6 +168,29 @@ TEST(Table, ComesBackWithItsCells)
     }
 }
 
+TEST(Table, IsReadWithItsOverridesInAnotherOrder)
+{
+    const OpenFile drawing = openMinimal("line-ac1018.dwg");
+    ASSERT_TRUE(drawing);
+    Edit edit(*drawing);
+    db::RecordEditor table = addTable(*drawing, edit);
+    fillCells(table, drawing->version(), handlesOf(*drawing, "STYLE")[0]);
+    ASSERT_TRUE(edit.written(drawing->version()));
+    const auto swap = [&](const std::string& first, const std::string& second) {
+        const auto at = edit.text.find(first + second);
+        ASSERT_NE(at, std::string::npos) << first << second;
+        edit.text.replace(at, first.size() + second.size(), second + first);
+    };
+    swap("140\r\n0.75\r\n", " 69\r\n256\r\n");
+    swap("145\r\n0.0\r\n", " 91\r\n32884\r\n178\r\n0\r\n");
+
+    const OpenFile file = openDxf(edit.text);
+
+    ASSERT_TRUE(file);
+    EXPECT_EQ(differences(edit.changed().at(kNew), recordOf(*file, kNew)),
+              std::vector<std::string>());
+}
+
 TEST(Table, HasPlainCellsForOtherPrograms)
 {
     const OpenFile drawing = openMinimal("line-ac1032.dwg");
