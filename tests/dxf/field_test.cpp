@@ -23,6 +23,7 @@ const std::string kField = groups({{0, "FIELD"},
                                    {93, "2"}});
 const std::string kChild = groups({{0, "FIELDLIST"},
                                    {5, "2B"},
+                                   {330, "C"},
                                    {100, "AcDbIdSet"},
                                    {90, "2"},
                                    {330, "2A"},

@@ -55,6 +55,30 @@ TEST(Solid, ThatIsEmptyHasNoText)
     EXPECT_TRUE(record.flag("empty"));
 }
 
+std::string written(const NamedVersion& version)
+{
+    const OpenFile file = openDxf(groups({{0, "SECTION"},
+                                          {2, "HEADER"},
+                                          {9, "$ACADVER"},
+                                          {1, version.name},
+                                          {0, "ENDSEC"},
+                                          {0, "SECTION"},
+                                          {2, "ENTITIES"}}) +
+                                  solid("3DSOLID") + groups({{0, "ENDSEC"}, {0, "EOF"}}));
+    if (!file)
+        return {};
+    Edit edit(*file);
+    edit.change(0x2A);
+    return edit.written(version.version) ? edit.text : std::string();
+}
+
+TEST(Solid, HasThePartOfItsHistoryWhereItHasAHistory)
+{
+    EXPECT_NE(written(kVersions[0]).find("AcDbModelerGeometry"), std::string::npos);
+    EXPECT_EQ(written(kVersions[0]).find("AcDb3dSolid"), std::string::npos);
+    EXPECT_NE(written(kVersions[3]).find("AcDb3dSolid"), std::string::npos);
+}
+
 TEST(Solid, OfBitsIsRefused)
 {
     const OpenFile file = openDxf(groups({{0, "SECTION"},
