@@ -55,6 +55,15 @@ bool leavesDrawingOpen(base::Reason reason)
     return number >= 21300 && number < 21500;
 }
 
+/// What a drawing cannot hold, or a name that cannot be written to, is no matter of how the tool
+/// was called: that was looked at before the drawing was read.
+ExitCode exitCodeOfDrawing(const base::Status& status, Doing doing)
+{
+    if (status.failure() == Failure::Usage && doing == Doing::Writing)
+        return leavesDrawingOpen(status.reason()) ? ExitCode::Damaged : ExitCode::CannotWrite;
+    return exitCodeOf(status.failure(), doing);
+}
+
 Word adviceFor(const base::Status& status)
 {
     switch (status.failure()) {
@@ -97,7 +106,7 @@ void refuseDrawing(const base::Status& status, const TvString& path, Doing doing
     Message message = messageOfDrawing(status);
     if (leavesDrawingOpen(status.reason()))
         message.text = words(Word::AboutDrawing, path, message.text);
-    throw Refusal(exitCodeOf(status.failure(), doing), std::move(message));
+    throw Refusal(exitCodeOfDrawing(status, doing), std::move(message));
 }
 
 // --- forms
@@ -124,20 +133,16 @@ db::FileFormat formatOf(const TvDbDatabase& database)
     return db::fileFormatOf(database);
 }
 
-DrawingForm formFor(const std::string& as, const TvString& path, db::FileFormat own)
+DrawingForm formFor(const std::string& as, const TvString& path)
 {
     const bool isDxfWanted = TvString(as.c_str()).compareNoCase(TvString(kDxf)) == 0;
-    DrawingForm form{own, 0};
+    DrawingForm form;
     if (!as.empty() && !isDxfWanted)
         form.version = versionNamed(as)->version;
     if (path.endsWithNoCase(kDxfExtension))
         form.format = db::FileFormat::Dxf;
-    else if (path.endsWithNoCase(u".dwg"))
-        form.format = db::FileFormat::Dwg;
-    if (isDxfWanted && path.endsWithNoCase(u".dwg"))
+    else if (isDxfWanted)
         refuseUsage(Word::DxfNeedsDxfName, base::PathRules::native().fileNameOf(path));
-    if (isDxfWanted)
-        form.format = db::FileFormat::Dxf;
     return form;
 }
 

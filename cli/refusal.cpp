@@ -27,10 +27,27 @@ constexpr Advice kAdvice[] = {
     {Failure::TooLarge, Word::AdviceDamaged},
 };
 
-TvString adviceFor(Failure failure)
+struct AdviceByReason {
+    base::Reason reason;
+    Word word;
+};
+
+/// Where the kind of a failure says too little to help.
+constexpr AdviceByReason kAdviceByReason[] = {
+    {base::Reason::NotRegularFile, Word::AdviceNotRegular},
+    {base::Reason::HardLinked, Word::AdviceHardLinked},
+    {base::Reason::DwgNotDrawing, Word::AdviceNotDrawing},
+    {base::Reason::DwgEncrypted, Word::AdvicePassword},
+    {base::Reason::DxfVersion, Word::AdviceNotDrawing},
+};
+
+TvString adviceFor(const base::Status& status)
 {
+    for (const AdviceByReason& row : kAdviceByReason)
+        if (row.reason == status.reason())
+            return words(row.word);
     for (const Advice& row : kAdvice)
-        if (row.failure == failure)
+        if (row.failure == status.failure())
             return words(row.word);
     return {};
 }
@@ -55,7 +72,7 @@ TvString Message::code() const
 
 Message messageOf(const base::Status& status)
 {
-    return {static_cast<int>(status.reason()), sentenceOf(status), adviceFor(status.failure())};
+    return {static_cast<int>(status.reason()), sentenceOf(status), adviceFor(status)};
 }
 
 void refuse(const base::Status& status, Doing doing)

@@ -25,8 +25,9 @@ TvString sentenceOf(const DrawingFinding& finding)
     for (const TvString& argument : finding.arguments)
         arguments.emplace_back(argument);
     // A finding about the file as a whole says what its status says.
+    const TvString fileSentence = finding.status ? TvString() : messageOf(finding.status).text;
     if (arguments.empty() && !finding.status)
-        arguments.emplace_back(messageOf(finding.status).text);
+        arguments.emplace_back(fileSentence); // is not copied, so it must live on
     return TvString().formatArguments(pattern, arguments);
 }
 

@@ -5,6 +5,7 @@
 
 #include "cli/drawing_session.h"
 #include "cli/session.h"
+#include "cli/shell_word.h"
 #include "cli/verbs.h"
 
 namespace cli {
@@ -42,7 +43,7 @@ TvString newPath(const TvString& file)
     const TvString name = rules.fileNameOf(path);
     if (!name.endsWithNoCase(kExtension) && !name.endsWithNoCase(u".dxf"))
         refuseUsage(Word::NotADrawingName, name);
-    if (!base::PathRules::isValidNewName(name))
+    if (!KvFileSystem::pathFileExists(path) && !base::PathRules::isValidNewName(name))
         refuseUsage(Word::BadFileName, name);
     return path;
 }
@@ -54,6 +55,23 @@ void tellForm(DrawingForm form, bool dryRun, Console& console)
     console.document()["dryRun"] = dryRun;
 }
 
+/// Whether a sentence names what the drawing holds and its new form has no place for.
+bool isAboutForm(int number)
+{
+    return number == static_cast<int>(base::Reason::DwgNotConverted) ||
+           number == static_cast<int>(base::Reason::DwgClassNotNamed) ||
+           number == static_cast<int>(base::Reason::DxfClassesNotWritten);
+}
+
+/// The new drawing's name for the next command: as it was typed, where that leads to the file.
+TvString nextWord(const TvString& typed, const TvString& path)
+{
+    for (const TvString& name : {typed, typed + kExtension})
+        if (fullPath(name) == path)
+            return shellWord(name);
+    return shellWord(path);
+}
+
 /// Into another form a drawing may not go, where in its own it goes.
 void writeCopy(TvDbDatabase& database, const TvString& path, DrawingForm form,
                const ChangeOptions& options, Console& console)
@@ -63,7 +81,7 @@ void writeCopy(TvDbDatabase& database, const TvString& path, DrawingForm form,
     try {
         writeDrawing(database, path, form, options, console);
     } catch (const Refusal& refusal) {
-        if (!isConverted || refusal.exitCode() != ExitCode::Damaged)
+        if (!isConverted || !isAboutForm(refusal.message().number))
             throw;
         Message message = refusal.message();
         message.advice = words(Word::AdviceKeepVersion);
@@ -73,15 +91,15 @@ void writeCopy(TvDbDatabase& database, const TvString& path, DrawingForm form,
 
 ExitCode copy(const DrawingCopyRequest& request, Console& console)
 {
-    const TvString path = fullPath(request.to);
-    formFor(request.as, path, db::FileFormat::Dwg); // wrong usage comes before anything is read
+    // Wrong usage comes before anything is read.
+    const TvString path = newPath(request.to);
+    DrawingForm to = formFor(request.as, path);
     requireFolder(path);
     if (!request.overwrite)
         requireFree(path, words(Word::AdviceOverwrite));
     OpenedDrawing opened(request.file, console);
     TvDbDatabase& database = opened.database();
     const DrawingForm from{formatOf(database), database.originalFileVersion()};
-    DrawingForm to = formFor(request.as, path, from.format);
     writeCopy(database, path, to, request.change, console);
     if (to.version == 0)
         to.version = from.version;
@@ -98,7 +116,7 @@ ExitCode copy(const DrawingCopyRequest& request, Console& console)
 ExitCode create(const DrawingNewRequest& request, Console& console)
 {
     const TvString path = newPath(request.file);
-    DrawingForm form = formFor(request.as, path, db::FileFormat::Dwg);
+    DrawingForm form = formFor(request.as, path);
     requireFolder(path);
     requireFree(path, messageOf({base::Failure::Exists, base::Reason::FileExists, {path}}).advice);
     if (form.version == 0)
@@ -107,7 +125,7 @@ ExitCode create(const DrawingNewRequest& request, Console& console)
     writeDrawing(database, path, form, request.change, console);
     console.line({{path}});
     if (!request.change.dryRun)
-        console.say(words(Word::NextAfterNewDrawing, request.file));
+        console.say(words(Word::NextAfterNewDrawing, nextWord(request.file, path)));
     console.document()["file"] = jsonText(path);
     tellForm(form, request.change.dryRun, console);
     return ExitCode::Ok;

@@ -23,6 +23,24 @@ TvString namesOf(TvDbDatabase& database)
     return names;
 }
 
+/// Answers that a sound drawing never gives: something that a layout leads to is not there, or is
+/// not what it should be.
+bool isContradiction(TvStatusCode code)
+{
+    switch (code) {
+    case TvStatus::InvalidInput:
+    case TvStatus::NotApplicable:
+    case TvStatus::UnknownHandle:
+    case TvStatus::NotThatObject:
+    case TvStatus::NotOpenable:
+    case TvStatus::NotInDatabase:
+    case TvStatus::WasErased:
+    case TvStatus::KeyNotFound:
+    case TvStatus::OutOfRange: return true;
+    default: return false;
+    }
+}
+
 [[noreturn]] void refuseLayout(TvStatusCode code, const TvString& name, TvDbDatabase& database)
 {
     switch (code) {
@@ -35,7 +53,9 @@ TvString namesOf(TvDbDatabase& database)
     default: break;
     }
     if (!database.lastFailure())
-        refuse(database.lastFailure(), Doing::Writing);
+        refuseDrawing(database.lastFailure(), database.getFilename(), Doing::Writing);
+    if (isContradiction(code))
+        refuse(ExitCode::Damaged, Word::LayoutsDamaged, name);
     refuse(ExitCode::Internal, Word::DrawingNotChanged, static_cast<int>(code));
 }
 
@@ -53,14 +73,14 @@ void tell(const OpenedDrawing& opened, const TvString& handle, bool dryRun, Cons
     console.document()["dryRun"] = dryRun;
 }
 
-/// A sheet set finds a renamed layout by its handle; the drawing's own note of it is not touched
-/// here.
-void warnIfSheet(TvDbDatabase& database, const TvString& handle, const TvString& name,
+/// A sheet set finds a layout by its handle; the drawing's own note of it is not touched here.
+/// @param warning  what is said of the sheet: takes the layout's name and the set's file.
+void warnIfSheet(TvDbDatabase& database, const TvString& handle, const TvString& name, Word warning,
                  Console& console)
 {
     const core::SheetData data = core::readSheetData(database);
     if (data.isThere && data.texts.handle.compareNoCase(handle) == 0)
-        console.warn(messageOf(Word::WarnSheetDataLayout, name, data.texts.sheetSetFile));
+        console.warn(messageOf(warning, name, data.texts.sheetSetFile));
 }
 
 ExitCode list(const LayoutListRequest& request, Console& console)
@@ -101,7 +121,7 @@ ExitCode rename(const LayoutRenameRequest& request, Console& console)
         requireDone(layout->setLayoutName(request.newName), request.newName, database);
     }
     if (opened.commit(request.change))
-        warnIfSheet(database, handle, before, console);
+        warnIfSheet(database, handle, before, Word::WarnSheetDataLayout, console);
     console.line({{words(Word::RenamedFromTo, handle, before, request.newName)}});
     tell(opened, handle, request.change.dryRun, console);
     console.document()["from"] = jsonText(before);
@@ -127,7 +147,8 @@ ExitCode remove(const LayoutRemoveRequest& request, Console& console)
         requireDone(layout.openStatus(), name, database);
         requireDone(layout->erase(), name, database);
     }
-    opened.commit(request.change);
+    if (opened.commit(request.change))
+        warnIfSheet(database, handle, name, Word::WarnSheetDataNoLayout, console);
     console.line({{handle, Tone::Faint},
                   {u"  "},
                   {name, Tone::Strong},
@@ -168,7 +189,10 @@ TvDbObjectId layoutNamed(TvDbDatabase& database, const TvString& name)
         if (const TvDbObjectPointer<TvDbLayout> layout(id);
             layout && layout->getLayoutName().compareNoCase(name) == 0)
             return id;
-    refuse(ExitCode::NoInput, Word::NoSuchLayout, name, namesOf(database));
+    const TvString names = namesOf(database);
+    if (names.isEmpty()) // every sound drawing has its model layout
+        refuse(ExitCode::Damaged, Word::LayoutsDamaged, name);
+    refuse(ExitCode::NoInput, Word::NoSuchLayout, name, names);
 }
 
 TvDbObjectId paperLayoutNamed(TvDbDatabase& database, const TvString& name)

@@ -7,6 +7,7 @@
 
 #include "cli/components.h"
 #include "cli/session.h"
+#include "cli/shell_word.h"
 #include "cli/verbs.h"
 
 namespace cli {
@@ -64,7 +65,8 @@ void report(const TvSmDatabase& db, const NewRequest& request, Console& console)
     console.document()["handle"] = jsonText(handleOf(*db.getSheetSet()));
     console.document()["name"] = jsonText(db.getSheetSet()->getName());
     console.document()["dryRun"] = request.change.dryRun;
-    console.say(request.change.dryRun ? words(Word::DryRunDone) : words(Word::NextAfterNew, typed));
+    console.say(request.change.dryRun ? words(Word::DryRunDone)
+                                      : words(Word::NextAfterNew, shellWord(typed)));
 }
 
 ExitCode create(const NewRequest& request, Console& console)

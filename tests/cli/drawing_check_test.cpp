@@ -11,6 +11,12 @@ namespace {
 using cli::ExitCode;
 using Json = nlohmann::ordered_json;
 
+Json findingsOf(const std::string& file)
+{
+    Json report = drawingJson({"check", file});
+    return report.contains("findings") ? report["findings"] : Json::array();
+}
+
 TEST(DrawingCheck, FindsNothingWrongWithOurOwnDrawings)
 {
     const DrawingFolder folder;
@@ -137,6 +143,28 @@ TEST(DrawingCheck, RefusesWrongUsageAndWhatItCannotRead)
     const Said said = drawing({"check", folder.path("text.dwg")});
     EXPECT_EQ(said.code, ExitCode::Damaged);
     EXPECT_NE(said.err.find("E21301"), std::string::npos) << said.err;
+}
+
+TEST(DrawingCheck, SentencesOfDamagedFilesAreWholeSentences)
+{
+    const DrawingFolder folder;
+    folder.put("line-ac1015.dwg");
+    std::size_t found = 0;
+    for (std::size_t at = 0x600; at < 0xB00; at += 0x100) {
+        std::string bytes = folder.bytes("line-ac1015.dwg");
+        bytes[at] = static_cast<char>(bytes[at] ^ 0x10);
+        folder.folder().write("wrong.dwg", bytes);
+        const Json findings = findingsOf(folder.path("wrong.dwg"));
+        for (const Json& finding : findings) {
+            if (finding["code"] != "D01")
+                continue;
+            ++found;
+            const std::string message = finding["message"];
+            EXPECT_TRUE(message.starts_with("The ") || message.starts_with("In the ")) << message;
+            EXPECT_TRUE(message.ends_with('.')) << message;
+        }
+    }
+    EXPECT_GE(found, 5u);
 }
 
 } // namespace

@@ -1,6 +1,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cli/drawing_session.h>
+#include <cli/refusal.h>
+
 #include "drawing_scene.h"
 
 // "drawing copy" and "drawing new": nothing is lost on the way, and a refusal leaves nothing
@@ -298,6 +301,83 @@ TEST(DrawingNew, MakesADrawingOfEachVersionThatIsSound)
     EXPECT_EQ(drawing({"new", folder.path("dry.dwg"), "-n"}).code, ExitCode::Ok);
     EXPECT_FALSE(std::filesystem::exists(folder.path("dry.dwg")));
     EXPECT_EQ(folder.generalised(drawing({"new", folder.path("plain")}).out), "DIR/plain.dwg\n");
+}
+
+TEST(DrawingNew, TellsTheNextCommandSoThatAShellTakesIt)
+{
+    const DrawingFolder folder;
+    const std::string before = std::filesystem::current_path().string();
+    std::filesystem::current_path(folder.folder().path());
+    const std::pair<const char*, const char*> names[] = {
+        {"plain", "plain.dwg"},     {"text.dxf", "text.dxf"}, {"two words.dwg", "'two words.dwg'"},
+        {"it's", "'it'\\''s.dwg'"}, {"$HOME", "'$HOME.dwg'"}, {"a`b", "'a`b.dwg'"},
+    };
+    for (const auto& [typed, shown] : names) {
+        const Said said = drawing({"new", typed});
+        EXPECT_EQ(said.code, ExitCode::Ok) << said.err;
+        EXPECT_EQ(said.err, std::string("Next: kvsheetset drawing layout list ") + shown + "\n");
+    }
+    EXPECT_EQ(drawing({"new", "--", "-n.dwg"}).err,
+              "Next: kvsheetset drawing layout list ./-n.dwg\n");
+    std::filesystem::current_path(before);
+}
+
+TEST(DrawingCopy, TakesTheSameNamesAsANewDrawing)
+{
+    const DrawingFolder folder;
+    const std::string from = folder.put("line-ac1032.dwg");
+    for (const char* verb : {"copy", "new"}) {
+        std::vector<std::string> line = {verb, folder.path("x.txt")};
+        if (line[0] == "copy")
+            line.insert(line.begin() + 1, from);
+        const Said said = drawing(line);
+        EXPECT_EQ(said.code, ExitCode::Usage) << verb;
+        EXPECT_NE(said.err.find("E22921: \"x.txt\" is no name for a drawing"), std::string::npos)
+            << said.err;
+    }
+    EXPECT_EQ(folder.names().size(), 1u);
+    EXPECT_EQ(drawing({"copy", from, folder.path("plain")}).code, ExitCode::Ok);
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"line-ac1032.dwg", "plain.dwg"}));
+}
+
+TEST(DrawingCopy, AdviceFitsWhatIsInTheWay)
+{
+    const DrawingFolder folder;
+    const std::string from = folder.put("line-ac1032.dwg");
+    folder.folder().write("empty.dwg", "");
+    std::filesystem::create_directory(folder.path("folder.dwg"));
+    ASSERT_EQ(::mkfifo(folder.path("pipe.dwg").c_str(), 0600), 0);
+    const std::string to = folder.put("empty-ac1015.dwg");
+    std::filesystem::create_hard_link(to, folder.path("second.dwg"));
+    const std::pair<std::vector<std::string>, const char*> lines[] = {
+        {{"info", folder.path("empty.dwg")}, "Check that it is a drawing."},
+        {{"info", folder.path("folder.dwg")}, "Name a file, not a folder"},
+        {{"info", folder.path("pipe.dwg")}, "Name a file, not a folder"},
+        {{"copy", from, to, "--overwrite"}, "delete its other names first"},
+        {{"copy", from, to, "--overwrite", "--as", "AC1018"}, "delete its other names first"},
+    };
+    for (const auto& [line, advice] : lines) {
+        const Said said = drawing(line);
+        EXPECT_EQ(said.code, ExitCode::Damaged) << said.err;
+        EXPECT_NE(said.err.find(advice), std::string::npos) << said.err;
+        EXPECT_EQ(said.err.find("newer version of this program"), std::string::npos) << said.err;
+    }
+}
+
+TEST(DrawingCopy, WhatCannotBeWrittenIsNeverWrongUsage)
+{
+    const auto codeOf = [](const base::Status& status, cli::Doing doing) {
+        try {
+            cli::refuseDrawing(status, u"/plan.dwg", doing);
+        } catch (const cli::Refusal& refusal) {
+            return refusal.exitCode();
+        }
+    };
+    const base::Status object{base::Failure::Usage, base::Reason::DwgObjectDamaged, {u"1E"}};
+    const base::Status name{base::Failure::Usage, base::Reason::NotRegularFile, {u"/"}};
+    EXPECT_EQ(codeOf(object, cli::Doing::Writing), ExitCode::Damaged);
+    EXPECT_EQ(codeOf(name, cli::Doing::Writing), ExitCode::CannotWrite);
+    EXPECT_EQ(codeOf(name, cli::Doing::Reading), ExitCode::Usage);
 }
 
 } // namespace

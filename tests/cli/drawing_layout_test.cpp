@@ -1,3 +1,5 @@
+#include <db/tv_db_dictionary.h>
+
 #include "drawing_scene.h"
 
 // "drawing layout ...": names change, handles stay.
@@ -160,6 +162,49 @@ TEST(DrawingLayout, ThatIsASheetIsToldWhenItIsRenamed)
     const Said said = drawing({"layout", "rename", file, "Layout1", "Cellar"});
     EXPECT_EQ(said.code, ExitCode::Ok);
     EXPECT_NE(said.err.find("warning E22937"), std::string::npos) << said.err;
+}
+
+TEST(DrawingLayout, ThatIsASheetIsToldWhenItIsRemoved)
+{
+    const DrawingFolder folder;
+    const std::string file = folder.put("line-ac1032.dwg");
+    folder.folder().write("house.dst", "");
+    ASSERT_EQ(drawing({"layout", "add", file, "Second"}).code, ExitCode::Ok);
+    ASSERT_EQ(drawing({"sheetdata", "write", file, "--set", folder.path("house.dst"), "--layout",
+                       "Layout1"})
+                  .code,
+              ExitCode::Ok);
+    ASSERT_EQ(drawing({"layout", "add", file, "Third"}).code, ExitCode::Ok);
+    EXPECT_EQ(drawing({"layout", "remove", file, "Second"}).err, "");
+    const Said said = drawing({"layout", "remove", file, "Layout1"});
+    EXPECT_EQ(said.code, ExitCode::Ok);
+    EXPECT_NE(said.err.find("warning E22940: The layout \"Layout1\""), std::string::npos)
+        << said.err;
+    EXPECT_NE(said.err.find("house.dst"), std::string::npos) << said.err;
+}
+
+/// "damaged" and a way to learn more, instead of a number that only we know.
+void expectDamaged(const Said& said)
+{
+    EXPECT_EQ(said.code, ExitCode::Damaged) << said.err;
+    EXPECT_NE(said.err.find("E22939"), std::string::npos) << said.err;
+    EXPECT_NE(said.err.find("kvsheetset drawing check"), std::string::npos) << said.err;
+    EXPECT_EQ(said.out, "");
+}
+
+TEST(DrawingLayout, OfADrawingWithoutItsLayoutsIsRefusedAsDamaged)
+{
+    const DrawingFolder folder;
+    const std::string file = folder.put("line-ac1032.dwg");
+    damage(file, [](TvDbDatabase& database) {
+        TvDbObjectPointer<TvDbDictionary>(database.namedObjectsDictionaryId(), TvDb::kForWrite)
+            ->remove(u"ACAD_LAYOUT");
+    });
+    const FileState before = stateOf(file);
+    expectDamaged(drawing({"layout", "add", file, "New"}));
+    expectDamaged(drawing({"layout", "rename", file, "Layout1", "New"}));
+    expectDamaged(drawing({"layout", "remove", file, "Layout1"}));
+    EXPECT_EQ(stateOf(file), before);
 }
 
 } // namespace

@@ -5,7 +5,7 @@
 namespace cli {
 
 /// The layout of that name, in any case; refuses (NoInput) when there is none, and tells those that
-/// there are.
+/// there are. Refuses (Damaged) where a drawing has no layout at all.
 TvDbObjectId layoutNamed(TvDbDatabase& database, const TvString& name);
 /// The same; refuses (Usage) the model layout.
 TvDbObjectId paperLayoutNamed(TvDbDatabase& database, const TvString& name);

@@ -37,8 +37,8 @@ struct DrawingForm {
 
 /// The form that --as asks for, and the extension of the new file's path; refuses (Usage) what
 /// there is not, and what would stand under a wrong name.
-/// @param own  of a path whose extension says nothing.
-DrawingForm formFor(const std::string& as, const TvString& path, db::FileFormat own);
+/// @param path  ends in ".dwg" or ".dxf".
+DrawingForm formFor(const std::string& as, const TvString& path);
 /// Writes the drawing, waiting as the options say while somebody else uses the file; or refuses. In
 /// a dry run only tries, in memory.
 void writeDrawing(TvDbDatabase& database, const TvString& path, DrawingForm form,
@@ -51,7 +51,8 @@ int versionYear(int version);
 TvString formWords(DrawingForm form);
 db::FileFormat formatOf(const TvDbDatabase& database);
 
-/// Refuses with the sentence of a status about this drawing.
+/// Refuses with the sentence of a status about this drawing. What was refused in writing is never
+/// wrong usage.
 [[noreturn]] void refuseDrawing(const base::Status& status, const TvString& path, Doing doing);
 /// The sentence of a status about a drawing, without the drawing.
 Message messageOfDrawing(const base::Status& status);

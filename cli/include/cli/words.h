@@ -229,6 +229,8 @@
     X(AdviceDamaged, 22707)                             \
     X(AdviceUnsupported, 22708)                         \
     X(AdviceUnreachable, 22709)                         \
+    X(AdviceNotRegular, 22710)                          \
+    X(AdviceHardLinked, 22711)                          \
     /* drawings: summary, details, examples */          \
     X(SumDrawingInfo, 22800)                            \
     X(SumDrawingCheck, 22801)                           \
@@ -345,11 +347,15 @@
     X(WarnSetMissing, 22936)                            \
     X(WarnSheetDataLayout, 22937)                       \
     X(NotADstPath, 22938)                               \
+    X(LayoutsDamaged, 22939)                            \
+    X(WarnSheetDataNoLayout, 22940)                     \
     /* advice */                                        \
     X(AdviceDrawingNotFound, 22960)                     \
     X(AdviceDrawingInUse, 22961)                        \
     X(AdviceKeepVersion, 22962)                         \
-    X(AdviceOverwrite, 22963)
+    X(AdviceOverwrite, 22963)                           \
+    X(AdviceNotDrawing, 22964)                          \
+    X(AdvicePassword, 22965)
 // clang-format on
 
 namespace cli {
