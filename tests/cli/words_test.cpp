@@ -1,6 +1,7 @@
 #include <set>
 
 #include <cli/lock_words.h>
+#include <cli/shell_word.h>
 #include <cli/words.h>
 #include <db/drawing_audit.h>
 #include <resources/texts.h>
@@ -84,6 +85,35 @@ TEST(Words, EachFindingHasAText)
     for (int number = static_cast<int>(db::DrawingRule::FileWrong);
          number <= static_cast<int>(db::DrawingRule::SheetDataLayoutGone); ++number)
         EXPECT_NE(text::find(number), nullptr) << number;
+}
+
+TEST(ShellWord, IsQuotedWhereAShellWouldReadMoreThanAName)
+{
+    const std::pair<const char16_t*, const char16_t*> names[] = {
+        {u"plan.dwg", u"plan.dwg"},
+        {u"a/b-c_1.dwg", u"a/b-c_1.dwg"},
+        {u"Größe.dwg", u"Größe.dwg"},
+        {u"two words", u"'two words'"},
+        {u"a$b", u"'a$b'"},
+        {u"a`b`", u"'a`b`'"},
+        {u"say \"hi\"", u"'say \"hi\"'"},
+        {u"it's", u"'it'\\''s'"},
+        {u"-n.dwg", u"./-n.dwg"},
+        {u"-n x", u"'./-n x'"},
+        {u"~me", u"'~me'"},
+        {u"", u"''"},
+    };
+    for (const auto& [name, word] : names)
+        EXPECT_EQ(cli::shellWord(name), TvString(word));
+}
+
+TEST(VerbNew, TellsTheNextCommandSoThatAShellTakesIt)
+{
+    const TempFolder folder;
+    const std::string file = (folder.path() / "my house").string();
+    const Said said = runLine({"new", file});
+    EXPECT_EQ(said.code, cli::ExitCode::Ok);
+    EXPECT_NE(said.err.find("'" + file + ".dst'"), std::string::npos) << said.err;
 }
 
 } // namespace
