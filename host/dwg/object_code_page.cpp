@@ -74,6 +74,30 @@ void appendEscape(std::string& out, char16_t unit)
         out += kDigits[unit >> shift & 0xF];
 }
 
+constexpr std::size_t kEscapeLength = 7; // \U+XXXX
+
+int capitalHexDigit(char16_t unit)
+{
+    if (unit >= u'0' && unit <= u'9')
+        return unit - u'0';
+    return unit >= u'A' && unit <= u'F' ? unit - u'A' + 10 : -1;
+}
+
+// The unit of the escape that @p text begins with; 0 when it does not, or not as we write them.
+char16_t escapedUnit(std::u16string_view text)
+{
+    if (!text.starts_with(u"\\U+") || text.size() < kEscapeLength)
+        return 0;
+    int unit = 0;
+    for (std::size_t i = 3; i < kEscapeLength; ++i) {
+        const int digit = capitalHexDigit(text[i]);
+        if (digit < 0)
+            return 0;
+        unit = unit << 4 | digit;
+    }
+    return static_cast<char16_t>(unit);
+}
+
 bool isSurrogatePair(std::u16string_view text, std::size_t at)
 {
     return (text[at] & 0xFC00) == 0xD800 && at + 1 < text.size() &&
@@ -115,10 +139,43 @@ CodePage::CodePage(int number, const char* converterName) : m_number(number), m_
     }
 }
 
+bool CodePage::mayHoldEscapes(std::span<const std::uint8_t> bytes)
+{
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    return text.find("\\U+") != text.npos;
+}
+
 bool CodePage::decode(std::span<const std::uint8_t> bytes, std::u16string& out) const
 {
-    if (m_isMultibyte)
-        return decodeMultibyte(bytes, out);
+    const bool isWhole = m_isMultibyte ? decodeMultibyte(bytes, out) : decodeSingle(bytes, out);
+    if (!mayHoldEscapes(bytes))
+        return isWhole;
+    resolveEscapes(out);
+    return encode(out) ==
+           std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+}
+
+bool CodePage::has(char16_t unit) const
+{
+    return unit < 0x80 || m_bytes.count(unit) != 0 ||
+           (m_isMultibyte && !bytesOf(openConverter(m_name).get(), {&unit, 1}).empty());
+}
+
+// Unit by unit: a pair of surrogates is written as two escapes.
+void CodePage::resolveEscapes(std::u16string& text) const
+{
+    std::u16string out;
+    for (std::size_t at = 0; at < text.size();) {
+        const char16_t unit = escapedUnit(std::u16string_view(text).substr(at));
+        const bool isOurs = unit != 0 && !has(unit);
+        out += isOurs ? unit : text[at];
+        at += isOurs ? kEscapeLength : 1;
+    }
+    text = std::move(out);
+}
+
+bool CodePage::decodeSingle(std::span<const std::uint8_t> bytes, std::u16string& out) const
+{
     out.resize(bytes.size());
     bool exact = true;
     for (std::size_t i = 0; i < bytes.size(); ++i) {

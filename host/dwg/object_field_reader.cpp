@@ -157,6 +157,8 @@ void FieldReader::putNarrowText(std::uint32_t slot, Bytes bytes, const CodePage&
 {
     if (bytes.empty())
         return put(slot, wordOf(Run{0, TextRun::kAsStored}));
+    if (CodePage::mayHoldEscapes(bytes))
+        return keepBytes(slot, bytes, codePage);
     const auto stored = static_cast<std::uint32_t>(bytes.size());
     const std::uint32_t at = append((stored + 3) / 4);
     if (m_failed)
@@ -175,7 +177,8 @@ void FieldReader::putNarrowText(std::uint32_t slot, Bytes bytes, const CodePage&
                                  (endsInNul ? TextRun::kEndsInNul : 0)}));
 }
 
-// Text of a code page with several bytes to a character, or with bytes that mean nothing in it.
+// Text of a code page with several bytes to a character, with bytes that mean nothing in it, or
+// with escapes.
 void FieldReader::keepBytes(std::uint32_t slot, Bytes bytes, const CodePage& codePage)
 {
     const bool endsInNul = bytes.back() == 0;

@@ -5,6 +5,7 @@
 // 2. Nothing is written when anything stands in the way: all of that is told at once.
 // 3. Sections of the origin are made anew, taken over where both versions understand them alike, or
 //    left out where they only describe who wrote the origin.
+// 4. Nothing is made of an origin that may not be saved as it is, or the damage would be hidden.
 
 #include <algorithm>
 #include <set>
@@ -64,6 +65,8 @@ public:
         if (!m_contents.header || !m_contents.header->classDef())
             return base::Status(base::Failure::Usage, base::Reason::DwgSectionMissing,
                                 {TvString(section::kHeader)});
+        if (isOriginDamaged()) // 4
+            return base::Status(base::Failure::Damaged, base::Reason::DwgDamageNotSaved);
         m_header = *m_contents.header;
         takeSummary();
         for (const auto step : {&NewFile::survey, &NewFile::surveySections})
@@ -82,6 +85,17 @@ public:
     }
 
 private:
+    // Reads all of the origin. A save in place copies records with wrong checksums as they stand;
+    // here they would come out with right ones.
+    bool isOriginDamaged() const
+    {
+        const auto found = m_origin ? m_origin->raw().check() : std::vector<Finding>();
+        return std::any_of(found.begin(), found.end(), [](const Finding& finding) {
+            return finding.forbidsSave() || finding.kind == FindingKind::ObjectChecksum ||
+                   finding.kind == FindingKind::ObjectHandle;
+        });
+    }
+
     ClassTable classesOfOrigin() const
     {
         ClassTable table = ClassTable::makeEmpty(m_version);

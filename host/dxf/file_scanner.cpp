@@ -68,8 +68,9 @@ constexpr VersionName kVersionNames[] = {
     {"AC1021", db::Version::Ac1021}, {"AC1024", db::Version::Ac1024},
     {"AC1027", db::Version::Ac1027}, {"AC1032", db::Version::Ac1032},
 };
-// Formats before 2000 have fewer groups, but none that mean something else.
-constexpr std::string_view kOldNames[] = {"AC1006", "AC1009", "AC1012", "AC1014"};
+// These have fewer groups, but none that mean something else. Still older ones have neither block
+// records nor layouts, and entities of other kinds.
+constexpr std::string_view kOldNames[] = {"AC1012", "AC1014"};
 
 constexpr std::size_t kLargest = std::size_t(2) << 30;
 

@@ -37,6 +37,25 @@ std::string_view lineEndOf(const db::Contents& contents)
     return file ? file->structure().index().lineEnd : std::string_view("\r\n");
 }
 
+// What of a DWG file's check() tells of damage that the text would hide, or have lost something by.
+constexpr base::Reason kDamages[] = {
+    base::Reason::DwgCheckSectionOutside,    base::Reason::DwgCheckSectionChecksum,
+    base::Reason::DwgCheckSectionUnreadable, base::Reason::DwgCheckPageChecksum,
+    base::Reason::DwgCheckPageUnreadable,    base::Reason::DwgCheckMapOrder,
+    base::Reason::DwgCheckObjectUnreadable,  base::Reason::DwgCheckObjectChecksum,
+    base::Reason::DwgCheckObjectHandle,      base::Reason::DwgCheckObjectsOverlap};
+
+bool isDamaged(const db::DrawingFile* origin)
+{
+    if (!origin || origin->format() != db::FileFormat::Dwg)
+        return false;
+    const auto found = origin->check();
+    return std::any_of(found.begin(), found.end(), [](const base::Status& status) {
+        return std::find(std::begin(kDamages), std::end(kDamages), status.reason()) !=
+               std::end(kDamages);
+    });
+}
+
 } // namespace
 
 FileWriter::FileWriter(const db::Contents& contents, db::Version version)
@@ -60,6 +79,8 @@ FileWriter::FileWriter(const db::Contents& contents, db::Version version)
 
 base::Status FileWriter::write()
 {
+    if (isDamaged(m_contents.origin))
+        return {base::Failure::Damaged, base::Reason::DwgDamageNotSaved};
     if (base::Status done = prepare(); !done)
         return done;
     if (base::Status done = writeSections(); !done)
@@ -493,12 +514,15 @@ void FileWriter::writePreview()
 
 // ---- objects
 
+// But for escapes, so that a name looks the same wherever it stands.
 void FileWriter::copyGroups(std::string_view groups)
 {
+    const std::size_t begin = m_out.out().size();
     if (m_out.lineEnd() == m_origin->structure().index().lineEnd)
         m_out.out() += groups;
     else
         m_out.copy(groups);
+    TextCoding::capitaliseEscapes(m_out.out(), begin);
 }
 
 base::Status FileWriter::writeObject(std::uint64_t handle)

@@ -209,6 +209,17 @@ std::u16string TextCoding::decodeMultibyte(char page, unsigned code)
                                         : std::u16string();
 }
 
+void TextCoding::capitaliseEscapes(std::string& text, std::size_t begin)
+{
+    for (std::size_t at = text.find("+", begin); at != text.npos; at = text.find("+", at + 1)) {
+        if (at < begin + 2 || !unicodeEscape(std::string_view(text).substr(at - 2)))
+            continue;
+        for (std::size_t i = at - 1; i < at + 5; ++i)
+            if (text[i] >= 'a' && text[i] <= 'u')
+                text[i] = static_cast<char>(text[i] - 'a' + 'A');
+    }
+}
+
 std::u16string TextCoding::resolved(std::u16string_view text)
 {
     std::u16string out;

@@ -41,6 +41,9 @@ public:
     /// stands so in @p text counts as the character that it means.
     void encode(std::u16string_view text, std::string& out) const;
 
+    /// Writes the digits of all `\U+XXXX` in @p text, from @p begin on, as capitals, as encode()
+    /// does.
+    static void capitaliseEscapes(std::string& text, std::size_t begin);
     /// With `\U+XXXX` as the characters that they mean.
     static std::u16string resolved(std::u16string_view text);
 

@@ -191,6 +191,29 @@ std::vector<std::string> obstacles(const db::DrawingFile& file, const base::Stat
     return named;
 }
 
+bool tells(const db::DrawingFile& file, base::Reason reason)
+{
+    const auto found = file.check();
+    return std::any_of(found.begin(), found.end(),
+                       [&](const base::Status& status) { return status.reason() == reason; });
+}
+
+/// The drawing with one bit wrong such that it says @p reason and all objects can be read.
+std::vector<std::uint8_t> damaged(std::vector<std::uint8_t> bytes, base::Reason reason)
+{
+    constexpr std::size_t kHead = 0x100, kStep = 16;
+    const std::size_t objects = allRecords(*opened(bytes)).size();
+    for (std::size_t at = kHead; at < bytes.size(); at += kStep) {
+        bytes[at] ^= 1;
+        const auto file = codec().open(bytes);
+        if (file && tells(**file, reason) && allRecords(**file).size() == objects)
+            return bytes;
+        bytes[at] ^= 1;
+    }
+    ADD_FAILURE() << "no such place";
+    return bytes;
+}
+
 } // namespace
 
 TEST(Conversion, FromEachVersionIntoEachOtherIsWholeOrRefusedByName)
@@ -270,4 +293,20 @@ TEST(Conversion, GoesThroughOnceWhatStandsInTheWayIsErased)
             expectSameContent(old, before->version(), filledRecords(*after), to);
         }
     }
+}
+
+TEST(Conversion, OfADrawingThatIsDamagedIsRefused)
+{
+    const auto refuse = [](db::Version from, base::Reason damage, db::Version to) {
+        const auto whole = minimalDrawing("line-" + versionName(from) + ".dwg");
+        ASSERT_TRUE(DrawingChanges(*opened(whole)).write(to));
+        const auto file = opened(damaged(whole, damage));
+        const auto refused = DrawingChanges(*file).write(to);
+        ASSERT_FALSE(refused) << versionName(from);
+        EXPECT_EQ(refused.status().failure(), base::Failure::Damaged);
+        EXPECT_EQ(refused.status().reason(), base::Reason::DwgDamageNotSaved);
+    };
+    refuse(db::Version::Ac1015, base::Reason::DwgCheckObjectChecksum, db::Version::Ac1018);
+    refuse(db::Version::Ac1018, base::Reason::DwgCheckPageChecksum, db::Version::Ac1015);
+    refuse(db::Version::Ac1032, base::Reason::DwgCheckPageChecksum, db::Version::Ac1027);
 }

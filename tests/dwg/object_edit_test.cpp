@@ -1,5 +1,6 @@
 // Records that were made or edited here: written, read again, equal.
 
+#include <cstring>
 #include <limits>
 #include <set>
 
@@ -138,7 +139,10 @@ TEST(ObjectEdit, CharactersThatTheCodePageLacksBecomeEscapes)
     db::Record text = make("TEXT", dwg::Version::Ac1018);
     db::RecordEditor(text).setText("text", u"\u4E2D \u00E4 \U0001F600");
     const db::Record read = thereAndBack(text, dwg::Version::Ac1018);
-    EXPECT_EQ(read.text("text"), u"\\U+4E2D \u00E4 \\U+D83D\\U+DE00");
+    EXPECT_EQ(read.text("text"), u"\u4E2D \u00E4 \U0001F600");
+    EXPECT_EQ(encoded(read, dwg::Version::Ac1018), encoded(text, dwg::Version::Ac1018));
+    const std::string_view stored = "\\U+4E2D \xE4 \\U+D83D\\U+DE00";
+    EXPECT_EQ(dwg::CodePage::numbered(30).encode(read.text("text")), stored);
     const db::Record wide = thereAndBack(make("TEXT", dwg::Version::Ac1021), dwg::Version::Ac1021);
     EXPECT_EQ(wide.text("text"), u"");
 }
@@ -305,6 +309,62 @@ TEST(CodePage, LeadsThereAndBackOrKeepsTheBytes)
     EXPECT_FALSE(japanese.decode(broken, text));
 
     EXPECT_EQ(dwg::CodePage::numbered(9999).number(), 30);
+}
+
+TEST(CodePage, EscapesAreReadAsWhatTheyAreWrittenFrom)
+{
+    const auto isExact = [](int page, std::string_view stored, std::u16string_view read) {
+        const auto* const bytes = reinterpret_cast<const std::uint8_t*>(stored.data());
+        std::u16string text;
+        const bool leadsBack = dwg::CodePage::numbered(page).decode({bytes, stored.size()}, text);
+        EXPECT_EQ(text, read) << stored;
+        return leadsBack;
+    };
+    constexpr int kAscii = 1, kWestern = 30, kGreek = 32, kJapanese = 38;
+    EXPECT_TRUE(isExact(kWestern, "\\U+03A9mega", u"\u03A9mega"));
+    EXPECT_TRUE(isExact(kWestern, "\\P\\U+2205\\U+220545", u"\\P\u2205\u220545"));
+    EXPECT_TRUE(isExact(kWestern, "\\U+D83D\\U+DE00", u"\U0001F600"));
+    EXPECT_TRUE(isExact(kJapanese, "\x93\xFA\\U+00E4", u"\u65E5\u00E4"));
+    // Writing would not give these again.
+    EXPECT_TRUE(isExact(kGreek, "\\U+03A9", u"\\U+03A9"));
+    EXPECT_TRUE(isExact(kJapanese, "\\U+65E5", u"\\U+65E5"));
+    for (const char* stored : {"\\U+03a9", "\\u+03A9", "\\U+00B0", "\\U+0041", "\\U+0000", "\\U+",
+                               "\\U+03A", "\\M+18140"})
+        EXPECT_TRUE(
+            isExact(kWestern, stored, std::u16string(stored, stored + std::strlen(stored))));
+    EXPECT_FALSE(isExact(kAscii, "\x81\\U+03A9", u"\uFFFD\u03A9")) << "0x81 means nothing";
+}
+
+TEST(CodePage, EscapesAreResolvedInEveryKindOfText)
+{
+    const std::u16string name = u"\u03A9mega";
+    for (const dwg::Version version : {dwg::Version::Ac1015, dwg::Version::Ac1018}) {
+        db::Record layout = make("LAYOUT", version);
+        db::RecordEditor(layout).setText("name", name);
+        EXPECT_EQ(thereAndBack(layout, version).text("name"), name);
+        db::Record dictionary = make("DICTIONARY", version);
+        db::ArrayEditor keys = db::RecordEditor(dictionary).array("keys");
+        keys.setText(keys.add(), name);
+        db::ArrayEditor values = db::RecordEditor(dictionary).array("values");
+        values.setHandle(values.add(), 0x55);
+        EXPECT_EQ(thereAndBack(dictionary, version).array("keys").text(0), name);
+        db::Record xrecord = make("XRECORD", version);
+        db::ArrayEditor items = db::RecordEditor(xrecord).structure("content").array("items");
+        db::RecordEditor item = items[items.add()];
+        item.setInteger("code", 1);
+        item.setText("text", name);
+        const db::Record back = thereAndBack(xrecord, version);
+        EXPECT_EQ(back.structure("content").array("items")[0].text("text"), name);
+        EXPECT_EQ(encoded(back, version), encoded(xrecord, version));
+
+        const dwg::CodePage& page = dwg::CodePage::numbered(30);
+        db::Record header(*db::classNamed("HEADER_VARIABLES"));
+        header.setVersion(dwg::databaseVersion(version));
+        db::RecordEditor(header).setText("MENUNAME", name);
+        const auto bytes = dwg::encodeHeader(header, version, page);
+        ASSERT_TRUE(bytes);
+        EXPECT_EQ(dwg::decodeHeader(version, *bytes, page)->text("MENUNAME"), name);
+    }
 }
 
 TEST(CodePage, TextThatDoesNotLeadBackKeepsItsBytes)

@@ -135,6 +135,19 @@ TEST(HostileText, OfAnUnknownVersionIsRefusedWithItsName)
     EXPECT_EQ(file.status().reason(), base::Reason::DxfVersion);
 }
 
+TEST(HostileText, OfAVersionWithoutBlockRecordsIsRefusedWithItsName)
+{
+    for (const char* version : {"AC1006", "AC1009"}) {
+        const std::string header = section("HEADER", groups({{9, "$ACADVER"}, {1, version}}));
+        const auto file = tryOpen(header + section("ENTITIES", line("2A")) + kEnd);
+        ASSERT_FALSE(file) << version;
+        EXPECT_EQ(file.status().reason(), base::Reason::DxfVersion);
+        ASSERT_EQ(file.status().arguments().size(), 1u);
+        EXPECT_EQ(file.status().arguments()[0].utf8(), version);
+    }
+    EXPECT_TRUE(tryOpen(section("ENTITIES", line("2A")) + kEnd)) << "that states no version";
+}
+
 TEST(HostileText, OfAllLineEndsThatFilesHaveIsRead)
 {
     const std::string text = drawing(line("2A"));
@@ -388,6 +401,29 @@ TEST(HostileText, WithEscapesThatMeanNothingKeepsThem)
         ASSERT_TRUE(back) << value;
         EXPECT_EQ(recordOf(*back, 0x2A).text("text"), text) << value;
     }
+}
+
+TEST(HostileText, WithEscapesInSmallDigitsIsWrittenInCapitals)
+{
+    const std::string old =
+        section("HEADER", groups({{9, "$ACADVER"}, {1, "AC1018"}, {9, "$HANDSEED"}, {5, "FFFF"}}));
+    const auto text = [](const char* handle, const char* value) {
+        return groups(
+                   {{0, "TEXT"}, {5, handle}, {100, "AcDbEntity"}, {8, "0"}, {100, "AcDbText"}}) +
+               groups({{1, value}});
+    };
+    const OpenFile file = openDxf(
+        old + section("ENTITIES", text("2A", "\\U+03a9+\\u+03a9 u+03a9") + text("2B", "\\U+03a9")) +
+        kEnd);
+    ASSERT_TRUE(file);
+    EXPECT_EQ(recordOf(*file, 0x2A).text("text"), u"\u03A9+\u03A9 u+03a9");
+    Edit edit(*file);
+    edit.change(0x2B); // the other is copied as it stands
+    const auto bytes = edit.write(db::Version::Ac1018);
+    ASSERT_TRUE(bytes);
+    const std::string written(bytes->begin(), bytes->end());
+    EXPECT_NE(written.find("\\U+03A9+\\U+03A9 u+03a9\n"), written.npos);
+    EXPECT_EQ(written.find("\\U+03a9"), written.npos);
 }
 
 TEST(HostileText, WithHalvesOfPairsIsReadAndWritten)

@@ -34,4 +34,29 @@ TEST(MinimalDrawing, IsWrittenAsTextInEveryVersion)
     }
 }
 
+TEST(MinimalDrawing, IsNotWrittenAsTextWhenItIsDamaged)
+{
+    auto bytes = readFile(std::filesystem::path(KV_TEST_DATA) / "dwg" / "line-ac1015.dwg");
+    const auto whole = dwg::DwgCodec().open(bytes);
+    ASSERT_TRUE(whole);
+    EXPECT_TRUE(Edit(**whole).write(db::Version::Ac1015));
+    const auto isDamaged = [&] {
+        const auto file = dwg::DwgCodec().open(bytes);
+        const auto found = file ? (*file)->check() : std::vector<base::Status>();
+        return found.size() == 1 && found[0].reason() == base::Reason::DwgCheckObjectChecksum;
+    };
+    constexpr std::size_t kHead = 0x100, kStep = 16;
+    std::size_t at = kHead;
+    for (bytes[at] ^= 1; !isDamaged(); bytes[at] ^= 1) {
+        bytes[at] ^= 1;
+        at += kStep;
+        ASSERT_LT(at, bytes.size());
+    }
+    const auto file = dwg::DwgCodec().open(bytes);
+    const auto refused = Edit(**file).write(db::Version::Ac1015);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.status().failure(), base::Failure::Damaged);
+    EXPECT_EQ(refused.status().reason(), base::Reason::DwgDamageNotSaved);
+}
+
 } // namespace

@@ -11,8 +11,10 @@ namespace dwg {
 
 /// The 8-bit text of drawings up to 2004, by the code page number in the file's header.
 ///
-/// Escapes (`\U+XXXX`, `\M+nXXXX`) are left as they stand when reading; writing makes `\U+XXXX` of
-/// what the code page does not have, so nothing is lost.
+/// What the code page does not have stands as `\U+XXXX`, a UTF-16 unit in capital digits: writing
+/// makes these escapes, and reading makes the characters of them. Any other escape (`\M+nXXXX`, one
+/// in small digits, one of a character that the code page has) is left as it stands, since writing
+/// would not give it again.
 class CodePage
 {
 public:
@@ -32,11 +34,16 @@ public:
     /// not.
     char16_t unitOf(std::uint8_t byte) const { return m_units[byte]; }
     std::string encode(std::u16string_view text) const;
+    /// Whether @p bytes may hold escapes, which decode() resolves.
+    static bool mayHoldEscapes(std::span<const std::uint8_t> bytes);
 
 private:
     CodePage(int number, const char* converterName);
 
     bool decodeMultibyte(std::span<const std::uint8_t> bytes, std::u16string& out) const;
+    bool decodeSingle(std::span<const std::uint8_t> bytes, std::u16string& out) const;
+    bool has(char16_t unit) const;
+    void resolveEscapes(std::u16string& text) const;
     void appendUnit(std::u16string_view text, std::size_t& at, std::string& out) const;
 
     int m_number;
