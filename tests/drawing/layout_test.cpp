@@ -225,6 +225,20 @@ TEST_P(LayoutTest, NewOneNeedsANameOfItsOwn)
     EXPECT_EQ(drawing->objectIds().size(), before);
 }
 
+TEST_P(LayoutTest, NameMayHaveCharactersThatTheCodePageLacks)
+{
+    const TvChar* const name = u"\u03A9mega \u4E2D";
+    add(name);
+    const auto again = savedAndRead(*drawing);
+    ASSERT_TRUE(again);
+    const TvDbObjectId id = layoutNamed(*again, name);
+    ASSERT_FALSE(id.isNull());
+    const TvDbObjectPointer<TvDbLayout> layout(id);
+    EXPECT_EQ(layout->getLayoutName(), TvString(name));
+    TvDbObjectId second;
+    EXPECT_EQ(db::addLayout(*again, TvString(name), second), TvStatus::DuplicateName);
+}
+
 TEST_P(LayoutTest, BlocksOfManyAreNumberedAndNoneHasTheNameOfAnother)
 {
     std::set<std::string> blocks;
