@@ -210,12 +210,11 @@ std::size_t inventory(const db::DrawingFile& file)
 {
     std::size_t found = 0;
     db::Record record;
-    for (const std::uint64_t handle : file.handles()) {
-        const auto kind = file.kind(handle);
+    file.forEachKind([&](std::uint64_t handle, const db::ObjectKind* kind) {
         const std::string_view name = kind->className;
         if (name == "LAYOUT" || name == "DICTIONARY" || name == "BLOCK_HEADER" || name == "VIEW")
             found += bool(file.read(handle, record));
-    }
+    });
     return found;
 }
 

@@ -11,6 +11,15 @@ std::array<std::atomic<const Codec*>, 2> g_codecs; // static: they live as long 
 
 } // namespace
 
+void DrawingFile::forEachKind(
+    const std::function<void(std::uint64_t, const ObjectKind*)>& visit) const
+{
+    for (const std::uint64_t handle : handles()) {
+        const base::Result<ObjectKind> found = kind(handle);
+        visit(handle, found ? &*found : nullptr);
+    }
+}
+
 void installCodec(const Codec& codec)
 {
     g_codecs[static_cast<std::size_t>(codec.format())] = &codec;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -71,6 +72,14 @@ public:
     /// The bytes [offset, offset + size) of the area, which must lie in it; stay as long as the
     /// container.
     virtual base::Result<Bytes> objectArea(std::uint64_t offset, std::uint64_t size) = 0;
+    /// Up to @p most bytes of the area from @p offset on, as far as they are in memory already;
+    /// empty when none is. Costs nothing.
+    Bytes atHand(std::uint64_t offset, std::uint64_t most) const
+    {
+        if (offset < m_atHandBegin || offset >= m_atHandEnd)
+            return {};
+        return {m_area + offset, std::min(most, m_atHandEnd - offset)};
+    }
     /// Code page number of the file header.
     virtual std::uint16_t codePage() const = 0;
     /// Whether @p other, a container of the same kind that was made from this one and goes before
@@ -88,6 +97,9 @@ public:
 protected:
     std::vector<Section> m_sections;
     std::vector<Finding> m_findings;
+    // A piece of the objects' area that is in memory, in one row.
+    const std::uint8_t* m_area = nullptr; // where offset 0 would lie
+    std::uint64_t m_atHandBegin = 0, m_atHandEnd = 0;
 };
 
 base::Status sectionDamaged(std::string_view name);

@@ -16,6 +16,7 @@ namespace dwg {
 namespace {
 
 constexpr std::size_t kPreviewFieldAt = 0x0D; // of the file
+constexpr int kLastKeptType = 2000;
 
 // Fixed types that have no table; everything else unknown is a class that the drawing names.
 constexpr std::pair<int, std::string_view> kFixedNames[] = {
@@ -78,6 +79,11 @@ DwgFile::DwgFile(RawDrawing raw)
         m_classes.add(record.number, record.dxfNameText(), record.isEntity());
         m_classNames.emplace(record.number, record.dxfNameText());
     }
+    int last = 0;
+    for (const ClassRecord& record : m_raw.classes().records())
+        last = std::max<int>(last, record.number);
+    for (int type = 0; type <= std::min(last, kLastKeptType); ++type)
+        m_kinds.push_back(kindOfType(type));
     m_handles.reserve(m_raw.objects().size());
     for (const ObjectLocation& location : m_raw.objects())
         m_handles.push_back(location.handle);
@@ -102,20 +108,39 @@ base::Result<ObjectRecord> DwgFile::object(std::uint64_t handle) const
     return object;
 }
 
-base::Result<db::ObjectKind> DwgFile::kind(std::uint64_t handle) const
+db::ObjectKind DwgFile::kindOfType(int type) const
 {
-    const auto found = object(handle);
-    if (!found)
-        return found.status();
     db::ObjectKind kind;
-    kind.typeNumber = found->type;
-    kind.classDef = m_classes.find(found->type);
-    kind.isEntity = m_classes.isEntity(found->type);
-    const auto named = m_classNames.find(found->type);
+    kind.typeNumber = type;
+    kind.classDef = m_classes.find(type);
+    kind.isEntity = m_classes.isEntity(type);
+    const auto named = m_classNames.find(type);
     kind.className = kind.classDef                 ? kind.classDef->name()
                      : named != m_classNames.end() ? std::string_view(named->second)
-                                                   : fixedName(found->type);
+                                                   : fixedName(type);
     return kind;
+}
+
+base::Result<db::ObjectKind> DwgFile::kind(std::uint64_t handle) const
+{
+    const ObjectLocation* location = m_raw.find(handle);
+    const ObjectFront front = location ? m_raw.front(*location) : ObjectFront();
+    if (front.size == 0 || front.handle != handle) {
+        const auto found = object(handle);
+        return found ? base::Result<db::ObjectKind>(kindOfType(found->type)) : found.status();
+    }
+    return front.type < m_kinds.size() ? m_kinds[front.type] : kindOfType(front.type);
+}
+
+void DwgFile::forEachKind(
+    const std::function<void(std::uint64_t, const db::ObjectKind*)>& visit) const
+{
+    m_raw.forEachFront([&](const ObjectLocation& location, const ObjectFront& front) {
+        if (front.size != 0 && front.handle == location.handle && front.type < m_kinds.size())
+            return visit(location.handle, &m_kinds[front.type]);
+        const auto found = kind(location.handle);
+        visit(location.handle, found ? &*found : nullptr);
+    });
 }
 
 base::Status DwgFile::read(std::uint64_t handle, db::Record& out) const

@@ -24,6 +24,8 @@ public:
     db::Version version() const override { return databaseVersion(m_raw.version()); }
     std::span<const std::uint64_t> handles() const override { return m_handles; }
     base::Result<db::ObjectKind> kind(std::uint64_t handle) const override;
+    void forEachKind(
+        const std::function<void(std::uint64_t, const db::ObjectKind*)>& visit) const override;
     base::Status read(std::uint64_t handle, db::Record& out) const override;
     base::Status readCommon(std::uint64_t handle, db::Record& out) const override;
     bool isEditable(std::uint64_t handle) const override;
@@ -45,11 +47,13 @@ public:
 private:
     explicit DwgFile(RawDrawing raw);
     std::optional<db::SummaryInfo> summaryOfRecord() const;
+    db::ObjectKind kindOfType(int type) const;
 
     RawDrawing m_raw;
     ObjectClasses m_classes;
     ObjectContext m_context;
     std::map<int, std::string> m_classNames; // by type number
+    std::vector<db::ObjectKind> m_kinds;     // by type number; what lies behind is rare
     std::vector<std::uint64_t> m_handles;
     mutable std::unique_ptr<DataStorage> m_storage; // made when it is asked for
 };

@@ -41,6 +41,9 @@ base::Result<std::unique_ptr<FlatContainer>> FlatContainer::open(Bytes file)
     container->addSections();
     container->addPreview();
     container->findSecondHeader();
+    container->m_area = file.data();
+    container->m_atHandBegin = kSmallestFile;
+    container->m_atHandEnd = file.size();
     return container;
 }
 

@@ -48,6 +48,7 @@ public:
     base::Result<std::vector<std::uint8_t>> write()
     {
         takeRecords();
+        m_out.bytes.reserve(m_source.file().size() + m_plan.addedBytes());
         m_out.zeros(kRecordsAt + m_records.size() * 9 + 18);
         appendPiece(kAuxHeader);
         appendPreview();
@@ -140,8 +141,9 @@ private:
                 return bytes.status();
             m_out.append(*bytes);
         }
-        std::sort(map.begin(), map.end(),
-                  [](const auto& a, const auto& b) { return a.handle < b.handle; });
+        const auto byHandle = [](const auto& a, const auto& b) { return a.handle < b.handle; };
+        if (!std::is_sorted(map.begin(), map.end(), byHandle)) // mostly it is
+            std::sort(map.begin(), map.end(), byHandle);
         place(kMap, writeObjectMap(map));
         return {};
     }

@@ -79,10 +79,27 @@ base::Result<Bytes> LazySections::section(std::size_t index)
     return Bytes(m_buffers[index].get(), size);
 }
 
+void LazySections::keepAtHand(std::uint64_t begin, std::uint64_t end)
+{
+    const auto& pages = m_pages[m_objects];
+    m_area = m_buffers[m_objects].get();
+    // Pages are mostly asked for one behind the other: the piece grows.
+    if (begin < m_atHandBegin || begin > m_atHandEnd)
+        m_atHandBegin = begin;
+    std::uint64_t reach = begin;
+    for (std::size_t page = firstPageReaching(m_objects, begin);
+         page < pages.size() && pages[page].offset <= reach && reach < end; ++page)
+        reach = std::max(reach, pages[page].end());
+    m_atHandEnd = std::min(std::max(reach, begin), m_sections[m_objects].size);
+}
+
 base::Result<Bytes> LazySections::objectArea(std::uint64_t offset, std::uint64_t size)
 {
+    if (const Bytes bytes = atHand(offset, size); bytes.size() == size && size > 0)
+        return bytes;
     if (base::Status status = unpackRange(m_objects, offset, offset + size); !status)
         return status;
+    keepAtHand(offset, offset + size);
     return Bytes(m_buffers[m_objects].get() + offset, size);
 }
 

@@ -65,6 +65,7 @@ protected:
 private:
     base::Status unpackRange(std::size_t section, std::uint64_t begin, std::uint64_t end);
     base::Status unpackOne(std::size_t section, std::size_t page);
+    void keepAtHand(std::uint64_t begin, std::uint64_t end);
     std::size_t firstPageReaching(std::size_t section, std::uint64_t offset) const;
     bool samePages(std::size_t mine, std::size_t theirs, const LazySections& other,
                    std::uint64_t begin, std::uint64_t end) const;

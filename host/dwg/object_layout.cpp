@@ -25,8 +25,9 @@ struct Room {
 
 void sortByHandle(std::vector<ObjectLocation>& map)
 {
-    std::sort(map.begin(), map.end(),
-              [](const auto& a, const auto& b) { return a.handle < b.handle; });
+    const auto byHandle = [](const auto& a, const auto& b) { return a.handle < b.handle; };
+    if (!std::is_sorted(map.begin(), map.end(), byHandle)) // mostly it is
+        std::sort(map.begin(), map.end(), byHandle);
 }
 
 class InPlace
@@ -54,8 +55,9 @@ private:
     void sortSlots()
     {
         m_slots = m_plan.source.objects();
-        std::sort(m_slots.begin(), m_slots.end(),
-                  [](const auto& a, const auto& b) { return a.offset < b.offset; });
+        const auto byOffset = [](const auto& a, const auto& b) { return a.offset < b.offset; };
+        if (!std::is_sorted(m_slots.begin(), m_slots.end(), byOffset)) // mostly they are
+            std::sort(m_slots.begin(), m_slots.end(), byOffset);
         m_layout.size = m_container.objectAreaSize();
         m_layout.map.reserve(m_slots.size() + m_plan.changes.objects.size());
     }

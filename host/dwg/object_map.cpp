@@ -31,24 +31,63 @@ std::size_t countEntries(Bytes section)
            2;
 }
 
+// A modular char of at most ten bytes; false when it does not end in time.
+inline bool readModular(const std::uint8_t*& at, const std::uint8_t* end, std::uint64_t& value)
+{
+    value = 0;
+    for (unsigned shift = 0; at != end && shift < 70; shift += 7) {
+        const std::uint8_t byte = *at++;
+        if (shift == 63 && byte > 1)
+            return false;
+        value |= std::uint64_t(byte & 0x7F) << shift;
+        if (byte < 0x80)
+            return true;
+    }
+    return false;
+}
+
+// The same with its sign in the last byte; at most nine bytes.
+inline bool readSigned(const std::uint8_t*& at, const std::uint8_t* end, std::int64_t& value)
+{
+    std::uint64_t magnitude = 0;
+    for (unsigned shift = 0; at != end && shift < 63; shift += 7) {
+        const std::uint8_t byte = *at++;
+        if (byte & 0x80) {
+            magnitude |= std::uint64_t(byte & 0x7F) << shift;
+            continue;
+        }
+        magnitude |= std::uint64_t(byte & 0x3F) << shift;
+        value = static_cast<std::int64_t>(magnitude);
+        if (byte & 0x40)
+            value = -value;
+        return true;
+    }
+    return false;
+}
+
 // The entries of one page, whose two sums start at 0.
 bool readPage(Bytes entries, ObjectMap& map)
 {
-    BitReader reader(entries);
-    std::uint64_t handle = 0;
+    const std::uint8_t* at = entries.data();
+    const std::uint8_t* const end = at + entries.size();
+    std::uint64_t handle = 0, last = map.objects.empty() ? 0 : map.objects.back().handle;
     std::int64_t offset = 0;
-    while (!reader.atEnd()) {
-        const std::uint64_t step = reader.readUMC();
-        const std::int64_t move = reader.readMC();
-        if (reader.failed() || step == 0 || step >> 63 || move > INT64_MAX / 2 - offset)
+    bool inOrder = map.inOrder;
+    while (at != end) {
+        std::uint64_t step = 0;
+        std::int64_t move = 0;
+        if (!readModular(at, end, step) || !readSigned(at, end, move) || step == 0 || step >> 63 ||
+            move > INT64_MAX / 2 - offset)
             return false;
         handle += step;
         offset += move;
         if (handle >> 63 || offset < 0)
             return false;
-        map.inOrder = map.inOrder && (map.objects.empty() || map.objects.back().handle < handle);
+        inOrder = inOrder && (map.objects.empty() || last < handle);
+        last = handle;
         map.objects.push_back({handle, static_cast<std::uint64_t>(offset)});
     }
+    map.inOrder = inOrder;
     return true;
 }
 

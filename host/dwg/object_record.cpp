@@ -3,6 +3,7 @@
 #include <base/tv_db_handle.h>
 
 #include "byte_stream.h"
+#include "object_front.h"
 
 namespace dwg {
 
@@ -18,13 +19,20 @@ struct FrameSizes {
 
 FrameSizes readSizes(Version version, Bytes bytes)
 {
-    BitReader reader(bytes.first(std::min<std::size_t>(bytes.size(), 16)));
     FrameSizes sizes;
-    sizes.dataSize = reader.readMS();
-    if (hasHandleStreamSize(version))
-        sizes.handleBits = reader.readUMC();
-    sizes.dataAt = reader.position() / 8;
-    sizes.valid = !reader.failed() && sizes.dataSize > 0 && sizes.dataSize <= kLargestObject &&
+    bool isRead = true;
+    if (bytes.size() >= 2 && !(bytes[1] & 0x80) && !hasHandleStreamSize(version)) {
+        sizes.dataSize = readU16(bytes.data()); // as nearly all are
+        sizes.dataAt = 2;
+    } else {
+        BitReader reader(bytes.first(std::min<std::size_t>(bytes.size(), 16)));
+        sizes.dataSize = reader.readMS();
+        if (hasHandleStreamSize(version))
+            sizes.handleBits = reader.readUMC();
+        sizes.dataAt = reader.position() / 8;
+        isRead = !reader.failed();
+    }
+    sizes.valid = isRead && sizes.dataSize > 0 && sizes.dataSize <= kLargestObject &&
                   sizes.handleBits <= sizes.dataSize * 8;
     return sizes;
 }
@@ -49,6 +57,28 @@ std::uint64_t recordSize(Version version, Bytes bytes)
 {
     const FrameSizes sizes = readSizes(version, bytes);
     return sizes.valid ? sizes.dataAt + sizes.dataSize + 2 : 0;
+}
+
+ObjectFront readFront(Version version, Bytes head)
+{
+    if (const ObjectFront front = readFrontQuickly(version, head); front.size != 0)
+        return front;
+    const FrameSizes sizes = readSizes(version, head);
+    if (!sizes.valid)
+        return {};
+    const std::size_t end = sizes.dataAt + sizes.dataSize;
+    BitReader reader(head.first(std::min(head.size(), end)), sizes.dataAt * 8,
+                     std::min(head.size(), end) * 8);
+    ObjectFront front;
+    if (hasHandleStreamSize(version)) {
+        front.type = reader.readOT();
+    } else {
+        front.type = reader.readBS();
+        reader.skip(32); // its size in bits
+    }
+    front.handle = reader.readH().value;
+    front.size = reader.failed() ? 0 : end + 2;
+    return front;
 }
 
 base::Result<ObjectRecord> parseRecord(Version version, Bytes frame)

@@ -7,6 +7,7 @@
 #include "byte_stream.h"
 #include "coded_container.h"
 #include "flat_container.h"
+#include "object_front.h"
 #include "paged_container.h"
 #include "raw_check.h"
 
@@ -49,6 +50,15 @@ RawDrawing::~RawDrawing() = default;
 
 base::Result<RawDrawing> RawDrawing::open(std::vector<std::uint8_t> file)
 {
+    auto kept = std::make_unique<std::vector<std::uint8_t>>(std::move(file));
+    auto drawing = openBorrowed(*kept);
+    if (drawing)
+        drawing->m_file = std::move(kept);
+    return drawing;
+}
+
+base::Result<RawDrawing> RawDrawing::openBorrowed(Bytes file)
+{
     const auto version = versionOf(file);
     if (!version)
         return base::Status(base::Failure::Unsupported, base::Reason::DwgNotDrawing);
@@ -56,8 +66,8 @@ base::Result<RawDrawing> RawDrawing::open(std::vector<std::uint8_t> file)
         return base::Status(base::Failure::TooLarge, base::Reason::DwgTooLarge);
     RawDrawing drawing;
     drawing.m_version = *version;
-    drawing.m_file = std::make_unique<std::vector<std::uint8_t>>(std::move(file));
-    auto container = openContainer(*version, *drawing.m_file);
+    drawing.m_bytes = file;
+    auto container = openContainer(*version, file);
     if (!container)
         return container.status();
     drawing.m_container = std::move(*container);
@@ -132,7 +142,8 @@ RawDrawing RawDrawing::makeBlank(Version version, std::uint16_t codePage)
     RawDrawing drawing;
     drawing.m_version = version;
     drawing.m_file = std::make_unique<std::vector<std::uint8_t>>(blankHead(version, codePage));
-    drawing.m_container = blankContainer(version, *drawing.m_file);
+    drawing.m_bytes = *drawing.m_file;
+    drawing.m_container = blankContainer(version, drawing.m_bytes);
     drawing.m_header = HeaderVariables::makeDefault(version);
     drawing.m_classes = ClassTable::makeEmpty(version);
     return drawing;
@@ -211,14 +222,40 @@ base::Result<ObjectRecord> RawDrawing::object(const ObjectLocation& location) co
     return parseRecord(m_version, *bytes);
 }
 
+ObjectFront RawDrawing::front(const ObjectLocation& location) const
+{
+    const std::uint64_t area = m_container->objectAreaSize(), at = location.offset;
+    if (at < m_container->objectAreaBegin() || at >= area)
+        return {};
+    const std::uint64_t room = area - at;
+    const auto head = m_container->objectArea(at, std::min<std::uint64_t>(room, kMostFrontBytes));
+    const ObjectFront front = head ? readFront(m_version, *head) : ObjectFront();
+    return front.size <= room ? front : ObjectFront();
+}
+
+void RawDrawing::forEachFront(
+    const std::function<void(const ObjectLocation&, const ObjectFront&)>& visit) const
+{
+    const std::uint64_t area = m_container->objectAreaSize();
+    for (const ObjectLocation& location : m_map.objects) {
+        ObjectFront front =
+            readFrontQuickly(m_version, m_container->atHand(location.offset, kMostFrontBytes));
+        if (front.size == 0 || front.size > area - location.offset)
+            front = this->front(location);
+        visit(location, front);
+    }
+}
+
 base::Result<Bytes> recordBytes(Container& container, Version version,
                                 const ObjectLocation& location)
 {
-    const base::Status damaged =
-        objectStatus(base::Failure::Damaged, base::Reason::DwgObjectDamaged, location.handle);
+    const auto damaged = [&] {
+        return objectStatus(base::Failure::Damaged, base::Reason::DwgObjectDamaged,
+                            location.handle);
+    };
     const std::uint64_t area = container.objectAreaSize();
     if (location.offset < container.objectAreaBegin() || location.offset >= area)
-        return damaged;
+        return damaged();
     const std::uint64_t room = area - location.offset;
     const auto sizes =
         container.objectArea(location.offset, std::min<std::uint64_t>(room, kMostSizeBytes));
@@ -226,7 +263,7 @@ base::Result<Bytes> recordBytes(Container& container, Version version,
         return sizes.status();
     const std::uint64_t size = recordSize(version, *sizes);
     if (size == 0 || size > room)
-        return damaged;
+        return damaged();
     return container.objectArea(location.offset, size);
 }
 

@@ -134,8 +134,9 @@ std::vector<PlannedObject> objectsInFileOrder(const SavePlan& plan)
         objects.push_back({location.handle, location.offset,
                            changed == records.end() ? nullptr : &changed->second});
     }
-    std::stable_sort(objects.begin(), objects.end(),
-                     [](const auto& a, const auto& b) { return a.oldOffset < b.oldOffset; });
+    const auto byOffset = [](const auto& a, const auto& b) { return a.oldOffset < b.oldOffset; };
+    if (!std::is_sorted(objects.begin(), objects.end(), byOffset)) // mostly they are
+        std::stable_sort(objects.begin(), objects.end(), byOffset);
     for (const auto& [handle, bytes] : records)
         if (!plan.source.find(handle))
             objects.push_back({handle, 0, &bytes});

@@ -26,6 +26,17 @@ struct SavePlan {
         const auto found = sections.find(std::string(name));
         return found == sections.end() ? nullptr : &found->second;
     }
+    /// How much the file can grow beyond the source, at most.
+    std::size_t addedBytes() const
+    {
+        std::size_t sum = 0;
+        for (const auto& [name, bytes] : sections)
+            sum += bytes.size();
+        for (const auto& [handle, bytes] : changes.objects)
+            sum += bytes.size() + kMostMapBytes;
+        return sum;
+    }
+    static constexpr std::size_t kMostMapBytes = 24; ///< of an entry in the map of objects
 };
 
 /// One object of the file to be made.

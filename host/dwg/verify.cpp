@@ -146,7 +146,7 @@ private:
 
 base::Status verifyPlan(const SavePlan& plan, const std::vector<std::uint8_t>& saved)
 {
-    const auto drawing = RawDrawing::open(saved);
+    const auto drawing = RawDrawing::openBorrowed(saved);
     if (drawing && Verifier(plan, *drawing).allRight())
         return {};
     return {base::Failure::Damaged, base::Reason::DwgVerifyFailed};

@@ -78,6 +78,10 @@ public:
     virtual std::span<const std::uint64_t> handles() const = 0;
     /// Fails with NotFound when there is none, Damaged when it cannot be looked at.
     virtual base::Result<ObjectKind> kind(std::uint64_t handle) const = 0;
+    /// Calls @p visit for each object, by ascending handle; the kind is null where kind() fails.
+    /// Quicker than asking for one after the other.
+    virtual void
+    forEachKind(const std::function<void(std::uint64_t, const ObjectKind*)>& visit) const;
     /// Decodes the object, every bit of it accounted for. Fails with Unsupported when its class or
     /// its data are not known, Damaged when they contradict themselves; then readCommon() may help.
     virtual base::Status read(std::uint64_t handle, Record& out) const = 0;
@@ -143,8 +147,8 @@ public:
                                                           Version version) const = 0;
 
     /// Gives @p count bytes of a file from @p offset on, fewer at its end.
-    using ReadAt = std::function<std::vector<std::uint8_t>(std::uint64_t offset,
-                                                           std::size_t count)>;
+    using ReadAt =
+        std::function<std::vector<std::uint8_t>(std::uint64_t offset, std::size_t count)>;
     /// The picture of a file that this format recognises, by a few reads of it; none when it has
     /// none, or it would take more.
     virtual Preview quickPreview(const ReadAt&) const { return {}; }

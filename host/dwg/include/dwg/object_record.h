@@ -35,6 +35,17 @@ struct ObjectRecord {
 /// impossible.
 std::uint64_t recordSize(Version version, Bytes bytes);
 
+/// What a record says at its begin: enough to tell what it is.
+struct ObjectFront {
+    std::uint64_t size = 0;   ///< of the whole record; 0 when the begin makes no sense
+    std::uint16_t type = 0;   ///< as in ObjectRecord
+    std::uint64_t handle = 0; ///< the object's own
+};
+/// Bytes of a record that readFront() may want.
+inline constexpr std::size_t kMostFrontBytes = 48;
+/// @param head  the first kMostFrontBytes of a record, or all there are.
+ObjectFront readFront(Version version, Bytes head);
+
 /// What @p frame says about itself. Fails (Damaged) when sizes contradict each other; a wrong
 /// checksum is told, not refused. @p frame is kept by reference.
 base::Result<ObjectRecord> parseRecord(Version version, Bytes frame);

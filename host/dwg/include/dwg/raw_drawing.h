@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -35,6 +36,9 @@ public:
     /// read (Damaged). What is wrong without being in the way is told by findings().
     static base::Result<RawDrawing> open(std::vector<std::uint8_t> file);
 
+    /// The same of bytes that somebody else keeps, longer than this.
+    static base::Result<RawDrawing> openBorrowed(Bytes file);
+
     /// A drawing of no objects that is in no file: what a new file is saved from. Its sections have
     /// no content, so a save must bring those that a drawing needs.
     /// @param codePage  number of the code page of 8-bit strings.
@@ -47,7 +51,7 @@ public:
     Version version() const { return m_version; }
     /// Number of the code page of 8-bit strings (30 is Windows-1252), from the file header.
     std::uint16_t codePage() const;
-    Bytes fileBytes() const { return *m_file; }
+    Bytes fileBytes() const { return m_bytes; }
 
     /// The objects in ascending order of their handles.
     const std::vector<ObjectLocation>& objects() const { return m_map.objects; }
@@ -63,6 +67,11 @@ public:
     /// damaged file.
     base::Result<ObjectRecord> object(std::uint64_t handle) const;
     base::Result<ObjectRecord> object(const ObjectLocation& location) const;
+    /// What the object's record says at its begin; its size is 0 when object() could not give it.
+    ObjectFront front(const ObjectLocation& location) const;
+    /// The same for all objects, by ascending handle.
+    void
+    forEachFront(const std::function<void(const ObjectLocation&, const ObjectFront&)>& visit) const;
 
     const HeaderVariables& header() const { return m_header; }
     const ClassTable& classes() const { return m_classes; }
@@ -87,7 +96,8 @@ private:
     base::Status readSections();
 
     Version m_version = Version::Ac1015;
-    std::unique_ptr<std::vector<std::uint8_t>> m_file; // at one address while this moves
+    std::unique_ptr<std::vector<std::uint8_t>> m_file; // null: somebody else's
+    Bytes m_bytes;                                     // of the file
     std::unique_ptr<Container> m_container;
     HeaderVariables m_header;
     ClassTable m_classes;
