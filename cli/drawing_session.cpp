@@ -83,6 +83,10 @@ Word adviceFor(const base::Status& status)
 
 base::Status tryToWrite(TvDbDatabase& database, const TvString& path, DrawingForm form)
 {
+    if (form.mustBeNew)
+        return db::saveNew(database, path, form.format, form.version) == TvStatus::Ok
+                   ? base::Status()
+                   : database.lastFailure();
     const TvStatusCode code = form.format == db::FileFormat::Dwg
                                   ? database.saveAs(path, false, form.version)
                                   : database.dxfOut(path, form.version);

@@ -100,6 +100,7 @@ ExitCode copy(const DrawingCopyRequest& request, Console& console)
     OpenedDrawing opened(request.file, console);
     TvDbDatabase& database = opened.database();
     const DrawingForm from{formatOf(database), database.originalFileVersion()};
+    to.mustBeNew = !request.overwrite;
     writeCopy(database, path, to, request.change, console);
     if (to.version == 0)
         to.version = from.version;
@@ -121,6 +122,7 @@ ExitCode create(const DrawingNewRequest& request, Console& console)
     requireFree(path, messageOf({base::Failure::Exists, base::Reason::FileExists, {path}}).advice);
     if (form.version == 0)
         form.version = TvDb::kCurrentVersion;
+    form.mustBeNew = true;
     TvDbDatabase database(true, true);
     writeDrawing(database, path, form, request.change, console);
     console.line({{path}});

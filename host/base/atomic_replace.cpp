@@ -346,7 +346,29 @@ Status replaceFile(FileOps& ops, const TvString& path, const ReplaceRequest& req
             std::memcpy(buffer.data(), bytes.data() + offset, out);
         return 0;
     };
-    return replaceContent(ops, path, request, read);
+    ResolvedName target;
+    const bool isNew = !request.rightsOf.isEmpty() &&
+                       resolveLinks(ops, nativePath(path), target) == 0 && !target.info;
+    return replaceContent(ops, path, request, read,
+                          isNew ? nativePath(request.rightsOf) : std::string());
+}
+
+void sweepLeftovers(FileOps& ops, const TvString& path)
+{
+    ResolvedName target;
+    std::vector<std::string> names;
+    if (resolveLinks(ops, nativePath(path), target) || ops.list(nativeFolderOf(target.path), names))
+        return;
+    const std::string token = newToken();
+    const std::string ours = temporaryName(nativeNameOf(target.path), token);
+    const std::size_t fixed = ours.size() - token.size();
+    for (const std::string& name : names) {
+        const bool isLeft = name.size() == ours.size() &&
+                            name.compare(0, fixed, ours, 0, fixed) == 0 &&
+                            name.find_first_not_of("0123456789abcdef", fixed) == std::string::npos;
+        if (isLeft)
+            ops.remove(nativeJoin(nativeFolderOf(target.path), name));
+    }
 }
 
 } // namespace base

@@ -5,6 +5,7 @@
 #include "database_impl.h"
 
 #include <base/clock.h>
+#include <base/edit_lock.h>
 #include <base/file_ops.h>
 
 namespace db {
@@ -26,6 +27,24 @@ TvStatusCode codeFor(const base::Status& status, TvStatusCode otherwise);
 
 /// Whether another database of this process holds the file for writing, or somebody uses it.
 bool isHeldByAnother(const TvString& path, const DatabaseImpl& asking);
+/// Keeps a file from everybody else for the time of a save.
+class SaveUse
+{
+public:
+    SaveUse(const TvString& path, const TvDbDatabase& database);
+    ~SaveUse();
+    SaveUse(const SaveUse&) = delete;
+    SaveUse& operator=(const SaveUse&) = delete;
+    const base::Status& status() const { return m_status; }
+    /// The system sees to it that nobody else has it now.
+    bool isGuarded() const { return m_isGuarded; }
+
+private:
+    std::unique_ptr<base::EditLock> m_lock; // null: the database's own use guards it
+    base::Status m_status;
+    bool m_isGuarded = false;
+};
+
 /// Whether somebody but @p asking began to use the file, here or elsewhere.
 bool isUsedByAnother(const TvString& path, const TvDbDatabase& asking);
 

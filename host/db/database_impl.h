@@ -80,7 +80,8 @@ public:
     // Saving
 
     base::Result<std::vector<std::uint8_t>> toBytes(FileFormat format, Version version);
-    TvStatusCode save(const TvString& path, bool backup, FileFormat format, Version version);
+    TvStatusCode save(const TvString& path, bool backup, FileFormat format, Version version,
+                      bool mustBeNew = false);
     TvStatusCode readFile(const TvString& path, int mode);
     TvStatusCode readBytes(std::vector<std::uint8_t> bytes);
 

@@ -89,6 +89,26 @@ void db::endUse(const TvDbDatabase& database)
     uses().erase(own);
 }
 
+db::SaveUse::SaveUse(const TvString& path, const TvDbDatabase& database)
+{
+    if (const auto own = uses().find(&database);
+        own != uses().end() && isSameFile(own->second->file(), path)) {
+        m_isGuarded = own->second->hasSystemLock();
+        return;
+    }
+    m_lock = std::make_unique<EditLock>(databaseFiles(), databaseClock(), path);
+    m_status = m_lock->take(u"save");
+    m_isGuarded = m_status && m_lock->hasSystemLock();
+}
+
+db::SaveUse::~SaveUse()
+{
+    if (!m_lock || !m_lock->isHeld())
+        return;
+    const base::Status ignored = m_lock->removeSidecar(); // what stays says nothing
+    static_cast<void>(ignored);
+}
+
 bool db::isUsedByAnother(const TvString& path, const TvDbDatabase& asking)
 {
     const auto own = uses().find(&asking);

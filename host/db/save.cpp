@@ -48,7 +48,7 @@ base::Result<std::vector<std::uint8_t>> DatabaseImpl::toBytes(FileFormat format,
 }
 
 TvStatusCode DatabaseImpl::save(const TvString& target, bool backup, FileFormat format,
-                                Version version)
+                                Version version, bool mustBeNew)
 {
     if (isHeldByAnother(target, *this)) // invariant 2
         return fail({base::Failure::Locked, base::Reason::LockHeld, {target}}, TvStatus::FileInUse);
@@ -64,11 +64,19 @@ TvStatusCode DatabaseImpl::save(const TvString& target, bool backup, FileFormat 
     base::Result<std::vector<std::uint8_t>> bytes = toBytes(format, version);
     if (!bytes)
         return fail(bytes.status(), codeFor(bytes.status(), TvStatus::FileNotWritable));
+    const SaveUse use(target, m_owner); // invariant 2: two saves come one after the other
+    if (!use.status())
+        return fail(use.status(), codeFor(use.status(), TvStatus::FileNotWritable));
+    if (use.isGuarded())
+        base::sweepLeftovers(databaseFiles(), target);
     base::ReplaceRequest request; // invariant 1
     request.bytes = std::as_bytes(std::span(*bytes));
+    request.mustNotExist = mustBeNew;
     if (isOwn)
         request.expected = fileHash;
-    if (backup && isThere) {
+    if (!originalPath.isEmpty() && !KvFileSystem::isReadOnly(originalPath))
+        request.rightsOf = originalPath; // a copy of what is private stays private
+    if (backup && isThere && !mustBeNew) {
         const base::PathRules& rules = base::PathRules::native();
         const TvString copy = rules.join(rules.folderOf(target), rules.stemOf(target) + u".bak");
         if (!KvFileSystem::copyFile(target, copy, 0))

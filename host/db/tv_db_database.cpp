@@ -40,6 +40,14 @@ TvStatusCode TvDbDatabase::closeInput(bool)
     return TvStatus::Ok;
 }
 
+TvStatusCode db::saveNew(TvDbDatabase& database, const TvString& path, FileFormat format,
+                         int version)
+{
+    const std::optional<Version> wanted = versionOfCode(database, version);
+    return wanted ? database.impl().save(path, false, format, *wanted, true)
+                  : TvStatus::InvalidInput;
+}
+
 TvStatusCode TvDbDatabase::saveAs(const TvString& path, bool backup, int version, const void*)
 {
     const std::optional<db::Version> wanted = db::versionOfCode(*this, version);

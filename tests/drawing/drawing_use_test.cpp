@@ -2,6 +2,7 @@
 
 #include <sys/wait.h>
 
+#include <base/faulty_file_ops.h>
 #include <db/file_open_info_tip_manager.h>
 #include <db/tv_db_database.h>
 #include <dwg/dwg_codec.h>
@@ -192,6 +193,73 @@ TEST_F(DrawingUse, OnAHostThatWasNotAgreedToIsNotAskedFor)
     const TvString far = u"\\\\203.0.113.5\\plans\\a.dwg";
     EXPECT_FALSE(Info::IsInfoFileExists(far));
     EXPECT_EQ(db::beginUse(mine, far).reason(), base::Reason::NetworkNotTouched);
+}
+
+TEST_F(DrawingUse, ASaveKeepsOthersAwayAndLeavesNothingBeside)
+{
+    struct Asking : base::FaultyFileOps {
+        using base::FaultyFileOps::FaultyFileOps;
+        int rename(const std::string& from, const std::string& to) override
+        {
+            wasInUse = Info::IsInfoFileExists(base::pathFromNative(to));
+            return base::FaultyFileOps::rename(from, to);
+        }
+        bool wasInUse = false;
+    } ops(base::systemFileOps());
+    db::setDatabaseEnvironment(&ops, nullptr);
+    EXPECT_EQ(mine.saveAs(path()), TvStatus::Ok);
+    db::setDatabaseEnvironment(nullptr, nullptr);
+    EXPECT_TRUE(ops.wasInUse);
+    EXPECT_TRUE(neighbours().empty());
+}
+
+TEST_F(DrawingUse, TheLaterOfTwoSavesFromOneVersionIsRefused)
+{
+    mine.setTilemode(!mine.tilemode());
+    yours.setTilemode(!yours.tilemode());
+    EXPECT_EQ(mine.saveAs(path()), TvStatus::Ok);
+    const std::string saved = folder.read("plan.dwg");
+    EXPECT_EQ(yours.saveAs(path()), TvStatus::FileChanged);
+    EXPECT_EQ(folder.read("plan.dwg"), saved);
+}
+
+TEST_F(DrawingUse, ASaveTakesAwayWhatKilledSavesLeft)
+{
+    const std::string token(32, 'a');
+    folder.write(".plan.dwg.tmp." + token, "left");
+    folder.write(".plan.dwg.tmp.notes", "the user's");
+    folder.write(".other.dwg.tmp." + token, "another's");
+    EXPECT_EQ(mine.saveAs(path()), TvStatus::Ok);
+    std::vector<std::string> left = neighbours();
+    std::sort(left.begin(), left.end());
+    EXPECT_EQ(left, (std::vector<std::string>{".other.dwg.tmp." + token, ".plan.dwg.tmp.notes"}));
+}
+
+TEST_F(DrawingUse, ANewFileIsNeverWrittenOverOneThatIsThere)
+{
+    const TvString fresh = folder.file("fresh.dwg");
+    EXPECT_EQ(db::saveNew(mine, fresh, db::FileFormat::Dwg), TvStatus::Ok);
+    folder.write("fresh.dwg", "somebody's");
+    EXPECT_NE(db::saveNew(yours, fresh, db::FileFormat::Dwg), TvStatus::Ok);
+    EXPECT_EQ(yours.lastFailure().failure(), base::Failure::Exists);
+    EXPECT_EQ(folder.read("fresh.dwg"), "somebody's");
+}
+
+TEST_F(DrawingUse, ACopyOfAPrivateDrawingIsPrivate)
+{
+    namespace fs = std::filesystem;
+    fs::permissions(folder.path() / "plan.dwg", fs::perms(0600));
+    EXPECT_EQ(mine.saveAs(folder.file("copy.dwg")), TvStatus::Ok);
+    EXPECT_EQ(fs::status(folder.path() / "copy.dwg").permissions(), fs::perms(0600));
+}
+
+TEST_F(DrawingUse, ACopyOfAReadOnlyDrawingCanBeWritten)
+{
+    namespace fs = std::filesystem;
+    fs::permissions(folder.path() / "plan.dwg", fs::perms(0444));
+    EXPECT_EQ(mine.saveAs(folder.file("copy.dwg")), TvStatus::Ok);
+    EXPECT_NE(fs::status(folder.path() / "copy.dwg").permissions() & fs::perms::owner_write,
+              fs::perms::none);
 }
 
 } // namespace

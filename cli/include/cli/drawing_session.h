@@ -32,7 +32,8 @@ private:
 /// In which form a drawing is to be written.
 struct DrawingForm {
     db::FileFormat format = db::FileFormat::Dwg;
-    int version = 0; ///< TvDb::TvDbDwgVersion; 0: the drawing's own
+    int version = 0;        ///< TvDb::TvDbDwgVersion; 0: the drawing's own
+    bool mustBeNew = false; ///< never over a file that is there
 };
 
 /// The form that --as asks for, and the extension of the new file's path; refuses (Usage) what

@@ -19,6 +19,9 @@ struct ReplaceRequest {
     std::optional<ContentHash> expected;
     bool mustNotExist = false;
     bool allowHardLinked = false; ///< Otherwise a target with several names is refused.
+    /// A new file gets mode, owner and ACL of this one, as a copy does; empty: those of any new
+    /// file.
+    TvString rightsOf;
     /// Reads the new file's structure back before it takes the old one's place; empty: bytes are
     /// compared only.
     std::function<Status(const TvString& temporaryPath)> verify;
@@ -44,6 +47,12 @@ struct ReplaceRequest {
 ///  it.
 ///  4. After success the folder was flushed too.
 Status replaceFile(FileOps& ops, const TvString& path, const ReplaceRequest& request);
+
+/// Removes the temporary files that replacements of @p path left which were ended from outside.
+///
+/// @pre nobody else replaces the file now: the caller holds a lock that all respect.
+/// @note lists the folder.
+void sweepLeftovers(FileOps& ops, const TvString& path);
 
 /// Room behind the content that readWhole gives: a parser may put its terminator there without
 /// moving all.

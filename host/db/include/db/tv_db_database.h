@@ -307,6 +307,12 @@ public:
 /// Null: nobody keeps any. Not owned.
 void setOpenDocuments(OpenDocuments* documents);
 
+/// Writes the drawing as saveAs() and dxfOut() do, but never over a file that is there, be it one
+/// that appears in the last moment (FileNotWritable, with the failure Exists).
+/// @param version  as saveAs().
+TvStatusCode saveNew(TvDbDatabase& database, const TvString& path, FileFormat format,
+                     int version = 0);
+
 /// Disk and clock of all databases; tests put their own there. Null: the system's. Not owned.
 void setDatabaseEnvironment(base::FileOps* ops, base::Clock* clock);
 
