@@ -17,7 +17,7 @@ constexpr Row kEnglish[] = {
 #include "en/reasons.inc"
 #include "en/tool.inc"
 #include "en/tool_drawings.inc"
-#include "en/host.inc"
+#include "en/workspace.inc"
 };
 
 struct Language {
