@@ -247,6 +247,58 @@ TEST_F(InsertedTest, BlocksThatHoldThemselvesOrManyOthersEnd)
     expectBox(*TvDbObjectPointer<TvDbEntity>(id), {0, 0, 0}, {31, 1, 0});
 }
 
+TEST_F(InsertedTest, AnArrayOfBillionsOfPlacesIsMeasuredByItsCorners)
+{
+    const TvDbObjectId block = addBlock(u"Block");
+    append(block, new TvDbLine({0, 0, 0}, {1, 1, 0}));
+    auto* array = new TvDbMInsertBlock;
+    array->setBlockTableRecord(block);
+    array->setColumns(65535);
+    array->setRows(65535);
+    array->setColumnSpacing(2);
+    array->setRowSpacing(3);
+    const TvDbObjectId id = append(drawing.modelSpaceId(), array);
+    expectBox(*TvDbObjectPointer<TvDbEntity>(id), {0, 0, 0}, {65534 * 2 + 1, 65534 * 3 + 1, 0});
+}
+
+TEST_F(InsertedTest, NumbersOutOfAllBoundsEndInABoxOrInNone)
+{
+    const TvDbObjectId block = addBlock(u"Block");
+    append(block, new TvDbLine({0, 0, 0}, {1, 1, 0}));
+    for (const double angle : {1e300, HUGE_VAL, std::nan("")}) {
+        auto* arc = new TvDbArc;
+        arc->setRadius(1);
+        arc->setEndAngle(angle);
+        append(block, arc);
+    }
+    for (const double wild : {1e308, -1e308, HUGE_VAL, std::nan("")}) {
+        auto* reference = new TvDbBlockReference({0, 0, 0}, block);
+        reference->setRotation(wild);
+        reference->setScaleFactors({wild, wild, wild});
+        const TvDbObjectId id = append(drawing.modelSpaceId(), reference);
+        TvDbExtents box;
+        const TvStatusCode status = TvDbObjectPointer<TvDbEntity>(id)->getGeomExtents(box);
+        EXPECT_TRUE(status == TvStatus::Ok || status == TvStatus::NotApplicable) << wild;
+    }
+}
+
+TEST(Extents, OfMTextNestedWithoutEndAreMeasuredInOneWalk)
+{
+    constexpr std::size_t kDepth = 16'000;
+    TvDbMText text;
+    text.setTextHeight(1);
+    ASSERT_EQ(text.setContents(
+                  TvString(std::u16string(kDepth, u'{') + u"AB" + std::u16string(kDepth, u'}'))),
+              TvStatus::Ok);
+    EXPECT_EQ(text.text(), u"AB");
+    TvDbExtents box;
+    EXPECT_EQ(text.getGeomExtents(box), TvStatus::Ok);
+    text.setContents(TvString(std::u16string(kDepth, u'{') + u"AB")); // never closed
+    EXPECT_EQ(text.text(), u"AB");
+    text.setContents(TvString(std::u16string(kDepth, u'\\')));
+    EXPECT_EQ(text.text().view().size(), kDepth / 2);
+}
+
 TEST_F(InsertedTest, WhatIsInvisibleOrErasedTakesNoRoom)
 {
     const TvDbObjectId block = addBlock(u"Block");
