@@ -8,6 +8,7 @@
 #include "container.h"
 #include "data_storage.h"
 #include "dwg/header_record.h"
+#include "object_front.h"
 #include "preview_block.h"
 #include "summary_section.h"
 
@@ -84,9 +85,6 @@ DwgFile::DwgFile(RawDrawing raw)
         last = std::max<int>(last, record.number);
     for (int type = 0; type <= std::min(last, kLastKeptType); ++type)
         m_kinds.push_back(kindOfType(type));
-    m_handles.reserve(m_raw.objects().size());
-    for (const ObjectLocation& location : m_raw.objects())
-        m_handles.push_back(location.handle);
 }
 
 DwgFile::~DwgFile() = default;
@@ -135,12 +133,31 @@ base::Result<db::ObjectKind> DwgFile::kind(std::uint64_t handle) const
 void DwgFile::forEachKind(
     const std::function<void(std::uint64_t, const db::ObjectKind*)>& visit) const
 {
-    m_raw.forEachFront([&](const ObjectLocation& location, const ObjectFront& front) {
-        if (front.size != 0 && front.handle == location.handle && front.type < m_kinds.size())
-            return visit(location.handle, &m_kinds[front.type]);
-        const auto found = kind(location.handle);
-        visit(location.handle, found ? &*found : nullptr);
-    });
+    const Container& container = m_raw.container();
+    const Version version = m_raw.version();
+    const std::uint64_t area = container.objectAreaSize();
+    for (const ObjectLocation& location : m_raw.objects()) {
+        const ObjectFront front =
+            readFrontQuickly(version, container.atHand(location.offset, kMostFrontBytes));
+        const bool isPlain = front.size != 0 && front.size <= area - location.offset &&
+                             front.handle == location.handle && front.type < m_kinds.size();
+        if (isPlain) {
+            visit(location.handle, &m_kinds[front.type]);
+        } else {
+            const auto found = kind(location.handle);
+            visit(location.handle, found ? &*found : nullptr);
+        }
+    }
+}
+
+std::span<const std::uint64_t> DwgFile::handles() const
+{
+    if (m_handles.empty()) { // not before somebody wants them
+        m_handles.reserve(m_raw.objects().size());
+        for (const ObjectLocation& location : m_raw.objects())
+            m_handles.push_back(location.handle);
+    }
+    return m_handles;
 }
 
 base::Status DwgFile::read(std::uint64_t handle, db::Record& out) const

@@ -22,7 +22,7 @@ public:
 
     db::FileFormat format() const override { return db::FileFormat::Dwg; }
     db::Version version() const override { return databaseVersion(m_raw.version()); }
-    std::span<const std::uint64_t> handles() const override { return m_handles; }
+    std::span<const std::uint64_t> handles() const override;
     base::Result<db::ObjectKind> kind(std::uint64_t handle) const override;
     void forEachKind(
         const std::function<void(std::uint64_t, const db::ObjectKind*)>& visit) const override;
@@ -52,9 +52,9 @@ private:
     RawDrawing m_raw;
     ObjectClasses m_classes;
     ObjectContext m_context;
-    std::map<int, std::string> m_classNames; // by type number
-    std::vector<db::ObjectKind> m_kinds;     // by type number; what lies behind is rare
-    std::vector<std::uint64_t> m_handles;
+    std::map<int, std::string> m_classNames;        // by type number
+    std::vector<db::ObjectKind> m_kinds;            // by type number; what lies behind is rare
+    mutable std::vector<std::uint64_t> m_handles;   // made when they are asked for
     mutable std::unique_ptr<DataStorage> m_storage; // made when it is asked for
 };
 

@@ -7,7 +7,6 @@
 #include "byte_stream.h"
 #include "coded_container.h"
 #include "flat_container.h"
-#include "object_front.h"
 #include "paged_container.h"
 #include "raw_check.h"
 
@@ -231,19 +230,6 @@ ObjectFront RawDrawing::front(const ObjectLocation& location) const
     const auto head = m_container->objectArea(at, std::min<std::uint64_t>(room, kMostFrontBytes));
     const ObjectFront front = head ? readFront(m_version, *head) : ObjectFront();
     return front.size <= room ? front : ObjectFront();
-}
-
-void RawDrawing::forEachFront(
-    const std::function<void(const ObjectLocation&, const ObjectFront&)>& visit) const
-{
-    const std::uint64_t area = m_container->objectAreaSize();
-    for (const ObjectLocation& location : m_map.objects) {
-        ObjectFront front =
-            readFrontQuickly(m_version, m_container->atHand(location.offset, kMostFrontBytes));
-        if (front.size == 0 || front.size > area - location.offset)
-            front = this->front(location);
-        visit(location, front);
-    }
 }
 
 base::Result<Bytes> recordBytes(Container& container, Version version,

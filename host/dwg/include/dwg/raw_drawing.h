@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -69,9 +68,6 @@ public:
     base::Result<ObjectRecord> object(const ObjectLocation& location) const;
     /// What the object's record says at its begin; its size is 0 when object() could not give it.
     ObjectFront front(const ObjectLocation& location) const;
-    /// The same for all objects, by ascending handle.
-    void
-    forEachFront(const std::function<void(const ObjectLocation&, const ObjectFront&)>& visit) const;
 
     const HeaderVariables& header() const { return m_header; }
     const ClassTable& classes() const { return m_classes; }
