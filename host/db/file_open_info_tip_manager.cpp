@@ -12,10 +12,10 @@ namespace {
 using base::EditLock;
 using base::LockState;
 
-/// What each database of this process uses.
+/// What each database of this process uses. Never destroyed: a database may outlive it otherwise.
 std::map<const TvDbDatabase*, std::unique_ptr<EditLock>>& uses()
 {
-    static std::map<const TvDbDatabase*, std::unique_ptr<EditLock>> all;
+    static auto& all = *new std::map<const TvDbDatabase*, std::unique_ptr<EditLock>>;
     return all;
 }
 
@@ -67,10 +67,10 @@ base::Status db::beginUse(const TvDbDatabase& database, const TvString& path,
         return {base::Failure::Denied, base::Reason::NetworkNotTouched, {path}};
     if (isHeldByAnother(path, database.impl()))
         return {base::Failure::Locked, base::Reason::LockHeld, {path}};
-    auto use = std::make_unique<EditLock>(databaseFiles(), databaseClock(), path);
     if (const auto own = uses().find(&database);
         own != uses().end() && isSameFile(own->second->file(), path))
         return {};
+    auto use = std::make_unique<EditLock>(databaseFiles(), databaseClock(), path);
     if (base::Status status = use->take(purpose); !status)
         return status;
     endUse(database);

@@ -17,7 +17,7 @@ namespace dwg {
 namespace {
 
 constexpr std::size_t kPreviewFieldAt = 0x0D; // of the file
-constexpr int kLastKeptType = 2000;
+constexpr int kLastFixedType = 499, kLastKeptType = 2000;
 
 // Fixed types that have no table; everything else unknown is a class that the drawing names.
 constexpr std::pair<int, std::string_view> kFixedNames[] = {
@@ -80,7 +80,7 @@ DwgFile::DwgFile(RawDrawing raw)
         m_classes.add(record.number, record.dxfNameText(), record.isEntity());
         m_classNames.emplace(record.number, record.dxfNameText());
     }
-    int last = 0;
+    int last = kLastFixedType;
     for (const ClassRecord& record : m_raw.classes().records())
         last = std::max<int>(last, record.number);
     for (int type = 0; type <= std::min(last, kLastKeptType); ++type)

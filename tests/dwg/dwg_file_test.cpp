@@ -44,6 +44,53 @@ TEST(DwgFile, OfEveryDrawingKindsAndCountsAreRight)
     }
 }
 
+namespace {
+
+void expectOneWalkTellsTheKinds(const db::DrawingFile& file)
+{
+    std::vector<std::uint64_t> walked;
+    file.forEachKind([&](std::uint64_t handle, const db::ObjectKind* kind) {
+        walked.push_back(handle);
+        const auto alone = file.kind(handle);
+        ASSERT_EQ(kind != nullptr, bool(alone)) << handle;
+        if (!kind)
+            return;
+        EXPECT_EQ(kind->classDef, alone->classDef);
+        EXPECT_EQ(kind->className, alone->className);
+        EXPECT_EQ(kind->typeNumber, alone->typeNumber);
+        EXPECT_EQ(kind->isEntity, alone->isEntity);
+        const auto whole = dynamic_cast<const dwg::DwgFile&>(file).object(handle);
+        EXPECT_TRUE(!whole || whole->type == kind->typeNumber) << handle;
+    });
+    EXPECT_TRUE(std::ranges::equal(walked, file.handles()));
+}
+
+} // namespace
+
+TEST(DwgFile, OneWalkTellsTheKindsOfAllObjectsAsAskingForEach)
+{
+    for (const auto& [name, expected] : realDrawings(".dwg")) {
+        SCOPED_TRACE(name);
+        expectOneWalkTellsTheKinds(*real(name));
+    }
+    for (const char* name : {"line-ac1015.dwg", "line-ac1021.dwg", "line-ac1032.dwg"})
+        expectOneWalkTellsTheKinds(*opened(minimalDrawing(name)));
+}
+
+TEST(DwgFile, OneWalkOverADamagedDrawingTellsTheSameAsAskingForEach)
+{
+    constexpr std::size_t kStep = 13;
+    for (const std::uint8_t wrong : {0x00, 0x7F, 0xFF}) {
+        std::vector<std::uint8_t> bytes = minimalDrawing("line-ac1015.dwg");
+        for (std::size_t at = 0; at < bytes.size(); at += kStep) {
+            const std::uint8_t right = std::exchange(bytes[at], wrong);
+            if (const auto file = dwg::DwgFile::open(bytes))
+                expectOneWalkTellsTheKinds(**file);
+            bytes[at] = right;
+        }
+    }
+}
+
 TEST(DwgFile, HeaderAndMeasurementAreOneRecord)
 {
     for (const auto& [name, expected] : realDrawings(".dwg")) {
