@@ -74,22 +74,25 @@ std::unique_ptr<TvDbLayout> makeLayout(const Paper& paper, const TvString& name,
     return layout;
 }
 
-TvStatusCode addOverallViewport(TvDbObjectId block, const Paper& paper)
+TvStatusCode addOverallViewport(TvDbObjectId block, const Point& low, const Point& high,
+                                TvDbObjectId& out)
 {
     TvDbObjectPointer<TvDbBlockTableRecord> record(block, TvDb::kForWrite);
     if (!record)
         return record.openStatus();
     auto viewport = std::make_unique<TvDbViewport>();
     RecordEditor fields = viewport->edit();
-    const Point center{paper.limits.x / 2, paper.limits.y / 2, 0};
+    const Point center{(low.x + high.x) / 2, (low.y + high.y) / 2, 0};
+    const double width = (high.x - low.x) * kAroundSheet;
+    const double height = (high.y - low.y) * kAroundSheet;
     fields.setPoint("center", center);
-    fields.setReal("width", paper.limits.x * kAroundSheet);
-    fields.setReal("height", paper.limits.y * kAroundSheet);
+    fields.setReal("width", width);
+    fields.setReal("height", height);
     fields.setPoint("view_center", center);
-    fields.setReal("view_height", paper.limits.y * kAroundSheet);
+    fields.setReal("view_height", height);
     fields.setInteger("status", kOverallStatus);
     viewport->setLayer(layerZero(*block.database()));
-    if (const TvStatusCode status = record->appendTvDbEntity(viewport.get()))
+    if (const TvStatusCode status = record->appendTvDbEntity(out, viewport.get()))
         return status;
     viewport.release()->close();
     return TvStatus::Ok;
@@ -120,7 +123,25 @@ TvStatusCode addLayout(TvDbDatabase& database, const TvString& name, TvDbObjectI
     layout.release()->close();
     if (QuietEdit edit(block); edit)
         edit->setHandle("layout", out.handle().value());
-    return addOverallViewport(block, paper);
+    TvDbObjectId overall;
+    return addOverallViewport(block, {}, paper.limits, overall);
+}
+
+TvDbObjectId addOverallViewport(TvDbObjectId layout)
+{
+    TvDbObjectId block, overall;
+    Point low, high;
+    {
+        const TvDbObjectPointer<TvDbLayout> sheet(layout, TvDb::kForNotify);
+        if (!sheet || sheet->isModelLayout())
+            return {};
+        if (const std::vector<TvDbObjectId> all = sheet->getViewportArray(); !all.empty())
+            return all.front();
+        block = sheet->getBlockTableRecordId();
+        if (sheet->getPaperArea(low, high) != TvStatus::Ok)
+            high = paperFor(*layout.database()).limits;
+    }
+    return addOverallViewport(block, low, high, overall) == TvStatus::Ok ? overall : TvDbObjectId();
 }
 
 } // namespace db

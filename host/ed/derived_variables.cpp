@@ -3,7 +3,9 @@
 #include <base/path_rules.h>
 #include <db/tv_db_database.h>
 #include <db/tv_db_dictionary.h>
+#include <db/tv_db_layout.h>
 #include <db/tv_db_symbol_table.h>
+#include <db/tv_db_viewport.h>
 
 #include "ed/layouts.h"
 #include "ed/tv_ap_doc_manager.h"
@@ -49,6 +51,39 @@ bool pointAt(TvDbDatabase& database, const char* field, TvDb::SymbolTable table,
     return true;
 }
 
+/// Of the windows of model space the first counts; numbers begin at 2 there, as 1 is the sheet.
+std::int16_t currentViewportNumber(TvDbDatabase& database)
+{
+    constexpr std::int16_t kModel = 2, kSheet = 1;
+    if (database.tilemode())
+        return kModel;
+    const TvDbObjectPointer<TvDbLayout> layout(currentLayout(database));
+    const TvDbObjectId active =
+        layout ? layout->idOf(layout->fields().handle("active_viewport")) : TvDbObjectId();
+    const TvDbObjectPointer<TvDbViewport> viewport(active);
+    const int number = viewport ? viewport->number() : kSheet;
+    return number > kSheet ? static_cast<std::int16_t>(number) : kSheet;
+}
+
+bool setCurrentViewport(TvDbDatabase& database, std::int16_t number)
+{
+    if (number == currentViewportNumber(database))
+        return true;
+    const TvDbObjectPointer<TvDbLayout> layout(currentLayout(database), TvDb::kForWrite);
+    if (!layout || database.tilemode())
+        return false;
+    const std::vector<TvDbObjectId> all = layout->getViewportArray();
+    if (number < 1 || static_cast<std::size_t>(number) > all.size())
+        return false;
+    const TvDbObjectId chosen = all[number - 1];
+    const TvDbObjectPointer<TvDbViewport> viewport(chosen);
+    if (!viewport || !viewport->isOn() ||
+        !layout->edit().setHandle("active_viewport", chosen.handle().value()))
+        return false;
+    tellChange(u"CVPORT");
+    return true;
+}
+
 Value documentFile(TvDbDatabase& database)
 {
     const TvApDocument* document =
@@ -72,6 +107,11 @@ const std::vector<DerivedVariable> kDerived = {
      [](TvDbDatabase& database) { return Value(currentLayoutName(database)); },
      [](TvDbDatabase& database, const VariableValue& value) {
          return setCurrentLayout(database, std::get<TvString>(value)) == TvStatus::Ok;
+     }},
+    {u"CVPORT", VariableKind::Short,
+     [](TvDbDatabase& database) { return Value(currentViewportNumber(database)); },
+     [](TvDbDatabase& database, const VariableValue& value) {
+         return setCurrentViewport(database, std::get<std::int16_t>(value));
      }},
     {u"DBMOD", VariableKind::Short,
      [](TvDbDatabase& database) { return Value(asShort(database.isModified())); }, nullptr},

@@ -82,6 +82,10 @@ bool isLayoutName(const TvString& name);
 /// @return DuplicateName, InvalidName, NameReserved.
 TvStatusCode addLayout(TvDbDatabase& database, const TvString& name, TvDbObjectId& out);
 
+/// The viewport by which a sheet as a whole is looked at; made when the sheet has none, as one that
+/// was never shown. Null for the model layout, and what is no layout.
+TvDbObjectId addOverallViewport(TvDbObjectId layout);
+
 /// All layouts by tab order, the model layout first.
 std::vector<TvDbObjectId> layoutsInTabOrder(TvDbDatabase& database);
 

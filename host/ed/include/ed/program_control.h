@@ -1,0 +1,26 @@
+#pragma once
+
+#include <base/tv_string.h>
+
+namespace ed {
+
+/// What commands ask of the program around them. Supplied by it.
+class ProgramControl
+{
+public:
+    virtual ~ProgramControl() = default;
+    /// The program is to end once the command that runs is done. All documents are closed already.
+    virtual void quit() = 0;
+    /// Shows help. @param topic  a command's global name, or another topic; empty: the beginning.
+    /// @return false when there is none: the command line then says what it knows.
+    virtual bool showHelp(const TvString& topic) = 0;
+    /// The list of recent files has changed (recentFiles()).
+    virtual void recentFilesChanged() = 0;
+};
+
+/// Null before the program supplied one.
+ProgramControl* programControl();
+/// Not owned. Null takes it away.
+void setProgramControl(ProgramControl* control);
+
+} // namespace ed

@@ -1,0 +1,21 @@
+#include "ed/program_control.h"
+
+namespace ed {
+
+namespace {
+
+ProgramControl* g_control = nullptr;
+
+} // namespace
+
+ProgramControl* programControl()
+{
+    return g_control;
+}
+
+void setProgramControl(ProgramControl* control)
+{
+    g_control = control;
+}
+
+} // namespace ed
