@@ -12,6 +12,7 @@
 
 #include "derived_variables.h"
 #include "ed/tv_editor.h"
+#include "sheet_set_variables.h"
 
 namespace ed {
 
@@ -310,6 +311,7 @@ bool setVariable(const TvString& name, const VariableValue& value)
         return false;
     if (TvEditor* editor = tvedEditor())
         editor->fireSysVarChanged(row->name);
+    tellSheetSetModule(row->name, *wanted);
     return true;
 }
 

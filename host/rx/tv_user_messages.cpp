@@ -4,7 +4,20 @@ namespace {
 
 TvUserMessages* g_messages = nullptr;
 
+TvUserMessages::TaskAnswer refused(const TvUserMessages::TaskDialog& dialog)
+{
+    TvUserMessages::TaskAnswer answer;
+    answer.marked = dialog.marked;
+    answer.isChecked = dialog.isChecked;
+    return answer;
+}
+
 } // namespace
+
+TvUserMessages::TaskAnswer TvUserMessages::showTask(const TaskDialog& dialog)
+{
+    return refused(dialog);
+}
 
 TvUserMessages* tvrxUserMessages()
 {
@@ -25,4 +38,9 @@ TvUserMessages::Answer tvrxShowMessage(const TvUserMessages::Message& message)
     case TvUserMessages::Buttons::YesNo: return TvUserMessages::Answer::No;
     default: return TvUserMessages::Answer::Ok;
     }
+}
+
+TvUserMessages::TaskAnswer tvrxShowTaskDialog(const TvUserMessages::TaskDialog& dialog)
+{
+    return g_messages ? g_messages->showTask(dialog) : refused(dialog);
 }

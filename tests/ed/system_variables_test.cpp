@@ -1,5 +1,6 @@
 #include <ed/layouts.h>
 #include <ed/system_variables.h>
+#include <ed/tarv_sheet_set_internal.h>
 
 #include <cmath>
 
@@ -245,6 +246,39 @@ TEST_F(VariablesTest, ValuesAreTypedAndShownAlike)
     EXPECT_EQ(ed::valueText(0.25), u"0.25");
     EXPECT_EQ(ed::valueText(db::Point{1, 2.5, -3}), u"1,2.5,-3");
     EXPECT_EQ(ed::valueText(TvString(u"x")), u"x");
+}
+
+/// Notes what the sheet-set module is told.
+struct SheetSets : TarvSheetSetInternal {
+    SheetSets() { tarvSetSheetSetInternal(this); }
+    ~SheetSets() override { tarvSetSheetSetInternal(nullptr); }
+    void GetCurrentLayoutSheetSetFile(TvString&) override {}
+    void OnSheetStatusPollTimeChanged(short seconds) override
+    {
+        told.push_back("time " + std::to_string(seconds));
+    }
+    void OnSheetStatusModeChanged(short mode) override
+    {
+        told.push_back("mode " + std::to_string(mode));
+    }
+    void OpenSheetSetFile(const TvChar*) override {}
+    void OpenSheetSetByDialog() override {}
+    void RunNewSheetSetWizard() override {}
+    Told told;
+};
+
+TEST_F(VariablesTest, TheSheetSetModuleIsToldOfTheVariablesThatItWorksBy)
+{
+    {
+        SheetSets module;
+        EXPECT_TRUE(ed::setVariable(u"ssmpolltime", whole(90)));
+        EXPECT_TRUE(ed::setVariable(u"SSMPOLLTIME", whole(90))) << "the same again";
+        EXPECT_TRUE(ed::setVariable(u"SSMSHEETSTATUS", whole(0)));
+        EXPECT_TRUE(ed::setVariable(u"SSLOCATE", whole(0)));
+        EXPECT_FALSE(ed::setVariable(u"SSMPOLLTIME", whole(3)));
+        EXPECT_EQ(module.told, (Told{"time 90", "mode 0"}));
+    }
+    EXPECT_TRUE(ed::setVariable(u"SSMPOLLTIME", whole(60))) << "without the module too";
 }
 
 } // namespace
