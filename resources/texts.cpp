@@ -14,6 +14,7 @@ struct Row {
 // Ascending by number: looked up by halving.
 constexpr Row kEnglish[] = {
 #include "en/module.inc"
+#include "en/program.inc"
 #include "en/reasons.inc"
 #include "en/tool.inc"
 #include "en/tool_drawings.inc"

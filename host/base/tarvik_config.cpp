@@ -92,14 +92,6 @@ private:
     base::FileOps::Descriptor m_file = base::FileOps::kNone;
 };
 
-TvString folderFromVariable(const char* variable, std::u16string_view below)
-{
-    const char* value = std::getenv(variable);
-    if (!value || *value != '/')
-        return {};
-    return base::PathRules::native().join(base::pathFromNative(value), below);
-}
-
 } // namespace
 
 /// One file, and the values of its last reading.
@@ -225,12 +217,6 @@ void tarvSetConfig(TarvikConfig* config)
 }
 
 namespace base {
-
-TvString configFolder()
-{
-    const TvString given = folderFromVariable("XDG_CONFIG_HOME", u"tarvik");
-    return given.isEmpty() ? folderFromVariable("HOME", u".config/tarvik") : given;
-}
 
 Status checkConfig(const TvString& folder, int scope)
 {

@@ -522,49 +522,4 @@ TEST(TarvConfig, IsNullBeforeTheHostSetsOne)
     EXPECT_EQ(tarvConfig(), nullptr);
 }
 
-/// Gives a variable of the environment another value, or none, for a while.
-class VariableScope
-{
-public:
-    VariableScope(const char* name, const char* value) : m_name(name)
-    {
-        if (const char* before = std::getenv(name))
-            m_before = before;
-        put(value);
-    }
-    ~VariableScope() { put(m_before ? m_before->c_str() : nullptr); }
-    VariableScope(const VariableScope&) = delete;
-    VariableScope& operator=(const VariableScope&) = delete;
-
-private:
-    void put(const char* value) { value ? ::setenv(m_name, value, 1) : ::unsetenv(m_name); }
-
-    const char* m_name; // literal
-    std::optional<std::string> m_before;
-};
-
-TEST(ConfigFolder, LiesWhereTheDesktopWantsIt)
-{
-    const VariableScope home("HOME", "/home/ann");
-    {
-        const VariableScope config("XDG_CONFIG_HOME", "/srv/ann");
-        EXPECT_EQ(base::configFolder(), u"/srv/ann/tarvik");
-    }
-    for (const char* invalid : {"", "relative/config"}) {
-        const VariableScope config("XDG_CONFIG_HOME", invalid);
-        EXPECT_EQ(base::configFolder(), u"/home/ann/.config/tarvik");
-    }
-    const VariableScope config("XDG_CONFIG_HOME", nullptr);
-    EXPECT_EQ(base::configFolder(), u"/home/ann/.config/tarvik");
-}
-
-TEST(ConfigFolder, IsEmptyWhenNothingSaysWhere)
-{
-    const VariableScope config("XDG_CONFIG_HOME", nullptr);
-    for (const char* invalid : {static_cast<const char*>(nullptr), "home"}) {
-        const VariableScope home("HOME", invalid);
-        EXPECT_TRUE(base::configFolder().isEmpty());
-    }
-}
-
 } // namespace

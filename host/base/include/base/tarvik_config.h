@@ -82,10 +82,6 @@ void tarvSetConfig(TarvikConfig* config); ///< Not owned; null takes it away.
 
 namespace base {
 
-/// $XDG_CONFIG_HOME/tarvik (a relative value is invalid and ignored), else $HOME/.config/tarvik;
-/// empty when neither variable says where.
-TvString configFolder();
-
 /// Whether the file of @p scope in @p folder can be read, and why not (ConfigDamaged names what is
 /// wrong). A missing file is well: it holds no values.
 Status checkConfig(const TvString& folder, int scope);

@@ -1,0 +1,86 @@
+#include "app/console_prompts.h"
+
+#include <ed/command_line.h>
+
+#include "app/words.h"
+
+namespace app {
+
+namespace {
+
+/// Numbers of texts that tell of failures: those of reasons, and what the command line refuses.
+bool isFailure(int text)
+{
+    constexpr int kFirstReason = 21000, kLastReason = 21999;
+    return (text >= kFirstReason && text <= kLastReason) || text == ed::kUnknownCommand ||
+           text == ed::kVariableReadOnly || text == ed::kNoValueFor ||
+           text == ed::kCommandCancelled;
+}
+
+/// With the line ends that a command meant, and nothing else that a terminal obeys.
+std::string shown(const TvString& text)
+{
+    std::string out;
+    std::u16string_view rest = text;
+    while (true) {
+        const std::size_t end = rest.find(u'\n');
+        out += base::escapedForDisplay(TvString(rest.substr(0, end))).utf8();
+        if (end == std::u16string_view::npos)
+            return out;
+        out += '\n';
+        rest.remove_prefix(end + 1);
+    }
+}
+
+} // namespace
+
+int ConsolePrompts::askText(const TvString& prompt, bool, TvString&)
+{
+    m_err(textOf(Word::MessageLine, {textOf(Word::Question, {prompt.trimmed()})}).utf8() + "\n");
+    return ed::kCancelled;
+}
+
+int ConsolePrompts::askFiles(const FileQuestion& question, std::vector<TvString>&)
+{
+    TvString ignored;
+    return askText(question.title, true, ignored);
+}
+
+void ConsolePrompts::print(const TvString& text)
+{
+    if (text.isEmpty())
+        return;
+    m_out(shown(text));
+    m_isInLine = !text.endsWith(u"\n");
+}
+
+void ConsolePrompts::endLine()
+{
+    if (m_isInLine)
+        m_out("\n");
+    m_isInLine = false;
+}
+
+void ConsolePrompts::say(int text, const std::vector<TvString>& arguments)
+{
+    const TvString sentence = base::escapedForDisplay(textOf(text, arguments));
+    if (isFailure(text)) {
+        ++m_failures;
+        m_err(textOf(Word::ErrorLine, {TvString().format(u"%05d", text), sentence}).utf8() + "\n");
+    } else {
+        m_err(textOf(Word::MessageLine, {sentence}).utf8() + "\n");
+    }
+}
+
+ConsolePrompts::Answer ConsolePrompts::show(const Message& message)
+{
+    say(message.text, message.arguments);
+    switch (message.buttons) {
+    case Buttons::OkCancel: return Answer::Cancel;
+    case Buttons::YesNo: return Answer::No;
+    case Buttons::Ok: break;
+    }
+    return Answer::Ok;
+}
+
+} // namespace app

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <memory>
+
+#include <app/program_folders.h>
+#include <base/tarvik_config.h>
+#include <db/tv_db_host_application_services.h>
+#include <ed/command_line.h>
+#include <ed/tv_ap_doc_manager.h>
+#include <ed/tv_editor.h>
+#include <rx/module_loader.h>
+#include <rx/tv_ed_command_stack.h>
+#include <rx/tv_rx_dynamic_linker.h>
+
+class TvUserMessages;
+
+namespace ed {
+class UserPrompts;
+} // namespace ed
+
+namespace app {
+
+/// The sheet-set module, which the program loads at its start.
+constexpr const TvChar* kSheetSetModule = u"KvSheetSet.trx";
+
+/// The program without a window: configuration, modules, documents, editor and commands, from their
+/// start to their end. One at a time in a process.
+///
+/// Each step of the start has its step of the stop, in the reverse order. Documents are closed
+/// while the modules are still there to be told, and modules go while all that they registered with
+/// is there.
+class Program
+{
+public:
+    struct Setup {
+        ProgramFolders folders;
+        ed::UserPrompts* prompts = nullptr; ///< not owned; null: nobody can be asked
+        TvUserMessages* messages = nullptr; ///< not owned; null: questions count as refused
+    };
+
+    /// Everything but the modules.
+    explicit Program(const Setup& setup);
+    ~Program(); ///< stop()
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    /// Loads the sheet-set module. One that is missing is told at the command line.
+    /// @return whether it is loaded.
+    bool loadModules();
+    /// Closes all documents without saving, and ends what was started. Nothing the second time.
+    void stop();
+
+    const ProgramFolders& folders() const { return m_folders; }
+    TvApDocManager& documents() { return *m_documents; }
+    TvEditor& editor() { return m_editor; }
+    ed::CommandLine& commandLine() { return m_commandLine; }
+    TvEdCommandStack& commands() { return m_commands; }
+    TvRxDynamicLinkerImp& linker() { return *m_linker; }
+
+    /// Opens a drawing and makes it active; says at the command line why it cannot be opened. A
+    /// drawing that somebody else has in use, or that may not be written, is opened read only when
+    /// @p orReadOnly says so, and that is said too.
+    TvStatusCode open(const TvString& path, bool orReadOnly, TvApDocument*& out);
+
+private:
+    ProgramFolders m_folders;
+    TarvikConfig m_config;
+    rx::FolderModuleLoader m_loader;
+    TvDbHostApplicationServices m_services;
+    TvEditor m_editor;
+    TvEdCommandStackImp m_commands;
+    ed::CommandLine m_commandLine;
+    std::unique_ptr<TvRxDynamicLinkerImp> m_linker;
+    std::unique_ptr<TvApDocManager> m_documents;
+    bool m_isRunning = true;
+};
+
+} // namespace app

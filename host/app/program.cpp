@@ -1,0 +1,123 @@
+#include "app/program.h"
+
+#include <algorithm>
+
+#include <base/path_rules.h>
+#include <db/file_open_info_tip_manager.h>
+#include <dwg/dwg_codec.h>
+#include <dxf/dxf_codec.h>
+#include <ed/user_prompts.h>
+#include <rx/tv_rx_dictionary.h>
+#include <rx/tv_user_messages.h>
+
+#include "app/words.h"
+
+namespace app {
+
+namespace {
+
+constexpr const TvChar* kLinkerKey = u"DynamicLinker";
+
+void sayStatus(const base::Status& status)
+{
+    if (ed::UserPrompts* prompts = ed::userPrompts())
+        prompts->say(static_cast<int>(status.reason()), status.arguments());
+}
+
+void sayWord(Word word, const std::vector<TvString>& arguments)
+{
+    if (ed::UserPrompts* prompts = ed::userPrompts())
+        prompts->say(static_cast<int>(word), arguments);
+}
+
+/// Why a drawing cannot be opened; a reason that does not name it comes after its name.
+void sayFailure(const TvString& path, const base::Status& status)
+{
+    if (std::ranges::find(status.arguments(), path) == status.arguments().end())
+        sayWord(Word::CannotOpen, {path});
+    sayStatus(status);
+}
+
+/// Who has the drawing in use, as far as he says.
+void sayWhoUses(const TvString& path)
+{
+    TvString user, host;
+    if (CFileOpenInfoTipManager::GetInfoFromHideFile(path, user, host))
+        sayWord(Word::InUseBy, {base::PathRules::native().fileNameOf(path), user, host});
+}
+
+} // namespace
+
+Program::Program(const Setup& setup)
+    : m_folders(setup.folders), m_config(setup.folders.config), m_loader(setup.folders.modules)
+{
+    dwg::install();
+    dxf::install();
+    tarvSetConfig(&m_config);
+    tvdbSetHostApplicationServices(&m_services);
+    ed::setUserPrompts(setup.prompts);
+    tvrxSetUserMessages(setup.messages);
+    rx::setModuleLoader(&m_loader);
+    m_linker = std::make_unique<TvRxDynamicLinkerImp>(m_loader, sayStatus);
+    TvRxDictionary& registry = *tvrxSysRegistry();
+    registry.atPut(kLinkerKey, m_linker.get());
+    registry.atPut(kTvEditor, &m_editor);
+    registry.atPut(kTvRegisteredCommands, &m_commands);
+    m_documents = std::make_unique<TvApDocManager>(m_linker.get());
+}
+
+Program::~Program()
+{
+    stop();
+}
+
+bool Program::loadModules()
+{
+    return m_linker->loadModule(kSheetSetModule, 1, 0);
+}
+
+void Program::stop()
+{
+    if (!m_isRunning)
+        return;
+    m_isRunning = false;
+    const std::unique_ptr<TvApDocumentIterator> each(m_documents->newTvApDocumentIterator());
+    for (; !each->done(); each->step()) {
+        while (m_documents->unlockDocument(each->document()) == TvStatus::Ok) {
+        }
+        m_documents->closeDocument(each->document());
+    }
+    m_linker->unloadAll();
+    m_documents.reset();
+    TvRxDictionary& registry = *tvrxSysRegistry();
+    registry.remove(kTvRegisteredCommands);
+    registry.remove(kTvEditor);
+    registry.remove(kLinkerKey);
+    m_linker.reset();
+    rx::setModuleLoader(nullptr);
+    tvrxSetUserMessages(nullptr);
+    ed::setUserPrompts(nullptr);
+    tvdbSetHostApplicationServices(nullptr);
+    tarvSetConfig(nullptr);
+}
+
+TvStatusCode Program::open(const TvString& path, bool orReadOnly, TvApDocument*& out)
+{
+    const TvStatusCode status = m_documents->openDocument(path, false, out);
+    const bool isRefusal = status == TvStatus::FileInUse || status == TvStatus::FileReadOnly;
+    if (status == TvStatus::Ok)
+        return status;
+    sayFailure(path, m_documents->lastFailure());
+    if (status == TvStatus::FileInUse)
+        sayWhoUses(path);
+    if (!isRefusal || !orReadOnly)
+        return status;
+    const TvStatusCode second = m_documents->openDocument(path, true, out);
+    if (second == TvStatus::Ok)
+        sayWord(Word::OpenedReadOnly, {path});
+    else
+        sayFailure(path, m_documents->lastFailure());
+    return second;
+}
+
+} // namespace app

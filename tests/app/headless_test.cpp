@@ -1,0 +1,121 @@
+#include "program_scene.h"
+
+#include <app/headless.h>
+#include <app/words.h>
+
+namespace {
+
+using HeadlessTest = ProgramProcessTest;
+
+TEST_F(HeadlessTest, OpensADrawingAndEnds)
+{
+    const Ran ran = run({"--headless", path("a.dwg")});
+    EXPECT_EQ(ran.code, 0) << ran.err;
+    EXPECT_EQ(ran.out, "");
+    EXPECT_EQ(ran.err, "");
+}
+
+TEST_F(HeadlessTest, OpensTheDrawingsOfEachVersion)
+{
+    for (const char* version : {"1015", "1018", "1021", "1024", "1027", "1032"}) {
+        const std::string name = std::string("line-ac") + version + ".dwg";
+        const Ran ran = run({"--headless", std::string(KV_TEST_DATA) + "/dwg/" + name});
+        EXPECT_EQ(ran.code, 0) << name << ": " << ran.err;
+    }
+}
+
+TEST_F(HeadlessTest, ADrawingThatIsNotThereIsToldAndTheCodeSaysSo)
+{
+    const Ran ran = run({"--headless", path("none.dwg")});
+    EXPECT_EQ(ran.code, 3);
+    EXPECT_NE(ran.err.find("E21001"), std::string::npos) << ran.err;
+    EXPECT_EQ(run({"--headless", path("none.dwg"), path("a.dwg")}).code, 1);
+}
+
+TEST_F(HeadlessTest, AHostileDrawingIsToldAndTheScriptGoesOn)
+{
+    std::string bytes = folder.read("b.dwg");
+    for (std::size_t at = 0x80; at < bytes.size(); ++at)
+        bytes[at] = static_cast<char>(0xFF);
+    folder.write("bad.dwg", bytes);
+    folder.write("cut.dwg", folder.read("a.dwg").substr(0, 1000));
+
+    const Ran bad = run({"--headless", path("bad.dwg")});
+    EXPECT_EQ(bad.code, 7) << bad.err;
+    EXPECT_NE(bad.err.find("tarvik: E21"), std::string::npos) << bad.err;
+    EXPECT_EQ(run({"--headless", path("cut.dwg")}).code, 7);
+
+    const Ran both =
+        run({"--headless", "--script", script("NOTTHERE\n"), path("bad.dwg"), path("a.dwg")});
+    EXPECT_EQ(both.code, 1);
+    EXPECT_NE(both.err.find("NOTTHERE"), std::string::npos) << both.err;
+}
+
+TEST_F(HeadlessTest, ADrawingThatSomebodyEditsIsNotOpened)
+{
+    const LockHolder other(folder.file("a.dwg"));
+    ASSERT_TRUE(other.isHolding());
+    EXPECT_EQ(run({"--headless", path("a.dwg")}).code, 4);
+}
+
+TEST_F(HeadlessTest, AnUnknownCommandMakesItFail)
+{
+    const Ran ran = run({"--headless", "--script", script("NOTTHERE\n"), path("a.dwg")});
+    EXPECT_EQ(ran.code, 1);
+    EXPECT_NE(ran.err.find("E23001"), std::string::npos) << ran.err;
+}
+
+TEST_F(HeadlessTest, AMissingScriptIsTold)
+{
+    const Ran ran = run({"--headless", "--script", path("none.scr")});
+    EXPECT_EQ(ran.code, 3);
+    EXPECT_NE(ran.err.find("none.scr"), std::string::npos) << ran.err;
+}
+
+TEST_F(HeadlessTest, WhatIsNotSavedIsGoneAndThatIsSaid)
+{
+    const std::string before = folder.read("a.dwg");
+    const Ran ran = run({"--headless", "--script", script("CTAB\nLayout1\n"), path("a.dwg")});
+    EXPECT_EQ(ran.code, 0) << ran.err;
+    EXPECT_NE(ran.err.find("a.dwg had changes"), std::string::npos) << ran.err;
+    EXPECT_EQ(folder.read("a.dwg"), before);
+}
+
+TEST_F(HeadlessTest, WrongOptionsAreUsageErrors)
+{
+    const Ran ran = run({"--headless", "--frob"});
+    EXPECT_EQ(ran.code, 2);
+    EXPECT_NE(ran.err.find("--frob"), std::string::npos) << ran.err;
+}
+
+TEST_F(HeadlessTest, VersionAndHelpGoToTheOutput)
+{
+    EXPECT_EQ(run({"--version"}).out.rfind("tarvik ", 0), 0u);
+    EXPECT_EQ(run({"--help"}).out.rfind("Usage: tarvik", 0), 0u);
+}
+
+TEST_F(HeadlessTest, LeavesNothingBesideTheDrawings)
+{
+    run({"--headless", "--script", script("CTAB\nLayout1\n"), path("a.dwg"), path("b.dwg")});
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+        EXPECT_NE(entry.path().filename().string()[0], '.') << entry.path();
+}
+
+TEST(Script, LineEndsOfAllKindsAreLineFeeds)
+{
+    EXPECT_EQ(app::scriptText("\xEF\xBB\xBF"
+                              "A\r\nB\rC\n"),
+              u"A\nB\nC\n");
+}
+
+TEST(ConsolePrompts, NothingThatATerminalObeysGetsThrough)
+{
+    NotingPrompts prompts;
+    prompts.print(u"one\x1b[2J\ntwo\n");
+    prompts.say(23500, {});
+    EXPECT_EQ(prompts.out.find('\x1b'), std::string::npos);
+    EXPECT_NE(prompts.out.find("\ntwo\n"), std::string::npos);
+    EXPECT_EQ(prompts.failures(), 0);
+}
+
+} // namespace
