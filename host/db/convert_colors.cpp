@@ -4,6 +4,8 @@
 #include <array>
 #include <cstdlib>
 
+#include <db/palette.h>
+
 namespace db {
 
 namespace {
@@ -40,6 +42,12 @@ std::array<std::uint32_t, 256> makePalette()
     return palette;
 }
 
+const std::array<std::uint32_t, 256>& palette()
+{
+    static const std::array<std::uint32_t, 256> kPalette = makePalette();
+    return kPalette;
+}
+
 int distance(std::uint32_t a, std::uint32_t b)
 {
     const auto part = [](std::uint32_t rgb, int shift) {
@@ -55,13 +63,19 @@ int distance(std::uint32_t a, std::uint32_t b)
 
 } // namespace
 
+std::uint32_t paletteColor(int index)
+{
+    return index > 0 && index < 256 ? palette()[static_cast<std::size_t>(index)] : 0;
+}
+
 int nearestColorIndex(std::uint32_t rgb)
 {
-    static const std::array<std::uint32_t, 256> kPalette = makePalette();
-    const auto nearest = std::min_element(
-        kPalette.begin() + 1, kPalette.end(),
-        [&](std::uint32_t a, std::uint32_t b) { return distance(a, rgb) < distance(b, rgb); });
-    return static_cast<int>(nearest - kPalette.begin());
+    const auto& all = palette();
+    const auto nearest =
+        std::min_element(all.begin() + 1, all.end(), [&](std::uint32_t a, std::uint32_t b) {
+            return distance(a, rgb) < distance(b, rgb);
+        });
+    return static_cast<int>(nearest - all.begin());
 }
 
 std::int32_t wideColor(std::int64_t index)

@@ -1,0 +1,191 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include <base/tv_string.h>
+#include <db/tv_db_object_id.h>
+#include <ge/tv_ge_matrix3d.h>
+#include <gs/box.h>
+#include <gs/color.h>
+#include <gs/path.h>
+
+class TvDbDatabase;
+
+namespace gs {
+
+/// A path that lies in a display list; good as long as the list.
+struct PathView {
+    std::span<const Path::Verb> verbs;
+    std::span<const TvGePoint2d> points;
+
+    bool isEmpty() const { return verbs.empty(); }
+};
+
+/// Where a path lies among the verbs and points of a display list. No verbs: no path.
+struct PathRange {
+    std::uint32_t verb = 0, verbCount = 0, point = 0, pointCount = 0;
+};
+
+/// One thing to draw.
+struct Item {
+    enum class Kind : std::uint8_t {
+        Stroke,
+        Fill,        ///< inside is where the path winds around
+        EvenOddFill, ///< inside is what an odd number of edges encloses
+        Line,        ///< without ends, through the two points of its path
+        Ray,         ///< from the first point through the second one, without end
+        Marker,      ///< its path's first point is a place, the others are offsets from there, in
+                     ///< parts of the height of the view: points that are always as large
+    };
+    static constexpr std::uint32_t kNoClip = std::numeric_limits<std::uint32_t>::max();
+
+    Kind kind = Kind::Stroke;
+    std::uint8_t alpha = 255; ///< 255: hides what is below
+    Color color;
+    float weightMm = 0;           ///< of the stroke on paper, millimetres; 0 is a hairline
+    float widthUnits = 0;         ///< of the stroke, in the list's units; above 0 it counts instead
+    float detail = 0;             ///< what is lost when this is no more than a pixel or two: the
+                                  ///< length of the pattern, the height of the letters
+    std::uint32_t layer = 0;      ///< among layers()
+    std::uint32_t clip = kNoClip; ///< among clips()
+    PathRange path;
+    PathRange dashed;         ///< the stroke with its pattern; path is the same without
+    std::uint64_t handle = 0; ///< of the entity of the layout or model that it belongs to
+    Box box;                  ///< around the path; of lines without end, empty
+};
+
+/// What cuts items off.
+struct Clip {
+    std::uint32_t parent = Item::kNoClip; ///< cuts too
+    PathRange path;
+    Box box;                  ///< around path and that of the parents
+    bool isRectangle = false; ///< along the axes: path is the outline of its box
+};
+
+/// A layer of the drawing.
+struct Layer {
+    TvString name;
+    std::uint64_t handle = 0;
+    bool isPlotted = true;
+};
+
+/// A line of text, for searching and for text that can be selected: its letters are drawn by items
+/// of their own.
+struct PlacedText {
+    TvString text;
+    TvGePoint2d origin; ///< the left end of the baseline
+    TvGeVector2d along; ///< to the right end
+    TvGeVector2d up;    ///< from the baseline to the top of capitals
+    std::uint32_t layer = 0;
+    std::uint32_t clip = Item::kNoClip;
+    std::uint64_t handle = 0;
+};
+
+/// The place of a picture or page of another file: a parallelogram. Its frame is among the items.
+struct PictureFrame {
+    TvString fileName; ///< as the drawing names it
+    TvGePoint2d origin;
+    TvGeVector2d right, up; ///< its whole lower and left edge
+    std::uint32_t layer = 0;
+    std::uint32_t clip = Item::kNoClip;
+    std::uint64_t handle = 0;
+};
+
+/// How much a display list may hold. What is beyond is left out, and isCut() says so.
+struct ListLimits {
+    std::uint32_t items = 4'000'000;
+    std::uint32_t points = 64'000'000;
+    std::uint32_t visits = 8'000'000; ///< of entities, those in inserted blocks each time
+};
+
+/// What there is to see of a layout or of model space, made once and played at any scale.
+///
+/// Everything is flat: seen along the direction of the view, in drawing units (of a layout, units
+/// of its paper). Layers that are off or frozen are not in it, nor is what a viewport has frozen.
+/// A list keeps nothing of the database: it may be played in another thread, and after the drawing
+/// is closed. It does not change when the drawing does: make a new one.
+class DisplayList
+{
+public:
+    /// Nothing.
+    DisplayList() = default;
+
+    /// The layout with what its viewports show; of the model layout, as ofModel(). Read-only; an id
+    /// that is no layout gives an empty list. Objects that cannot be read are left out.
+    static DisplayList ofLayout(TvDbObjectId layout, const ListLimits& limits = {});
+    /// Model space, seen as the drawing's current model view sees it (from above when it has none).
+    static DisplayList ofModel(TvDbDatabase& database, const ListLimits& limits = {});
+    /// One block as it would be inserted, seen from above.
+    static DisplayList ofBlock(TvDbObjectId block, const ListLimits& limits = {});
+
+    /// In the order in which they are drawn.
+    std::span<const Item> items() const { return m_items; }
+    std::span<const Clip> clips() const { return m_clips; }
+    std::span<const Layer> layers() const { return m_layers; }
+    std::span<const PlacedText> texts() const { return m_texts; }
+    std::span<const PictureFrame> pictures() const { return m_pictures; }
+    PathView path(const PathRange& range) const
+    {
+        return {std::span(m_verbs).subspan(range.verb, range.verbCount),
+                std::span(m_points).subspan(range.point, range.pointCount)};
+    }
+
+    /// Around everything that is drawn, what is cut off left out; empty when that is nothing.
+    const Box& extents() const { return m_extents; }
+    /// The sheet of paper; nullopt for model space, and for layouts without paper.
+    const std::optional<Box>& sheet() const { return m_sheet; }
+    /// The part of the sheet that the printer reaches.
+    const std::optional<Box>& printable() const { return m_printable; }
+    /// What the drawing showed when it was saved; nullopt when it does not say.
+    const std::optional<Box>& savedWindow() const { return m_savedWindow; }
+    bool isPaper() const { return m_isPaper; }
+    /// Of a layout's paper; 1 for model space, where it says nothing.
+    double mmPerUnit() const { return m_mmPerUnit; }
+    /// Whether the drawing wants the widths of lines to be seen.
+    bool showsLineWeights() const { return m_showsLineWeights; }
+    /// From the drawing's world into the list's plane (x and y). Of a layout, from its paper.
+    const TvGeMatrix3d& fromWorld() const { return m_fromWorld; }
+    /// There was more than the limits allow.
+    bool isCut() const { return m_isCut; }
+    /// Bytes that it takes.
+    std::size_t memory() const;
+
+    /// Marks the items that @p window may show: bit i % 64 of word i / 64 is item i.
+    /// @param marks  made as long as needed, and cleared first.
+    /// @note costs what is visible, and a word for each 64 items.
+    void mark(const Box& window, std::vector<std::uint64_t>& marks) const;
+
+private:
+    friend class ListWriter;
+
+    /// A node of the index: a box around 16 nodes of the level below, or items.
+    struct Node {
+        Box box;
+        std::uint32_t first = 0, count = 0;
+        bool isLeaf = true;
+    };
+    void buildIndex();
+    void mark(const Node& node, const Box& window, std::vector<std::uint64_t>& marks) const;
+
+    std::vector<Path::Verb> m_verbs;
+    std::vector<TvGePoint2d> m_points;
+    std::vector<Item> m_items;
+    std::vector<Clip> m_clips;
+    std::vector<Layer> m_layers;
+    std::vector<PlacedText> m_texts;
+    std::vector<PictureFrame> m_pictures;
+    std::vector<Node> m_nodes;               // the root is the last one
+    std::vector<std::uint32_t> m_order;      // item numbers, in the order of the leaves
+    std::vector<std::uint32_t> m_everywhere; // items that no box holds
+    Box m_extents;
+    std::optional<Box> m_sheet, m_printable, m_savedWindow;
+    TvGeMatrix3d m_fromWorld;
+    double m_mmPerUnit = 1;
+    bool m_isPaper = false, m_showsLineWeights = false, m_isCut = false;
+};
+
+} // namespace gs

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <base/status.h>
+#include <db/drawing_file.h>
+#include <gs/player.h>
+
+namespace gs {
+
+/// Pixels, row by row from the top; each 32 bits: alpha (always 255), red, green, blue from the
+/// highest byte on.
+struct Picture {
+    int width = 0, height = 0;
+    std::vector<std::uint32_t> pixels;
+
+    bool isEmpty() const { return pixels.empty(); }
+    std::uint32_t at(int x, int y) const
+    {
+        return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                      static_cast<std::size_t>(x)];
+    }
+};
+
+/// Sides of a picture are at most this many pixels; what is asked for beyond gives none.
+inline constexpr int kLargestSide = 16384;
+
+/// A picture of what @p view shows.
+Picture pictureOf(const DisplayList& list, const View& view, const PlayOptions& options = {});
+/// All of a layout (its sheet, or what is drawn when that is larger) or of the model layout.
+/// @param layout  null: model space.
+/// @return empty when there is no such layout.
+Picture layoutPicture(TvDbDatabase& database, TvDbObjectId layout, int width, int height,
+                      const PlayOptions& options = {});
+
+/// The bytes of a PNG file.
+std::vector<std::uint8_t> pngBytes(const Picture& picture);
+/// The bytes of a device-independent bitmap, from its info header on, 24 bits a pixel.
+std::vector<std::uint8_t> bitmapBytes(const Picture& picture);
+/// Fails as files do; nothing is left behind then.
+base::Status writePng(const Picture& picture, const TvString& path);
+
+/// The picture that a drawing keeps of itself or of a layout: black on white, no larger than that,
+/// in the proportions of what it shows.
+/// @return None when there is nothing to show.
+db::Preview thumbnail(TvDbObjectId layout, int longestSide = 256,
+                      db::Preview::Kind kind = db::Preview::Kind::Png);
+/// The same of what the drawing shows when it is opened: its model, or the layout used last.
+db::Preview thumbnail(TvDbDatabase& database, int longestSide = 256,
+                      db::Preview::Kind kind = db::Preview::Kind::Png);
+/// The pixels of a kept picture; empty for what is no picture, and for metafiles.
+Picture pictureFromPreview(const db::Preview& preview);
+
+} // namespace gs

@@ -1,0 +1,210 @@
+#include "list_writer.h"
+
+#include <cmath>
+
+namespace gs {
+
+namespace {
+
+constexpr double kFarthest = 1e30; // differences and squares of it stay numbers
+
+bool isUsable(double x, double y)
+{
+    return std::abs(x) < kFarthest && std::abs(y) < kFarthest; // false for what is no number
+}
+
+bool isEndless(Item::Kind kind)
+{
+    return kind == Item::Kind::Line || kind == Item::Kind::Ray;
+}
+
+bool isUpright(PathView path)
+{
+    const auto& p = path.points;
+    if (p.size() != 4)
+        return false;
+    return (p[0].y == p[1].y && p[1].x == p[2].x && p[2].y == p[3].y && p[3].x == p[0].x) ||
+           (p[0].x == p[1].x && p[1].y == p[2].y && p[2].x == p[3].x && p[3].y == p[0].y);
+}
+
+} // namespace
+
+std::optional<PathRange> ListWriter::store(const SpacePath& path, const TvGeMatrix3d& map, Box& box)
+{
+    std::vector<TvGePoint2d>& points = m_list.m_points;
+    PathRange range;
+    range.verb = static_cast<std::uint32_t>(m_list.m_verbs.size());
+    range.verbCount = static_cast<std::uint32_t>(path.verbs().size());
+    range.point = static_cast<std::uint32_t>(points.size());
+    range.pointCount = static_cast<std::uint32_t>(path.points().size());
+    if (path.isEmpty())
+        return std::nullopt;
+    if (points.size() + path.points().size() > m_limits.points ||
+        m_list.m_verbs.size() + path.verbs().size() > m_limits.points) {
+        m_list.m_isCut = true;
+        return std::nullopt;
+    }
+    const auto& e = map.entry;
+    for (const TvGePoint3d& p : path.points()) {
+        const double x = e[0][0] * p.x + e[0][1] * p.y + e[0][2] * p.z + e[0][3];
+        const double y = e[1][0] * p.x + e[1][1] * p.y + e[1][2] * p.z + e[1][3];
+        if (!isUsable(x, y)) {
+            points.resize(range.point);
+            return std::nullopt;
+        }
+        points.emplace_back(x, y);
+        box.add(points.back());
+    }
+    m_list.m_verbs.insert(m_list.m_verbs.end(), path.verbs().begin(), path.verbs().end());
+    return range;
+}
+
+void ListWriter::forget(const PathRange& range)
+{
+    m_list.m_verbs.resize(range.verb);
+    m_list.m_points.resize(range.point);
+}
+
+bool ListWriter::isCutAway(std::uint32_t clip, const Box& box) const
+{
+    return clip != Item::kNoClip && !m_list.m_clips[clip].box.touches(box);
+}
+
+void ListWriter::add(const ItemLook& look, const SpacePath& path, const TvGeMatrix3d& map,
+                     const SpacePath* dashed)
+{
+    if (m_list.m_items.size() >= m_limits.items) {
+        m_list.m_isCut = true;
+        return;
+    }
+    Item item;
+    const auto range = store(path, map, item.box);
+    if (!range)
+        return;
+    item.box = item.box.grown(look.widthUnits / 2);
+    if (!isEndless(look.kind) && isCutAway(look.clip, item.box)) {
+        forget(*range);
+        return;
+    }
+    item.kind = look.kind;
+    item.alpha = look.alpha;
+    item.color = look.color;
+    item.weightMm = look.weightMm;
+    item.widthUnits = look.widthUnits;
+    item.detail = look.detail;
+    item.layer = look.layer;
+    item.clip = look.clip;
+    item.handle = look.handle;
+    item.path = *range;
+    if (dashed)
+        if (const auto pattern = store(*dashed, map, item.box); pattern)
+            item.dashed = *pattern;
+    if (isEndless(look.kind))
+        item.box = Box();
+    m_list.m_items.push_back(item);
+}
+
+void ListWriter::addMarker(const ItemLook& look, const TvGePoint3d& place, const TvGeMatrix3d& map,
+                           const SpacePath& figure)
+{
+    SpacePath whole;
+    whole.moveTo(map * place);
+    whole.append(figure);
+    const std::size_t before = m_list.m_items.size();
+    ItemLook marker = look;
+    marker.kind = Item::Kind::Marker;
+    marker.clip = Item::kNoClip; // its box is not yet what is seen
+    add(marker, whole, {});
+    if (m_list.m_items.size() == before)
+        return;
+    Item& item = m_list.m_items.back();
+    item.clip = look.clip;
+    item.box = Box();
+    item.box.add(m_list.m_points[item.path.point]);
+    if (isCutAway(item.clip, item.box)) {
+        forget(item.path);
+        m_list.m_items.pop_back();
+    }
+}
+
+std::optional<std::uint32_t> ListWriter::addClip(const SpacePath& path, const TvGeMatrix3d& map,
+                                                 std::uint32_t parent)
+{
+    Clip clip;
+    const auto range = store(path, map, clip.box);
+    if (!range)
+        return std::nullopt;
+    clip.parent = parent;
+    clip.path = *range;
+    clip.isRectangle = isUpright(m_list.path(*range));
+    if (parent != Item::kNoClip)
+        clip.box = clip.box.common(m_list.m_clips[parent].box);
+    if (clip.box.isEmpty()) {
+        forget(*range);
+        return std::nullopt;
+    }
+    m_list.m_clips.push_back(clip);
+    return static_cast<std::uint32_t>(m_list.m_clips.size() - 1);
+}
+
+void ListWriter::addText(PlacedText run)
+{
+    if (!isUsable(run.origin.x, run.origin.y) || !isUsable(run.along.x, run.along.y) ||
+        !isUsable(run.up.x, run.up.y) || m_list.m_texts.size() >= m_limits.items)
+        return;
+    Box box;
+    box.add(run.origin);
+    box.add(run.origin + run.along);
+    box.add(run.origin + run.up);
+    box.add(run.origin + run.along + run.up);
+    if (!isCutAway(run.clip, box))
+        m_list.m_texts.push_back(std::move(run));
+}
+
+void ListWriter::addPicture(PictureFrame frame)
+{
+    if (isUsable(frame.origin.x, frame.origin.y) && isUsable(frame.right.x, frame.right.y) &&
+        isUsable(frame.up.x, frame.up.y) && m_list.m_pictures.size() < m_limits.items)
+        m_list.m_pictures.push_back(std::move(frame));
+}
+
+std::uint32_t ListWriter::addLayer(Layer layer)
+{
+    m_list.m_layers.push_back(std::move(layer));
+    return static_cast<std::uint32_t>(m_list.m_layers.size() - 1);
+}
+
+void ListWriter::setSheet(const Box& sheet, const Box& printable, double mmPerUnit)
+{
+    if (sheet.isEmpty() || !isUsable(sheet.lowX, sheet.lowY) || !isUsable(sheet.highX, sheet.highY))
+        return;
+    m_list.m_sheet = sheet;
+    if (!printable.isEmpty())
+        m_list.m_printable = printable;
+    if (std::isfinite(mmPerUnit) && mmPerUnit > 0)
+        m_list.m_mmPerUnit = mmPerUnit;
+}
+
+bool ListWriter::mayVisit()
+{
+    if (++m_visits > m_limits.visits)
+        m_list.m_isCut = true;
+    return !m_list.m_isCut;
+}
+
+void ListWriter::finish()
+{
+    for (const Item& item : m_list.m_items)
+        if (!item.box.isEmpty())
+            if (const Box shown = item.clip == Item::kNoClip
+                                      ? item.box
+                                      : item.box.common(m_list.m_clips[item.clip].box);
+                !shown.isEmpty())
+                m_list.m_extents.addBox(shown);
+    m_list.m_verbs.shrink_to_fit();
+    m_list.m_points.shrink_to_fit();
+    m_list.m_items.shrink_to_fit();
+    m_list.buildIndex();
+}
+
+} // namespace gs

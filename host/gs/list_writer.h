@@ -1,0 +1,69 @@
+#pragma once
+
+#include <gs/display_list.h>
+
+#include "space_path.h"
+
+namespace gs {
+
+/// What one item looks like; all that a SpacePath does not say.
+struct ItemLook {
+    Item::Kind kind = Item::Kind::Stroke;
+    Color color;
+    std::uint8_t alpha = 255;
+    float weightMm = 0;
+    float widthUnits = 0;
+    float detail = 0;
+    std::uint32_t layer = 0;
+    std::uint32_t clip = Item::kNoClip;
+    std::uint64_t handle = 0;
+};
+
+/// Fills a display list.
+///
+/// Keeps: no coordinate of a list is infinite or no number, and none is larger than what single
+/// precision holds; an item that its clip leaves nothing of is not in it.
+class ListWriter
+{
+public:
+    ListWriter(DisplayList& list, const ListLimits& limits) : m_list(list), m_limits(limits) {}
+
+    /// Adds an item: @p path where @p map puts it, seen from above.
+    /// @param dashed  the same with its pattern; null or empty: none.
+    void add(const ItemLook& look, const SpacePath& path, const TvGeMatrix3d& map,
+             const SpacePath* dashed = nullptr);
+    /// Adds a marker at @p place (before @p map): @p figure is in parts of the view's height.
+    void addMarker(const ItemLook& look, const TvGePoint3d& place, const TvGeMatrix3d& map,
+                   const SpacePath& figure);
+    /// What is drawn with this clip shows only inside of @p path.
+    /// @return the clip's number; nullopt when nothing of it would be seen.
+    std::optional<std::uint32_t> addClip(const SpacePath& path, const TvGeMatrix3d& map,
+                                         std::uint32_t parent);
+    void addText(PlacedText run);
+    void addPicture(PictureFrame frame);
+    std::uint32_t addLayer(Layer layer);
+
+    void setSheet(const Box& sheet, const Box& printable, double mmPerUnit);
+    void setSavedWindow(const Box& window) { m_list.m_savedWindow = window; }
+    void setFromWorld(const TvGeMatrix3d& map) { m_list.m_fromWorld = map; }
+    void setShowsLineWeights(bool shows) { m_list.m_showsLineWeights = shows; }
+    void setIsPaper() { m_list.m_isPaper = true; }
+
+    /// Counts a visit of an entity. False when the limits are reached: end quietly.
+    bool mayVisit();
+    bool isFull() const { return m_list.m_isCut; }
+    /// The index, and the extents.
+    void finish();
+
+private:
+    /// nullopt for what cannot be drawn; then nothing was stored.
+    std::optional<PathRange> store(const SpacePath& path, const TvGeMatrix3d& map, Box& box);
+    void forget(const PathRange& range);
+    bool isCutAway(std::uint32_t clip, const Box& box) const;
+
+    DisplayList& m_list;
+    ListLimits m_limits;
+    std::uint32_t m_visits = 0;
+};
+
+} // namespace gs

@@ -1,0 +1,217 @@
+#include "looks.h"
+
+#include <db/palette.h>
+#include <db/resbuf.h>
+#include <db/tv_db_database.h>
+#include <db/tv_db_symbol_table.h>
+
+namespace gs {
+
+namespace {
+
+constexpr float kDefaultWeightMm = 0.25f;
+constexpr int kForegroundIndex = 7;
+
+// The high byte of a colour's value.
+enum : std::uint32_t { kByLayer = 0xC0, kByBlock = 0xC1, kTrue = 0xC2, kIndexed = 0xC3 };
+// "flags" of an entity's colour.
+enum : std::int64_t { kIndexMask = 0x1FF, kHasRgb = 0x8000, kHasBook = 0x4000, kHasAlpha = 0x2000 };
+// "ltype_flags"
+enum : std::int64_t { kTypeByLayer = 0, kTypeByBlock = 1, kTypeContinuous = 2 };
+// "flags" of a layer
+enum : std::int64_t { kFrozen = 1, kOff = 2 };
+constexpr std::uint32_t kAlphaGiven = 2, kAlphaByBlock = 1; // high byte of a transparency
+
+struct Ids {
+    db::FieldId layer = db::fieldId("layer"), color = db::fieldId("color"),
+                flags = db::fieldId("flags"), rgb = db::fieldId("rgb"),
+                transparency = db::fieldId("transparency"), weight = db::fieldId("lineweight"),
+                typeFlags = db::fieldId("ltype_flags"), type = db::fieldId("ltype"),
+                typeScale = db::fieldId("ltype_scale"), book = db::fieldId("color_ref");
+};
+const Ids& ids()
+{
+    static const Ids all;
+    return all;
+}
+
+/// nullopt unless it is given here.
+std::optional<std::uint8_t> givenAlpha(std::int64_t transparency)
+{
+    const auto bits = static_cast<std::uint32_t>(transparency);
+    if (bits >> 24 != kAlphaGiven)
+        return std::nullopt;
+    return static_cast<std::uint8_t>(bits & 0xFF);
+}
+
+std::uint8_t alphaOfLayer(const TvDbObject& layer)
+{
+    constexpr int kLongCode = 1071;
+    const TvResbufPtr items(layer.xData(TvString(u"AcCmTransparency")));
+    for (const resbuf* item = items.get(); item; item = item->rbnext)
+        if (item->restype == kLongCode)
+            return givenAlpha(item->resval.rlong).value_or(255);
+    return 255;
+}
+
+} // namespace
+
+StoredColor StoredColor::ofIndex(std::int64_t index)
+{
+    if (index == 0)
+        return {Kind::ByBlock, {}};
+    if (index == 256)
+        return {Kind::ByLayer, {}};
+    if (index < 0 || index > 256)
+        return {Kind::None, {}};
+    if (index == kForegroundIndex)
+        return {Kind::Given, Color::foreground()};
+    return {Kind::Given, Color::given(db::paletteColor(static_cast<int>(index)))};
+}
+
+StoredColor StoredColor::of(const db::RecordView& color, db::Version version)
+{
+    const bool isWide = !(version == db::Version::Ac1015 && color.integer("index") != 0);
+    if (!isWide)
+        return ofIndex(color.integer("index"));
+    const auto value = static_cast<std::uint32_t>(color.integer("value"));
+    switch (value >> 24) {
+    case kByLayer: return {Kind::ByLayer, {}};
+    case kByBlock: return {Kind::ByBlock, {}};
+    case kTrue: return {Kind::Given, Color::given(value & 0xFFFFFF)};
+    case kIndexed: return ofIndex(value & 0xFF);
+    default: return {Kind::None, {}};
+    }
+}
+
+StoredColor StoredColor::ofEntity(const db::RecordView& color)
+{
+    const std::int64_t flags = color.integer(ids().flags);
+    if ((flags & kHasRgb) != 0 && (flags & kHasBook) == 0)
+        return {Kind::Given,
+                Color::given(static_cast<std::uint32_t>(color.integer(ids().rgb)) & 0xFFFFFF)};
+    return ofIndex(flags & kIndexMask);
+}
+
+float weightOfValue(std::int64_t value)
+{
+    switch (value) {
+    case -1: return kWeightByLayer;
+    case -2: return kWeightByBlock;
+    case -3: return kWeightDefault;
+    default: return value < 0 || value > 1000 ? kWeightDefault : static_cast<float>(value) / 100;
+    }
+}
+
+float weightOfCode(std::int64_t code)
+{
+    constexpr int kValues[] = {0,  5,  9,  13, 15, 18,  20,  25,  30,  35,  40,  50,
+                               53, 60, 70, 80, 90, 100, 106, 120, 140, 158, 200, 211};
+    if (code >= 0 && code < static_cast<std::int64_t>(std::size(kValues)))
+        return weightOfValue(kValues[code]);
+    return code == 29 ? kWeightByLayer : code == 30 ? kWeightByBlock : kWeightDefault;
+}
+
+Looks::Looks(TvDbDatabase& database, ListWriter& writer) : m_database(database)
+{
+    const db::Record& header = database.headerRecord();
+    m_byLayer = header.handle("LTBYLAYER");
+    m_byBlock = header.handle("LTBYBLOCK");
+    m_continuous = header.handle("LTCONTINUOUS");
+    const TvDbObjectPointer<TvDbLayerTable> table(database.symbolTableId(TvDb::SymbolTable::Layer),
+                                                  TvDb::kForNotify);
+    if (table)
+        for (const TvDbObjectId id : table->recordIds()) {
+            const TvDbObjectPointer<TvDbLayerTableRecord> record(id, TvDb::kForNotify);
+            if (!record)
+                continue;
+            LayerLook& layer = m_layers.emplace_back();
+            const TvString name = record->getName();
+            layer.look = lookOfLayer(id);
+            layer.isOff = record->isOff();
+            layer.isFrozen = record->isFrozen();
+            layer.isZero = name == TvString(u"0");
+            layer.look.layer = writer.addLayer({name, id.handle().value(), record->isPlottable()});
+            m_byHandle.emplace(id.handle().value(), layer.look.layer);
+            if (layer.isZero)
+                m_zero = layer.look.layer;
+        }
+    if (m_layers.empty()) {
+        LayerLook& only = m_layers.emplace_back();
+        only.isZero = true;
+        only.look.weightMm = kDefaultWeightMm;
+        writer.addLayer({TvString(u"0"), 0, true});
+    }
+}
+
+Look Looks::lookOfLayer(TvDbObjectId id) const
+{
+    Look look;
+    const TvDbObjectPointer<TvDbLayerTableRecord> layer(id, TvDb::kForNotify);
+    if (!layer)
+        return look;
+    const db::RecordView fields = layer->fields();
+    // A colour of a book keeps the colour itself, too.
+    look.color = StoredColor::of(fields.structure("color"), layer->record().version())
+                     .within(Color::foreground());
+    const float weight = weightOfCode(fields.integer("flags") >> 5 & 31);
+    look.weightMm = weight < 0 ? kDefaultWeightMm : weight;
+    look.alpha = alphaOfLayer(*layer);
+    const std::uint64_t type = fields.handle("ltype");
+    if (type != 0 && type != m_continuous && type != m_byLayer && type != m_byBlock)
+        look.linetype = m_database.find(type);
+    return look;
+}
+
+const Looks::LayerLook& Looks::layer(std::uint64_t handle) const
+{
+    const auto at = m_byHandle.find(handle);
+    return m_layers[at == m_byHandle.end() ? m_zero : at->second];
+}
+
+Look Looks::resolve(const db::RecordView& entity, const Look* by) const
+{
+    const Ids& id = ids();
+    const LayerLook* own = &layer(entity.handle(id.layer));
+    if (own->isZero && by)
+        own = &m_layers[by->layer];
+    Look look = own->look;
+    const db::RecordView stored = entity.structure(id.color);
+    StoredColor color = StoredColor::ofEntity(stored);
+    if ((stored.integer(id.flags) & kHasBook) != 0)
+        if (const TvDbObjectPointer<TvDbObject> book(m_database.find(entity.handle(id.book)),
+                                                     TvDb::kForNotify);
+            book)
+            color = StoredColor::of(book->fields().structure(id.color), book->record().version());
+    if (color.kind == StoredColor::Kind::ByBlock)
+        look.color = by ? by->color : Color::foreground();
+    else
+        look.color = color.within(look.color);
+
+    if ((stored.integer(id.flags) & kHasAlpha) != 0) {
+        const std::int64_t transparency = stored.integer(id.transparency);
+        if (const auto given = givenAlpha(transparency); given)
+            look.alpha = *given;
+        else if (static_cast<std::uint32_t>(transparency) >> 24 == kAlphaByBlock)
+            look.alpha = by ? by->alpha : 255;
+    }
+    const float weight = weightOfCode(entity.integer(id.weight));
+    if (weight >= 0)
+        look.weightMm = weight;
+    else if (weight == kWeightByBlock)
+        look.weightMm = by ? by->weightMm : kDefaultWeightMm;
+    else if (weight == kWeightDefault)
+        look.weightMm = kDefaultWeightMm;
+
+    const std::int64_t type = entity.integer(id.typeFlags);
+    if (type == kTypeContinuous)
+        look.linetype.setNull();
+    else if (type == kTypeByBlock)
+        look.linetype = by ? by->linetype : TvDbObjectId();
+    else if (type != kTypeByLayer)
+        look.linetype = m_database.find(entity.handle(id.type));
+    look.linetypeScale = entity.real(id.typeScale);
+    return look;
+}
+
+} // namespace gs

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <unordered_map>
+
+#include <db/record.h>
+#include <gs/display_list.h>
+
+#include "list_writer.h"
+
+namespace gs {
+
+/// What an entity looks like once ByLayer and ByBlock are resolved.
+struct Look {
+    Color color;
+    std::uint8_t alpha = 255;
+    float weightMm = 0;
+    std::uint32_t layer = 0;
+    TvDbObjectId linetype; ///< null: continuous
+    double linetypeScale = 1;
+};
+
+/// A colour as records keep it.
+struct StoredColor {
+    enum class Kind : std::uint8_t { ByLayer, ByBlock, Given, None };
+    Kind kind = Kind::ByLayer;
+    Color color;
+
+    /// @p color: a structure of an index and a value, as all records but entities have.
+    static StoredColor of(const db::RecordView& color, db::Version version);
+    static StoredColor ofIndex(std::int64_t index);
+    static StoredColor ofEntity(const db::RecordView& color);
+    /// By layer and by block as @p look has it.
+    Color within(const Color& look) const { return kind == Kind::Given ? color : look; }
+};
+
+/// The width that a code of 0 to 31 means; negative: by layer, by block, default.
+inline constexpr float kWeightByLayer = -1, kWeightByBlock = -2, kWeightDefault = -3;
+float weightOfCode(std::int64_t code);
+/// The same for a width in hundredths of a millimetre, -1 to -3 as above.
+float weightOfValue(std::int64_t value);
+
+/// The layers of a drawing, and what they do to the looks of entities.
+class Looks
+{
+public:
+    /// Reads the layers, and gives them to the list.
+    Looks(TvDbDatabase& database, ListWriter& writer);
+
+    struct LayerLook {
+        Look look;
+        bool isOff = false, isFrozen = false;
+        bool isZero = false; ///< what is on it in a block is on the layer of the insert
+    };
+    /// Of a layer that is not there: that of layer "0".
+    const LayerLook& layer(std::uint64_t handle) const;
+    std::size_t count() const { return m_layers.size(); }
+    const LayerLook& layerAt(std::uint32_t index) const { return m_layers[index]; }
+
+    /// What an entity with these fields looks like inside of an insert that looks like @p by; for
+    /// what stands in no block, null.
+    Look resolve(const db::RecordView& entity, const Look* by) const;
+
+private:
+    Look lookOfLayer(TvDbObjectId id) const;
+
+    std::vector<LayerLook> m_layers;
+    std::unordered_map<std::uint64_t, std::uint32_t> m_byHandle;
+    std::uint32_t m_zero = 0;
+    std::uint64_t m_byLayer = 0, m_byBlock = 0, m_continuous = 0; // linetypes
+    TvDbDatabase& m_database;
+};
+
+} // namespace gs

@@ -1,0 +1,310 @@
+#include "painter.h"
+
+#include <cmath>
+
+#include "cut_path.h"
+
+namespace gs {
+
+namespace {
+
+constexpr double kNearPixels = 8192;    // around the picture, beyond which paths are cut
+constexpr double kDotPixels = 0.8;      // what is no larger is a dot
+constexpr double kSmallestDetail = 2.5; // pixels
+constexpr double kLargestWeightMm = 10;
+constexpr double kWidestPixels = 20000;
+
+void setRgb(cairo_t* context, std::uint32_t rgb, double alpha = 1)
+{
+    const auto part = [rgb](int shift) { return (rgb >> shift & 0xFF) / 255.0; };
+    cairo_set_source_rgba(context, part(16), part(8), part(0), alpha);
+}
+
+} // namespace
+
+Painter::Painter(const DisplayList& list, const View& view, cairo_t* context,
+                 const PlayOptions& options)
+    : m_list(list), m_view(view), m_context(context), m_options(options),
+      m_scale(view.pixelsPerUnit), m_left(view.width / 2.0 - view.center.x * view.pixelsPerUnit),
+      m_top(view.height / 2.0 + view.center.y * view.pixelsPerUnit),
+      m_near(view.window().grown(kNearPixels / view.pixelsPerUnit))
+{
+    cairo_save(m_context);
+    cairo_save(m_context); // the state of the clip that is set
+    cairo_new_path(m_context);
+    cairo_set_antialias(m_context, options.smooth ? CAIRO_ANTIALIAS_FAST : CAIRO_ANTIALIAS_NONE);
+    cairo_set_line_cap(m_context, CAIRO_LINE_CAP_ROUND);
+    cairo_set_line_join(m_context, CAIRO_LINE_JOIN_ROUND);
+}
+
+Painter::~Painter()
+{
+    cairo_restore(m_context);
+    cairo_restore(m_context);
+    cairo_new_path(m_context);
+}
+
+double Painter::reach() const
+{
+    const double mm = m_options.weights == PlayOptions::Weights::Hairlines ? 0 : kLargestWeightMm;
+    const double pixels = m_options.weights == PlayOptions::Weights::Paper
+                              ? mm / m_list.mmPerUnit() * m_scale
+                              : mm * m_options.pixelsPerMm;
+    return (pixels / 2 + 1) / m_scale;
+}
+
+bool Painter::isNear(const Box& box) const
+{
+    return box.lowX >= m_near.lowX && box.highX <= m_near.highX && box.lowY >= m_near.lowY &&
+           box.highY <= m_near.highY;
+}
+
+void Painter::clear()
+{
+    setRgb(m_context, rgbOf(m_options.background));
+    cairo_rectangle(m_context, 0, 0, m_view.width, m_view.height);
+    cairo_fill(m_context);
+    if (m_list.sheet())
+        drawSheet();
+}
+
+void Painter::drawSheet()
+{
+    constexpr double kShadowPixels = 4;
+    constexpr std::uint32_t kShadow = 0x6E7378, kEdge = 0x80868C;
+    const Box seen = m_list.sheet()->common(m_near);
+    if (seen.isEmpty())
+        return;
+    const TvGePoint2d low = pixel({seen.lowX, seen.lowY}), high = pixel({seen.highX, seen.highY});
+    const double x = std::round(low.x), y = std::round(high.y);
+    const double width = std::round(high.x) - x, height = std::round(low.y) - y;
+    if (m_options.background == Background::Paper) {
+        setRgb(m_context, deskRgb());
+        cairo_paint(m_context);
+        setRgb(m_context, kShadow);
+        cairo_rectangle(m_context, x + kShadowPixels, y + kShadowPixels, width, height);
+        cairo_fill(m_context);
+        setRgb(m_context, rgbOf(m_options.background));
+        cairo_rectangle(m_context, x, y, width, height);
+        cairo_fill(m_context);
+    }
+    setRgb(m_context, kEdge);
+    cairo_set_line_width(m_context, 1);
+    cairo_rectangle(m_context, x + 0.5, y + 0.5, width - 1, height - 1);
+    cairo_stroke(m_context);
+    m_color = ~std::uint64_t(0);
+}
+
+// Clips
+
+void Painter::addClips(std::uint32_t number)
+{
+    if (number == Item::kNoClip)
+        return;
+    const Clip& clip = m_list.clips()[number];
+    addClips(clip.parent);
+    cairo_new_path(m_context);
+    if (clip.isRectangle) {
+        Box box;
+        for (const TvGePoint2d& point : m_list.path(clip.path).points)
+            box.add(point);
+        box = box.common(m_near);
+        if (!box.isEmpty()) {
+            // Whole pixels: quicker by far, and the frame of the window hides the difference.
+            const TvGePoint2d low = pixel({box.lowX, box.lowY}),
+                              high = pixel({box.highX, box.highY});
+            const double x = std::floor(low.x), y = std::floor(high.y);
+            cairo_rectangle(m_context, x, y, std::ceil(high.x) - x, std::ceil(low.y) - y);
+        }
+    } else if (isNear(clip.box)) {
+        trace(m_list.path(clip.path));
+    } else {
+        traceCut(cutArea(m_list.path(clip.path), m_near, 0.25 / m_scale));
+    }
+    cairo_set_fill_rule(m_context, CAIRO_FILL_RULE_EVEN_ODD);
+    cairo_clip(m_context);
+}
+
+void Painter::useClip(std::uint32_t clip)
+{
+    if (clip == m_clip)
+        return;
+    cairo_restore(m_context);
+    cairo_save(m_context);
+    cairo_set_antialias(m_context, m_options.smooth ? CAIRO_ANTIALIAS_FAST : CAIRO_ANTIALIAS_NONE);
+    cairo_set_line_cap(m_context, CAIRO_LINE_CAP_ROUND);
+    cairo_set_line_join(m_context, CAIRO_LINE_JOIN_ROUND);
+    m_color = ~std::uint64_t(0);
+    m_clip = clip;
+    addClips(clip);
+}
+
+// Items
+
+void Painter::useColor(const Item& item)
+{
+    const std::uint32_t rgb = rgbOf(item.color, m_options.background);
+    const std::uint64_t wanted = std::uint64_t(item.alpha) << 32 | rgb;
+    if (wanted == m_color)
+        return;
+    m_color = wanted;
+    setRgb(m_context, rgb, item.alpha / 255.0);
+}
+
+template <class Place>
+void Painter::trace(PathView path, const Place& place)
+{
+    std::size_t at = 0;
+    const auto next = [&] { return place(path.points[at++]); };
+    for (const Path::Verb verb : path.verbs)
+        switch (verb) {
+        case Path::Verb::Move: {
+            const TvGePoint2d to = next();
+            cairo_move_to(m_context, to.x, to.y);
+            break;
+        }
+        case Path::Verb::Line: {
+            const TvGePoint2d to = next();
+            cairo_line_to(m_context, to.x, to.y);
+            break;
+        }
+        case Path::Verb::Curve: {
+            const TvGePoint2d a = next(), b = next(), to = next();
+            cairo_curve_to(m_context, a.x, a.y, b.x, b.y, to.x, to.y);
+            break;
+        }
+        case Path::Verb::Close: cairo_close_path(m_context); break;
+        }
+}
+
+void Painter::trace(PathView path)
+{
+    trace(path, [this](const TvGePoint2d& point) { return pixel(point); });
+}
+
+void Painter::traceCut(const Path& path)
+{
+    trace({path.verbs(), path.points()});
+}
+
+double Painter::strokeWidth(const Item& item) const
+{
+    double pixels = 1;
+    if (item.widthUnits > 0)
+        pixels = item.widthUnits * m_scale;
+    else if (m_options.weights == PlayOptions::Weights::Pixels)
+        pixels = item.weightMm * m_options.pixelsPerMm;
+    else if (m_options.weights == PlayOptions::Weights::Paper)
+        pixels = item.weightMm / m_list.mmPerUnit() * m_scale;
+    return std::clamp(pixels, 1.0, kWidestPixels);
+}
+
+void Painter::stroke(const Item& item, PathView path)
+{
+    useColor(item);
+    const double width = strokeWidth(item);
+    cairo_set_line_width(m_context, width);
+    const bool isWide = item.widthUnits > 0;
+    if (isWide) {
+        cairo_set_line_cap(m_context, CAIRO_LINE_CAP_BUTT);
+        cairo_set_line_join(m_context, CAIRO_LINE_JOIN_MITER);
+    }
+    cairo_new_path(m_context);
+    if (isNear(item.box))
+        trace(path);
+    else
+        traceCut(cutLines(path, m_near.grown(width / m_scale), 0.25 / m_scale));
+    cairo_stroke(m_context);
+    if (isWide) {
+        cairo_set_line_cap(m_context, CAIRO_LINE_CAP_ROUND);
+        cairo_set_line_join(m_context, CAIRO_LINE_JOIN_ROUND);
+    }
+}
+
+void Painter::fill(const Item& item)
+{
+    useColor(item);
+    cairo_new_path(m_context);
+    if (isNear(item.box))
+        trace(m_list.path(item.path));
+    else
+        traceCut(cutArea(m_list.path(item.path), m_near, 0.25 / m_scale));
+    cairo_set_fill_rule(m_context, item.kind == Item::Kind::EvenOddFill ? CAIRO_FILL_RULE_EVEN_ODD
+                                                                        : CAIRO_FILL_RULE_WINDING);
+    cairo_fill(m_context);
+}
+
+void Painter::drawDot(const Item& item)
+{
+    useColor(item);
+    const TvGePoint2d at = pixel(item.box.center());
+    cairo_rectangle(m_context, std::floor(at.x), std::floor(at.y), 1, 1);
+    cairo_fill(m_context);
+}
+
+void Painter::drawBar(const Item& item)
+{
+    constexpr double kCovered = 0.4; // by letters, of the box around them
+    const std::uint32_t rgb = rgbOf(item.color, m_options.background);
+    setRgb(m_context, rgb, item.alpha / 255.0 * kCovered);
+    m_color = ~std::uint64_t(0);
+    const Box box = item.box.common(m_near);
+    const TvGePoint2d low = pixel({box.lowX, box.lowY}), high = pixel({box.highX, box.highY});
+    cairo_rectangle(m_context, low.x, high.y, high.x - low.x, low.y - high.y);
+    cairo_fill(m_context);
+}
+
+void Painter::drawEndless(const Item& item)
+{
+    const PathView path = m_list.path(item.path);
+    const auto ends =
+        cutEndless(path.points[0], path.points[1], item.kind == Item::Kind::Ray, m_near);
+    if (!ends)
+        return;
+    useColor(item);
+    cairo_set_line_width(m_context, strokeWidth(item));
+    const TvGePoint2d from = pixel(ends->first), to = pixel(ends->second);
+    cairo_new_path(m_context);
+    cairo_move_to(m_context, from.x, from.y);
+    cairo_line_to(m_context, to.x, to.y);
+    cairo_stroke(m_context);
+}
+
+void Painter::drawMarker(const Item& item)
+{
+    const PathView path = m_list.path(item.path);
+    const TvGePoint2d at = pixel(path.points[0]);
+    useColor(item);
+    cairo_set_line_width(m_context, strokeWidth(item));
+    cairo_new_path(m_context);
+    trace({path.verbs.subspan(1), path.points.subspan(1)}, [&](const TvGePoint2d& part) {
+        return TvGePoint2d(at.x + part.x * m_view.height, at.y - part.y * m_view.height);
+    });
+    cairo_stroke(m_context);
+}
+
+void Painter::draw(const Item& item)
+{
+    if (item.clip != m_clip)
+        useClip(item.clip);
+    switch (item.kind) {
+    case Item::Kind::Line:
+    case Item::Kind::Ray: drawEndless(item); return;
+    case Item::Kind::Marker: drawMarker(item); return;
+    default: break;
+    }
+    const double size = std::max(item.box.width(), item.box.height()) * m_scale;
+    if (size < kDotPixels && strokeWidth(item) < 2) {
+        drawDot(item);
+        return;
+    }
+    const bool isCoarse = item.detail > 0 && item.detail * m_scale < kSmallestDetail;
+    if (item.kind == Item::Kind::Stroke)
+        stroke(item, m_list.path(item.dashed.verbCount == 0 || isCoarse ? item.path : item.dashed));
+    else if (isCoarse)
+        drawBar(item);
+    else
+        fill(item);
+}
+
+} // namespace gs

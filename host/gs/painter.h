@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cairo.h>
+
+#include <gs/player.h>
+
+namespace gs {
+
+/// Draws single items of a list into a cairo context.
+///
+/// Works in pixels: no number that reaches cairo is farther from the picture than a few of its
+/// widths, because cairo counts in parts of a pixel and overflows.
+class Painter
+{
+public:
+    Painter(const DisplayList& list, const View& view, cairo_t* context,
+            const PlayOptions& options);
+    ~Painter();
+    Painter(const Painter&) = delete;
+    Painter& operator=(const Painter&) = delete;
+
+    /// The background, and the sheet of paper.
+    void clear();
+    void draw(const Item& item);
+    /// How far beyond its box an item may be seen, in the list's units.
+    double reach() const;
+
+private:
+    void useClip(std::uint32_t clip);
+    void addClips(std::uint32_t clip);
+    void useColor(const Item& item);
+    /// @param place  from the path's points to pixels.
+    template <class Place>
+    void trace(PathView path, const Place& place);
+    void trace(PathView path);
+    void traceCut(const Path& path);
+    void stroke(const Item& item, PathView path);
+    void fill(const Item& item);
+    void drawEndless(const Item& item);
+    void drawMarker(const Item& item);
+    void drawDot(const Item& item);
+    void drawBar(const Item& item);
+    void drawSheet();
+    double strokeWidth(const Item& item) const;
+    /// Within what cairo can count.
+    bool isNear(const Box& box) const;
+
+    TvGePoint2d pixel(const TvGePoint2d& point) const
+    {
+        return {point.x * m_scale + m_left, m_top - point.y * m_scale};
+    }
+
+    const DisplayList& m_list;
+    const View& m_view;
+    cairo_t* m_context; // not owned
+    const PlayOptions& m_options;
+    double m_scale, m_left, m_top;
+    Box m_near; // in the list's units
+    std::uint32_t m_clip = Item::kNoClip;
+    bool m_isClipEmpty = false;
+    std::uint64_t m_color = ~std::uint64_t(0); // that is set
+};
+
+} // namespace gs

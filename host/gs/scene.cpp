@@ -1,0 +1,166 @@
+#include "scene.h"
+
+#include <cmath>
+
+#include <db/tv_db_symbol_table.h>
+#include <ge/ocs.h>
+
+namespace gs {
+
+Scene::Scene(TvDbDatabase& database, ListWriter& writer)
+    : m_database(database), m_writer(writer), m_looks(database, writer)
+{
+}
+
+const std::vector<TvDbObjectId>& Scene::contentOf(TvDbObjectId block)
+{
+    const auto [at, isNew] = m_contents.try_emplace(block);
+    if (isNew)
+        if (const TvDbObjectPointer<TvDbBlockTableRecord> record(block, TvDb::kForNotify); record)
+            at->second = record->entityIdsInDrawOrder();
+    return at->second;
+}
+
+void Scene::drawBlock(TvDbObjectId block, const Frame& frame)
+{
+    if (m_openBlocks.size() >= kDeepest || !m_openBlocks.insert(block).second)
+        return;
+    for (const TvDbObjectId id : contentOf(block)) {
+        if (m_writer.isFull())
+            break;
+        drawEntity(id, frame);
+    }
+    m_openBlocks.erase(block);
+}
+
+void Scene::drawEntity(TvDbObjectId id, const Frame& frame)
+{
+    if (!m_writer.mayVisit())
+        return;
+    const TvDbObjectPointer<TvDbEntity> entity(id, TvDb::kForNotify);
+    if (!entity || !entity->isVisible())
+        return;
+    // What is drawn within this one leaves everything as it was.
+    const Frame* const outerFrame = std::exchange(m_frame, &frame);
+    const std::uint64_t outerHandle =
+        std::exchange(m_handle, frame.handle ? frame.handle : id.handle().value());
+    const Look outerLook = m_look;
+    drawOpen(*entity);
+    m_look = outerLook;
+    m_handle = outerHandle;
+    m_frame = outerFrame;
+}
+
+void Scene::drawOpen(const TvDbEntity& entity)
+{
+    const Drawer draw =
+        entity.record().classDef() ? drawerFor(entity.record().classDef()->name()) : nullptr;
+    if (!draw)
+        return;
+    m_look = m_looks.resolve(entity.fields(), m_frame->by);
+    const Looks::LayerLook& layer = m_looks.layerAt(m_look.layer);
+    if (layer.isFrozen || (m_frame->frozen && (*m_frame->frozen)[m_look.layer]))
+        return;
+    draw(*this, entity);
+}
+
+ItemLook Scene::itemLook() const
+{
+    ItemLook look;
+    look.color = m_look.color;
+    look.alpha = m_look.alpha;
+    look.weightMm = m_look.weightMm;
+    look.layer = m_look.layer;
+    look.clip = m_frame->clip;
+    look.handle = m_handle;
+    return look;
+}
+
+bool Scene::keepOutline(const TvGeMatrix3d& place)
+{
+    if (!m_outline)
+        return false;
+    SpacePath placed = m_path;
+    placed.transform(place);
+    m_outline->append(placed);
+    return true;
+}
+
+void Scene::outlineOf(TvDbObjectId id)
+{
+    SpacePath outline;
+    const SpacePath former = m_path;
+    Frame here = *m_frame;
+    here.frozen = nullptr;
+    SpacePath* const outer = std::exchange(m_outline, &outline);
+    drawEntity(id, here);
+    m_outline = outer;
+    m_path = outline.isEmpty() ? former : outline;
+}
+
+void Scene::stroke(const TvGeMatrix3d& place, double widthUnits)
+{
+    if (keepOutline(place) || !isShown())
+        return;
+    ItemLook look = itemLook();
+    const TvGeMatrix3d map = m_frame->map * place;
+    look.widthUnits = static_cast<float>(widthUnits > 0 ? widthUnits * scaleOf(place) : 0);
+    m_writer.add(look, m_path, map);
+}
+
+void Scene::fill(const TvGeMatrix3d& place, Item::Kind kind)
+{
+    add(kind, place, m_look.color);
+}
+
+void Scene::add(Item::Kind kind, const TvGeMatrix3d& place, const Color& color, double detail)
+{
+    if (keepOutline(place) || !isShown())
+        return;
+    ItemLook look = itemLook();
+    look.kind = kind;
+    look.color = color;
+    look.detail = static_cast<float>(detail);
+    m_writer.add(look, m_path, m_frame->map * place);
+}
+
+void Scene::addMarker(const TvGePoint3d& place)
+{
+    if (!m_outline && isShown())
+        m_writer.addMarker(itemLook(), place, m_frame->map, m_path);
+}
+
+double Scene::scaleOf(const TvGeMatrix3d& place) const
+{
+    const TvGeMatrix3d map = m_frame->map * place;
+    const auto& e = map.entry;
+    return std::sqrt(std::abs(e[0][0] * e[1][1] - e[0][1] * e[1][0]));
+}
+
+void Scene::insert(TvDbObjectId block, const TvGeMatrix3d& place, std::uint32_t clip)
+{
+    const Look by = m_look;
+    Frame inner = *m_frame;
+    inner.map = m_frame->map * place;
+    inner.by = &by;
+    inner.handle = m_handle;
+    if (clip != Item::kNoClip)
+        inner.clip = clip;
+    drawBlock(block, inner);
+}
+
+void Scene::drawPart(TvDbObjectId id)
+{
+    Frame inner = *m_frame;
+    const Look by = m_look;
+    inner.by = &by;
+    inner.handle = m_handle;
+    drawEntity(id, inner);
+}
+
+TvGeMatrix3d viewAxes(const TvGeVector3d& direction, double twist)
+{
+    return TvGeMatrix3d::rotation(twist, TvGeVector3d::zAxis()) * ge::wcsToOcs(direction);
+}
+
+} // namespace gs

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <string_view>
+#include <unordered_set>
+
+#include <db/tv_db_entity.h>
+
+#include "looks.h"
+
+class TvDbBlockReference;
+class TvDbViewport;
+
+namespace gs {
+
+/// Walks over the entities of blocks and puts what they draw into a list.
+///
+/// Drawers (draw_*.cpp) get the entity and this: they fill path() and call stroke() or fill(), as
+/// often as they need. Places are in the entity's own block; the scene knows where that lies.
+class Scene
+{
+public:
+    /// Where the entities of a block are drawn, and what they take from whoever inserts it.
+    struct Frame {
+        TvGeMatrix3d map;         ///< to the list's plane
+        const Look* by = nullptr; ///< of the insert; null: not in a block
+        std::uint32_t clip = Item::kNoClip;
+        std::uint64_t handle = 0; ///< of the outermost entity; 0: it is that itself
+        const std::vector<bool>* frozen = nullptr; ///< by layer: not shown in this viewport
+        double linetypeFactor = 1;
+        double viewHeight =
+            0; ///< in units of the block, as seen in a viewport; 0: whoever plays it
+    };
+
+    Scene(TvDbDatabase& database, ListWriter& writer);
+
+    /// All entities of @p block.
+    void drawBlock(TvDbObjectId block, const Frame& frame);
+    void drawEntity(TvDbObjectId id, const Frame& frame);
+
+    /// The viewport that shows the sheet itself: no window.
+    void setOverallViewport(TvDbObjectId id) { m_overall = id; }
+    bool isOverallViewport(TvDbObjectId id) const { return id == m_overall; }
+
+    // For drawers, of the entity that is being drawn
+
+    TvDbDatabase& database() const { return m_database; }
+    ListWriter& writer() { return m_writer; }
+    const Looks& looks() const { return m_looks; }
+    const Frame& frame() const { return *m_frame; }
+    Look& look() { return m_look; }
+    /// Empty.
+    SpacePath& path()
+    {
+        m_path.clear();
+        return m_path;
+    }
+    const SpacePath& lastPath() const { return m_path; }
+    /// Strokes what path() holds, with the pattern of its linetype.
+    /// @param place       from the path's coordinates to those of the entity's block.
+    /// @param widthUnits  of the line; 0: its weight.
+    void stroke(const TvGeMatrix3d& place = {}, double widthUnits = 0);
+    void fill(const TvGeMatrix3d& place = {}, Item::Kind kind = Item::Kind::Fill);
+    /// The same, as lines without end, or with another colour.
+    void add(Item::Kind kind, const TvGeMatrix3d& place, const Color& color, double detail = 0);
+    /// What path() holds is a marker at @p place.
+    void addMarker(const TvGePoint3d& place);
+    /// All but the kind, of an item of the entity that is drawn.
+    ItemLook itemLook() const;
+    /// How many units of the list's plane one unit of the block is, about.
+    double scaleOf(const TvGeMatrix3d& place = {}) const;
+    /// Draws @p block in the entity's place, moved by @p place.
+    void insert(TvDbObjectId block, const TvGeMatrix3d& place, std::uint32_t clip = Item::kNoClip);
+    /// Puts the outline of another entity of the same block into path(), if it has one; else leaves
+    /// path() as it is.
+    void outlineOf(TvDbObjectId id);
+    /// Draws an entity that belongs to this one (an attribute), as part of it.
+    void drawPart(TvDbObjectId id);
+
+private:
+    bool isShown() const { return !m_looks.layerAt(m_look.layer).isOff; }
+    bool keepOutline(const TvGeMatrix3d& place);
+    void drawOpen(const TvDbEntity& entity);
+    const std::vector<TvDbObjectId>& contentOf(TvDbObjectId block);
+
+    static constexpr int kDeepest = 64; // blocks within each other
+
+    TvDbDatabase& m_database;
+    ListWriter& m_writer;
+    Looks m_looks;
+    std::unordered_map<TvDbObjectId, std::vector<TvDbObjectId>> m_contents;
+    std::unordered_set<TvDbObjectId>
+        m_openBlocks; // being drawn: they are not drawn within themselves
+    const Frame* m_frame = nullptr;
+    std::uint64_t m_handle = 0;
+    Look m_look;
+    SpacePath m_path;
+    SpacePath* m_outline = nullptr; // not owned; where paths go instead of into the list
+    TvDbObjectId m_overall;
+};
+
+/// Draws one kind of entity.
+using Drawer = void (*)(Scene&, const TvDbEntity&);
+/// Null for kinds that have no form.
+Drawer drawerFor(std::string_view className);
+
+/// Where a view from @p direction, turned by @p twist, sees things: x to the right, y upwards.
+TvGeMatrix3d viewAxes(const TvGeVector3d& direction, double twist);
+
+} // namespace gs

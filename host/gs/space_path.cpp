@@ -1,0 +1,85 @@
+#include "space_path.h"
+
+#include <cmath>
+#include <numbers>
+
+#include <ge/arcs.h>
+
+namespace gs {
+
+void SpacePath::polygon(const std::vector<TvGePoint3d>& corners, bool isClosed)
+{
+    for (std::size_t i = 0; i < corners.size(); ++i)
+        i == 0 ? moveTo(corners[i]) : lineTo(corners[i]);
+    if (isClosed && !corners.empty())
+        close();
+}
+
+void SpacePath::bowTo(const TvGePoint3d& center, const TvGeVector3d& u, const TvGeVector3d& v,
+                      double start, double end)
+{
+    constexpr double kQuarter = std::numbers::pi / 2;
+    const double sweep = end - start;
+    if (!std::isfinite(sweep))
+        return;
+    // One curve for at most a quarter: within 3/10000 of the radius of the true bow.
+    const int pieces =
+        std::clamp(static_cast<int>(std::ceil(std::abs(sweep) / kQuarter - 1e-9)), 1, 5);
+    const double step = sweep / pieces, handle = 4.0 / 3 * std::tan(step / 4);
+    double cosine = std::cos(start), sine = std::sin(start);
+    for (int i = 1; i <= pieces; ++i) {
+        const double nextCosine = std::cos(start + i * step), nextSine = std::sin(start + i * step);
+        curveTo(center + u * (cosine - handle * sine) + v * (sine + handle * cosine),
+                center + u * (nextCosine + handle * nextSine) +
+                    v * (nextSine - handle * nextCosine),
+                center + u * nextCosine + v * nextSine);
+        cosine = nextCosine, sine = nextSine;
+    }
+}
+
+void SpacePath::bow(const TvGePoint3d& center, const TvGeVector3d& u, const TvGeVector3d& v,
+                    double start, double end)
+{
+    moveTo(center + u * std::cos(start) + v * std::sin(start));
+    bowTo(center, u, v, start, end);
+    if (std::abs(std::abs(end - start) - 2 * std::numbers::pi) < 1e-9)
+        close();
+}
+
+void SpacePath::bulgeTo(const TvGePoint2d& from, const TvGePoint2d& to, double bulge,
+                        double elevation)
+{
+    const auto arc = ge::bulgeArc(from, to, bulge);
+    if (!arc) {
+        lineTo({to.x, to.y, elevation});
+        return;
+    }
+    double start = arc->startAngle, end = arc->endAngle;
+    while (end <= start)
+        end += 2 * std::numbers::pi;
+    if (bulge < 0)
+        std::swap(start, end); // run from its other end
+    bowTo({arc->center.x, arc->center.y, elevation}, {arc->radius, 0, 0}, {0, arc->radius, 0},
+          start, end);
+}
+
+void SpacePath::append(const Path& flat, double elevation)
+{
+    m_verbs.insert(m_verbs.end(), flat.verbs().begin(), flat.verbs().end());
+    for (const TvGePoint2d& point : flat.points())
+        m_points.push_back({point.x, point.y, elevation});
+}
+
+void SpacePath::append(const SpacePath& other)
+{
+    m_verbs.insert(m_verbs.end(), other.m_verbs.begin(), other.m_verbs.end());
+    m_points.insert(m_points.end(), other.m_points.begin(), other.m_points.end());
+}
+
+void SpacePath::transform(const TvGeMatrix3d& map)
+{
+    for (TvGePoint3d& point : m_points)
+        point = map * point;
+}
+
+} // namespace gs
