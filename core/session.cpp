@@ -19,6 +19,7 @@ using core::SheetSetPalette;
 core::SessionHost* g_host = nullptr; // not owned
 TvSmDatabase* g_currentDatabase = nullptr;
 std::vector<TvSmDatabase*> g_sessionDatabases; // the manager's
+core::BorrowedDatabase* g_borrowed = nullptr;  // the innermost
 
 // In the order in which palettes are told.
 constexpr SessionHost::Palette kPalettes[] = {
@@ -38,6 +39,14 @@ void forEachPalette(Tell tell)
 void tellSwitch(bool keepState)
 {
     forEachPalette([keepState](SheetSetPalette& palette) { palette.switchDatabase(keepState); });
+}
+
+/// The current database leaves the session; the one that was added last of the rest follows it.
+void leaveCurrent()
+{
+    std::erase(g_sessionDatabases, g_currentDatabase);
+    g_currentDatabase = g_sessionDatabases.empty() ? nullptr : g_sessionDatabases.back();
+    tellSwitch(false);
 }
 
 TvString recentKey(int index)
@@ -94,7 +103,7 @@ const std::vector<TvSmDatabase*>& GetSessionDatabases()
 
 void ActivateSheetSet(TvSmDatabase* database)
 {
-    if (database == g_currentDatabase)
+    if (!database || database == g_currentDatabase)
         return;
     if (std::ranges::find(g_sessionDatabases, database) == g_sessionDatabases.end())
         g_sessionDatabases.push_back(database);
@@ -105,9 +114,7 @@ void ActivateSheetSet(TvSmDatabase* database)
 bool CloseCurrentSheetSet()
 {
     TvSmDatabase* closing = g_currentDatabase;
-    std::erase(g_sessionDatabases, closing);
-    g_currentDatabase = g_sessionDatabases.empty() ? nullptr : g_sessionDatabases.back();
-    tellSwitch(false);
+    leaveCurrent();
     TvSmSheetSetMgr* manager = KvDbUtil::tarvGetSheetSetMgr();
     return manager && manager->closeDatabase(closing);
 }
@@ -140,10 +147,57 @@ void UpdateRecentList(const TvString& path, bool add)
 
 void RefreshAllPalettes()
 {
-    forEachPalette([](SheetSetPalette& palette) { palette.reloadDatabase(); });
+    forEachPalette([](SheetSetPalette& palette) {
+        if (palette.displayedDatabase() == g_currentDatabase)
+            palette.reloadDatabase();
+    });
 }
 
 void RefreshLockState()
 {
     forEachPalette([](SheetSetPalette& palette) { palette.refreshLockState(); });
 }
+
+namespace core {
+
+BorrowedDatabase::BorrowedDatabase(TvSmDatabase* database)
+    : m_former(std::exchange(g_currentDatabase, database)), m_outer(std::exchange(g_borrowed, this))
+{
+}
+
+BorrowedDatabase::~BorrowedDatabase()
+{
+    g_currentDatabase = m_former;
+    g_borrowed = m_outer;
+    if (m_isFormerGone && !g_borrowed)
+        leaveCurrent();
+    else if (m_hasMissed)
+        sessionDatabaseChanged(m_former);
+}
+
+void sessionDatabaseChanged(TvSmDatabase* database)
+{
+    if (database == g_currentDatabase)
+        return RefreshAllPalettes();
+    for (BorrowedDatabase* each = g_borrowed; each; each = each->m_outer)
+        each->m_hasMissed = each->m_hasMissed || each->m_former == database;
+}
+
+void sessionDatabaseCloses(TvSmDatabase* database)
+{
+    std::erase(g_sessionDatabases, database);
+    for (BorrowedDatabase* each = g_borrowed; each; each = each->m_outer) {
+        if (each->m_former == database) {
+            each->m_former = nullptr;
+            each->m_isFormerGone = true;
+        }
+    }
+    if (database != g_currentDatabase)
+        return;
+    if (g_borrowed)
+        g_currentDatabase = nullptr; // the palettes do not show it
+    else
+        leaveCurrent();
+}
+
+} // namespace core

@@ -1,7 +1,9 @@
 #include <core/watch_table.h>
 
 #include <base/kv_file_system.h>
+#include <base/publish.h>
 #include <core/session.h>
+#include <sm/environment.h>
 #include <sm/tv_sm_database.h>
 
 TVRX_DEFINE_MEMBERS(CTvSmSheetSetEventsHandler, TvSmEvents)
@@ -11,6 +13,18 @@ core::WatchTable g_watchTable;
 CTvSmSheetSetEventsHandler::CTvSmSheetSetEventsHandler(core::WatchTable* table) : m_table(table) {}
 
 CTvSmSheetSetEventsHandler::~CTvSmSheetSetEventsHandler() = default;
+
+void core::WatchEntry::takeFile()
+{
+    const TvString path = database->getFileName();
+    stamp.reset();
+    fileTime = KvFileSystem::getModificationTime(path);
+    isGivenUp = false;
+    if (fileTime == 0)
+        return; // the look would wait for it
+    if (const auto seen = base::lookAt(sm::files(), sm::clock(), path))
+        stamp = *seen;
+}
 
 void CTvSmSheetSetEventsHandler::onEvent(int code, TvSmPersist* object)
 {
@@ -35,12 +49,13 @@ void CTvSmSheetSetEventsHandler::opened(TvSmDatabase& database)
     entry.lockStatus = database.getLockStatus();
     entry.handler = std::make_unique<CTvSmSheetSetEventsHandler>(m_table);
     entry.cookie = database.registerEventHandler(entry.handler.get());
-    entry.fileTime = KvFileSystem::getModificationTime(database.getFileName());
+    entry.takeFile();
     m_table->emplace(&database, std::move(entry));
 }
 
 void CTvSmSheetSetEventsHandler::closing(TvSmDatabase& database)
 {
+    core::sessionDatabaseCloses(&database);
     const auto entry = m_table->find(&database);
     if (entry == m_table->end())
         return;
@@ -50,9 +65,11 @@ void CTvSmSheetSetEventsHandler::closing(TvSmDatabase& database)
 
 void CTvSmSheetSetEventsHandler::lockEnded(TvSmDatabase& database)
 {
-    if (!std::exchange(m_writtenSinceLockEnded, false) || &database != GetCurrentDatabase())
+    if (!std::exchange(m_writtenSinceLockEnded, false))
         return;
+    if (&database != GetCurrentDatabase())
+        return core::sessionDatabaseChanged(&database);
     if (const auto entry = m_table->find(&database); entry != m_table->end())
-        entry->second.fileTime = KvFileSystem::getModificationTime(database.getFileName());
+        entry->second.takeFile();
     RefreshAllPalettes();
 }

@@ -16,14 +16,20 @@ public:
     void ShowSheetSetPalette() override { told.push_back("show"); }
     core::SheetSetPalette* palette(Palette which) override
     {
+        if (list && which == Palette::SheetList)
+            return list;
         return isThere[static_cast<int>(which)] ? &m_palettes[static_cast<int>(which)] : nullptr;
     }
     void AddDstFileToRecentFileList(const TvString& path) override { recent.push_back(path); }
     TvString GetUserLocalApplicationDataTemplatePath() override { return templates; }
+    ed::PaletteSet* paletteSet() override { return palettes; }
+    TvString GetUserRoamingDataPath() override { return roaming; }
 
     std::vector<std::string> told;
     std::vector<TvString> recent;
-    TvString templates;
+    TvString templates, roaming;
+    ed::PaletteSet* palettes = nullptr;
+    core::SheetSetPalette* list = nullptr; ///< in the place of the noting one
     bool isThere[3] = {true, true, true};
 
 private:
@@ -33,8 +39,10 @@ private:
         NotingPalette(NotingHost& host, const char* name) : m_host(host), m_name(name) {}
         void switchDatabase(bool keepState) override
         {
+            m_displayed = GetCurrentDatabase();
             note(keepState ? " switch, keep" : " switch, forget");
         }
+        TvSmDatabase* displayedDatabase() const override { return m_displayed; }
         void reloadDatabase() override { note(" reload"); }
         void refreshLockState() override { note(" lock"); }
 
@@ -42,6 +50,7 @@ private:
         void note(const char* what) { m_host.told.push_back(m_name + std::string(what)); }
         NotingHost& m_host;
         const char* m_name;
+        TvSmDatabase* m_displayed = nullptr; // the manager's
     };
     NotingPalette m_palettes[3] = {{*this, "list"}, {*this, "sheet views"}, {*this, "model views"}};
 };

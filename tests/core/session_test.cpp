@@ -26,6 +26,17 @@ TEST_F(SessionTest, ActivatingTheCurrentOneDoesNothing)
     EXPECT_TRUE(host.told.empty());
 }
 
+TEST_F(SessionTest, ActivatingNullIsNothing)
+{
+    TvSmDatabase* house = made("house.dst");
+    ActivateSheetSet(house);
+    host.told.clear();
+    ActivateSheetSet(nullptr);
+    EXPECT_EQ(GetCurrentDatabase(), house);
+    EXPECT_EQ(GetSessionDatabases(), std::vector{house});
+    EXPECT_TRUE(host.told.empty());
+}
+
 TEST_F(SessionTest, DatabasesStandInTheOrderOfTheirFirstActivation)
 {
     TvSmDatabase* a = made("a.dst");
@@ -90,6 +101,9 @@ TEST_F(SessionTest, PalettesAreToldTheCurrentDatabaseBeforeTheClosedOneGoes)
         }
         void reloadDatabase() override {}
         void refreshLockState() override {}
+        TvSmDatabase* displayedDatabase() const override { return nullptr; }
+        ed::PaletteSet* paletteSet() override { return nullptr; }
+        TvString GetUserRoamingDataPath() override { return {}; }
         TvString path;
         TvSmDatabase* current = nullptr;
         bool wasOpen = false;

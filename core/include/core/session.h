@@ -17,7 +17,7 @@ void SetCurrentDatabase(TvSmDatabase* database);
 const std::vector<TvSmDatabase*>& GetSessionDatabases();
 
 /// Makes @p database the one that the panel shows, and tells the palettes: sheet list, sheet views,
-/// model views. Nothing when it is that already.
+/// model views. Nothing when it is that already, and for null.
 void ActivateSheetSet(TvSmDatabase* database);
 /// Closes the current set. The one that was activated last of the others becomes current, and the
 /// palettes forget how they showed the closed one.
@@ -38,7 +38,40 @@ std::vector<TvString> recentSheetSets();
 void UpdateRecentList(const TvString& path, bool add);
 constexpr int kMostRecent = 10;
 
-/// Lets each palette that is there show the current content.
+/// Lets each palette show the current content, if it is there and the current set is what it shows:
+/// it looks its objects up in the current database, and while that is borrowed
+/// (core::BorrowedDatabase) they would be another set's.
 void RefreshAllPalettes();
 /// Lets each palette that is there show whether the set can be changed.
 void RefreshLockState();
+
+namespace core {
+
+/// Makes another database the current one for a while, and tells nobody: the palettes stay as they
+/// are. For a wizard that needs the rooms that work on the current set.
+class BorrowedDatabase
+{
+public:
+    explicit BorrowedDatabase(TvSmDatabase* database);
+    /// Gives the former one back. What the palettes missed of it meanwhile, they show now.
+    ~BorrowedDatabase();
+    BorrowedDatabase(const BorrowedDatabase&) = delete;
+    BorrowedDatabase& operator=(const BorrowedDatabase&) = delete;
+
+private:
+    friend void sessionDatabaseCloses(TvSmDatabase* database);
+    friend void sessionDatabaseChanged(TvSmDatabase* database);
+    TvSmDatabase* m_former;
+    BorrowedDatabase* m_outer;
+    bool m_hasMissed = false; // the former one's content changed meanwhile
+    bool m_isFormerGone = false;
+};
+
+/// The content of a database was written or read anew: the palettes show it if it is the current
+/// one.
+void sessionDatabaseChanged(TvSmDatabase* database);
+/// A database is being closed by whomever: it leaves the session, if it still is in it, so that
+/// nobody meets a set that is gone.
+void sessionDatabaseCloses(TvSmDatabase* database);
+
+} // namespace core

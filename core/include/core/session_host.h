@@ -2,6 +2,12 @@
 
 #include <base/tv_string.h>
 
+class TvSmDatabase;
+
+namespace ed {
+class PaletteSet;
+}
+
 namespace core {
 
 /// One of the three palettes, as the session knows it.
@@ -16,6 +22,8 @@ public:
     virtual void reloadDatabase() = 0;
     /// Somebody locked or released the current set.
     virtual void refreshLockState() = 0;
+    /// What it shows, as of its last switch; null when nothing.
+    virtual TvSmDatabase* displayedDatabase() const = 0;
 };
 
 /// What the session asks of the program that it runs in. The rooms above supply it; a session
@@ -30,10 +38,14 @@ public:
     virtual void ShowSheetSetPalette() = 0;
     /// Null while that palette was not made yet.
     virtual SheetSetPalette* palette(Palette which) = 0;
+    /// The window that holds the palettes; null while it was not made yet.
+    virtual ed::PaletteSet* paletteSet() = 0;
     /// The program's own list of recent files takes a sheet set in.
     virtual void AddDstFileToRecentFileList(const TvString& path) = 0;
     /// The folder of the user's own templates; empty when there is none.
     virtual TvString GetUserLocalApplicationDataTemplatePath() = 0;
+    /// The folder of what goes with the user from machine to machine; empty when there is none.
+    virtual TvString GetUserRoamingDataPath() = 0;
 };
 
 SessionHost* sessionHost();

@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 
+#include <base/file_ops.h>
 #include <sm/tv_sm_events.h>
 
 class TvSmDatabase;
@@ -13,11 +15,19 @@ namespace core {
 
 /// What is known of an open sheet set, to notice that somebody else changed it.
 struct WatchEntry {
-    TvSmDatabase* database = nullptr;                    // the manager's
-    int cookie = -1;                                     ///< of the database's own handler
-    int lockStatus = 0;                                  ///< as last seen
-    std::uint64_t fileTime = 0;                          ///< last write, in 100 ns; 0: unreadable
+    TvSmDatabase* database = nullptr; // the manager's
+    int cookie = -1;                  ///< of the database's own handler
+    int lockStatus = 0;               ///< as last seen
+    std::uint64_t fileTime = 0;       ///< last write, in 100 ns; 0: unreadable
+    /// The file that was meant by the time: two versions may have one time. None: not known.
+    std::optional<base::FileStamp> stamp;
+    bool isGivenUp = false; ///< the file is gone, and could not be written again
     std::unique_ptr<CTvSmSheetSetEventsHandler> handler; ///< registered under the cookie
+
+    /// Takes time and file over: what is there now is known.
+    void takeFile();
+    /// A set that was made and not saved yet has no file that could go.
+    bool neverHadAFile() const { return fileTime == 0 && !stamp; }
 };
 
 /// All open sheet sets. Entries come and go with the manager's events.
@@ -28,10 +38,21 @@ using WatchTable = std::map<TvSmDatabase*, WatchEntry>;
 /// The one watch table of the module.
 extern core::WatchTable g_watchTable;
 
+/// Looks once at each open sheet set, as the palettes' fast timer does.
+///
+/// A file that is gone is written again from memory (not one that never was there). Another lock
+/// status is noted, and shown if the set is the current one. A file that is another one than last
+/// time, or of another time, is loaded; the palettes show it if the set is the current one. While
+/// the set is locked here an outside change waits.
+/// @note Sets may come and go meanwhile. One look at the disk for each set; nothing is opened where
+/// nothing changed.
+void PollWatchTable();
+
 /// Hears the manager and the databases, and keeps the watch table.
 ///
 /// Our own writes are no outside changes: the time of the file is taken over when the lock ends in
-/// which it was written, and the palettes show the new content.
+/// which it was written, and the palettes show the new content. A lock that had to read the file
+/// afresh, and was ended without a write, leaves the time alone: the next poll shows what it read.
 class CTvSmSheetSetEventsHandler : public TvSmEvents
 {
     TVRX_DECLARE_MEMBERS(CTvSmSheetSetEventsHandler)

@@ -1,0 +1,62 @@
+#include <core/rename_drawing.h>
+
+#include <base/kv_file_system.h>
+#include <core/session.h>
+#include <db/file_open_info_tip_manager.h>
+#include <db/tv_db_database.h>
+#include <ed/tv_ap_doc_manager.h>
+#include <sm/change_scope.h>
+#include <sm/kv_db_util.h>
+
+namespace {
+
+constexpr int kHeldByUs = 1;
+
+bool isOpenHere(const TvString& path)
+{
+    return tvDocManagerPtr() && tvDocManagerPtr()->documentOf(path);
+}
+
+/// Moves the file while nobody can begin to use it.
+bool move(const TvString& oldPath, const TvString& newPath)
+{
+    if (!KvFileSystem::isFileExisting(oldPath) || isOpenHere(oldPath))
+        return false;
+    const TvDbDatabase use(false, true);
+    if (!db::beginUse(use, oldPath, u"rename"))
+        return false;
+    const bool isMoved = KvFileSystem::moveFile(oldPath, newPath);
+    db::endUse(use);
+    return isMoved;
+}
+
+bool repoint(const std::vector<TvSmSheet*>& sheets, const TvString& path)
+{
+    return std::ranges::all_of(sheets, [&](TvSmSheet* sheet) {
+        TvSmTvDbLayoutReference* layout = sheet->getLayoutReference();
+        return layout && layout->setFileName(path);
+    });
+}
+
+} // namespace
+
+bool RenameDrawingOfSheets(const TvString& oldPath, const TvString& newPath)
+{
+    TvSmDatabase* database = GetCurrentDatabase();
+    if (!database || oldPath.isEmpty() || newPath.isEmpty())
+        return false;
+    sm::ChangeScope ours(nullptr);
+    if (database->getLockStatus() != kHeldByUs) {
+        ours = sm::ChangeScope(database);
+        if (!ours)
+            return false;
+    }
+    std::vector<TvSmSheet*> sheets;
+    KvDbUtil::GetAllSheetOfOneDwgInSheetSet(database->getSheetSet(), oldPath.kwszPtr(), sheets);
+    if (!move(oldPath, newPath))
+        return false;
+    if (repoint(sheets, newPath) && (!ours || ours.commit()))
+        return true;
+    KvFileSystem::moveFile(newPath, oldPath);
+    return false;
+}
