@@ -12,14 +12,16 @@ struct Row {
 };
 
 // Ascending by number: looked up by halving.
+// clang-format off
 constexpr Row kEnglish[] = {
 #include "en/module.inc"
-#include "en/program.inc"
 #include "en/reasons.inc"
 #include "en/tool.inc"
 #include "en/tool_drawings.inc"
 #include "en/workspace.inc"
+#include "en/program.inc"
 };
+// clang-format on
 
 struct Language {
     const char* tag;
