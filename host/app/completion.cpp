@@ -49,7 +49,7 @@ Completion complete(const TvString& word, const TvEdCommandStack* commands)
     std::vector<TvString> names = allNames(commands, word.startsWith(u"_"));
     std::erase_if(names, [&](const TvString& name) { return !beginsWith(name, word); });
     std::ranges::stable_sort(names, [](const TvString& left, const TvString& right) {
-        return left.collateNoCase(right) < 0;
+        return left.compareNoCase(right) != 0 && left.collateNoCase(right) < 0;
     });
     const auto last = std::ranges::unique(names, [](const TvString& left, const TvString& right) {
         return left.compareNoCase(right) == 0;
