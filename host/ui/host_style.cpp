@@ -1,0 +1,91 @@
+#include "host_style.h"
+
+#include <QPainter>
+#include <QStyleFactory>
+#include <QStyleOption>
+
+#include "ui/theme.h"
+
+namespace ui {
+
+namespace {
+
+struct PaletteRow {
+    QPalette::ColorRole role;
+    ColorRole color;
+    ColorRole disabled;
+};
+
+// clang-format off
+constexpr PaletteRow kPalette[] = {
+    {QPalette::Window,          ColorRole::Window,     ColorRole::Window},
+    {QPalette::WindowText,      ColorRole::Text,       ColorRole::Disabled},
+    {QPalette::Base,            ColorRole::Base,       ColorRole::Window},
+    {QPalette::AlternateBase,   ColorRole::Window,     ColorRole::Window},
+    {QPalette::Text,            ColorRole::Text,       ColorRole::Disabled},
+    {QPalette::PlaceholderText, ColorRole::DimText,    ColorRole::Disabled},
+    {QPalette::Button,          ColorRole::Raised,     ColorRole::Window},
+    {QPalette::ButtonText,      ColorRole::Text,       ColorRole::Disabled},
+    {QPalette::BrightText,      ColorRole::Bad,        ColorRole::Disabled},
+    {QPalette::Highlight,       ColorRole::Accent,     ColorRole::Raised},
+    {QPalette::HighlightedText, ColorRole::AccentText, ColorRole::Disabled},
+    {QPalette::ToolTipBase,     ColorRole::Tip,        ColorRole::Tip},
+    {QPalette::ToolTipText,     ColorRole::TipText,    ColorRole::TipText},
+    {QPalette::Link,            ColorRole::Link,       ColorRole::Disabled},
+    {QPalette::LinkVisited,     ColorRole::Link,       ColorRole::Disabled},
+    {QPalette::Light,           ColorRole::Hover,      ColorRole::Raised},
+    {QPalette::Midlight,        ColorRole::Raised,     ColorRole::Raised},
+    {QPalette::Mid,             ColorRole::Edge,       ColorRole::Border},
+    {QPalette::Dark,            ColorRole::Edge,       ColorRole::Border},
+    {QPalette::Shadow,          ColorRole::Border,     ColorRole::Border},
+};
+// clang-format on
+
+constexpr double kFocusWidthPx = 2, kFocusRadiusPx = 3;
+
+void drawFocus(const QRect& rect, QPainter& painter)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(color(ColorRole::IconAccent), kFocusWidthPx));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(rect).adjusted(1, 1, -1, -1), kFocusRadiusPx, kFocusRadiusPx);
+    painter.restore();
+}
+
+} // namespace
+
+HostStyle::HostStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
+
+QPalette HostStyle::standardPalette() const
+{
+    QPalette palette;
+    for (const PaletteRow& row : kPalette) {
+        palette.setColor(QPalette::Active, row.role, color(row.color));
+        palette.setColor(QPalette::Inactive, row.role, color(row.color));
+        palette.setColor(QPalette::Disabled, row.role, color(row.disabled));
+    }
+    return palette;
+}
+
+void HostStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
+                              QPainter* painter, const QWidget* widget) const
+{
+    if (element == PE_FrameFocusRect && option)
+        drawFocus(option->rect, *painter);
+    else
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+}
+
+int HostStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                         QStyleHintReturn* result) const
+{
+    switch (hint) {
+    case SH_EtchDisabledText: return 0;  // a shadow behind grey text makes it harder to read
+    case SH_UnderlineShortcut: return 1; // what the keyboard can do is seen, not guessed
+    case SH_Menu_SubMenuPopupDelay: return 150;
+    default: return QProxyStyle::styleHint(hint, option, widget, result);
+    }
+}
+
+} // namespace ui
