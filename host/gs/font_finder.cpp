@@ -1,0 +1,96 @@
+#include "font_finder.h"
+
+#include <memory>
+
+#include <fontconfig/fontconfig.h>
+
+namespace gs {
+
+namespace {
+
+struct PatternEnd {
+    void operator()(FcPattern* pattern) const { FcPatternDestroy(pattern); }
+};
+using Pattern = std::unique_ptr<FcPattern, PatternEnd>;
+
+struct LettersEnd {
+    void operator()(FcCharSet* letters) const { FcCharSetDestroy(letters); }
+};
+using Letters = std::unique_ptr<FcCharSet, LettersEnd>;
+
+// Where no other font is near.
+constexpr char kLastFamily[] = "DejaVu Sans";
+
+void addFamily(const Pattern& pattern, const char* family)
+{
+    FcPatternAddString(pattern.get(), FC_FAMILY, reinterpret_cast<const FcChar8*>(family));
+}
+
+Pattern match(FcConfig* config, const Pattern& wanted)
+{
+    FcConfigSubstitute(config, wanted.get(), FcMatchPattern);
+    FcDefaultSubstitute(wanted.get());
+    FcResult result = FcResultNoMatch;
+    return Pattern(FcFontMatch(config, wanted.get(), &result));
+}
+
+FontFile fileOf(const Pattern& found)
+{
+    FontFile file;
+    FcChar8* path = nullptr;
+    if (!found || FcPatternGetString(found.get(), FC_FILE, 0, &path) != FcResultMatch)
+        return file;
+    file.path = reinterpret_cast<const char*>(path);
+    FcPatternGetInteger(found.get(), FC_INDEX, 0, &file.index);
+    int weight = FC_WEIGHT_REGULAR, slant = FC_SLANT_ROMAN;
+    FcPatternGetInteger(found.get(), FC_WEIGHT, 0, &weight);
+    FcPatternGetInteger(found.get(), FC_SLANT, 0, &slant);
+    file.isBold = weight >= FC_WEIGHT_DEMIBOLD;
+    file.isItalic = slant != FC_SLANT_ROMAN;
+    return file;
+}
+
+} // namespace
+
+// The configuration is the one that other parts of the process use, too; its end is not ours.
+FontFinder::FontFinder() : m_config(FcConfigReference(nullptr)) {}
+
+FontFinder::~FontFinder()
+{
+    if (m_config)
+        FcConfigDestroy(m_config);
+}
+
+FontFile FontFinder::find(const std::string& family, bool isBold, bool isItalic) const
+{
+    const Pattern wanted(m_config ? FcPatternCreate() : nullptr);
+    if (!wanted)
+        return {};
+    if (!family.empty())
+        addFamily(wanted, family.c_str());
+    addFamily(wanted, kLastFamily);
+    FcPatternAddInteger(wanted.get(), FC_WEIGHT, isBold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
+    FcPatternAddInteger(wanted.get(), FC_SLANT, isItalic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
+    FcPatternAddBool(wanted.get(), FC_SCALABLE, FcTrue);
+    return fileOf(match(m_config, wanted));
+}
+
+FontFile FontFinder::withCharacter(char32_t character) const
+{
+    const Pattern wanted(m_config ? FcPatternCreate() : nullptr);
+    const Letters letters(FcCharSetCreate());
+    if (!wanted || !letters)
+        return {};
+    FcCharSetAddChar(letters.get(), character);
+    addFamily(wanted, kLastFamily);
+    FcPatternAddCharSet(wanted.get(), FC_CHARSET, letters.get());
+    FcPatternAddBool(wanted.get(), FC_SCALABLE, FcTrue);
+    const Pattern found = match(m_config, wanted);
+    FcCharSet* has = nullptr; // the pattern's
+    if (!found || FcPatternGetCharSet(found.get(), FC_CHARSET, 0, &has) != FcResultMatch ||
+        !FcCharSetHasChar(has, character))
+        return {};
+    return fileOf(found);
+}
+
+} // namespace gs

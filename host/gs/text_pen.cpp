@@ -1,0 +1,141 @@
+#include "text_pen.h"
+
+#include <algorithm>
+#include <numbers>
+
+#include "text_codes.h"
+
+namespace gs {
+
+namespace {
+
+// Of the height: where the lines at letters run.
+constexpr double kUnderline = -0.22, kOverline = 1.22, kStrike = 0.45;
+// A look that changes with every letter must not make as many parts, nor be searched for long.
+constexpr std::size_t kPartsToSearch = 8;
+
+} // namespace
+
+bool isDrawableHeight(double height)
+{
+    return height >= kSmallestHeight && height <= kLargestHeight;
+}
+
+double soundFactor(double factor, double otherwise)
+{
+    const double size = std::abs(factor);
+    return size >= 1e-4 && size <= 1e4 ? factor : otherwise;
+}
+
+double slantOf(double oblique)
+{
+    if (!std::isfinite(oblique))
+        return 0;
+    constexpr double kSteepest = 85 * std::numbers::pi / 180;
+    return std::tan(
+        std::clamp(std::remainder(oblique, 2 * std::numbers::pi), -kSteepest, kSteepest));
+}
+
+bool isSound(const TvGeMatrix3d& placement)
+{
+    for (const auto& row : placement.entry)
+        for (const double entry : row)
+            if (!(std::abs(entry) <= kFarthestPlace))
+                return false;
+    return true;
+}
+
+LetterWidth TextPen::width(std::u32string_view text, const LetterLook& look)
+{
+    LetterWidth width;
+    for (const char32_t character : text) {
+        const Glyph& g = glyph(look, character);
+        width.advance += g.advance * look.tracking;
+        width.gap = g.gap + g.advance * (look.tracking - 1);
+    }
+    const double unit = look.height * look.widthFactor;
+    return {width.advance * unit, width.gap * unit};
+}
+
+void TextPen::write(std::u32string_view text, const LetterLook& look, TvGePoint2d at,
+                    const FlatMap& frame)
+{
+    letters(text, look, at, frame);
+    linesAt(look, at, at.x + width(text, look).ink(), frame);
+}
+
+void TextPen::letters(std::u32string_view text, const LetterLook& look, TvGePoint2d at,
+                      const FlatMap& frame)
+{
+    const double unit = look.height * look.widthFactor * look.tracking;
+    for (const char32_t character : text) {
+        const Glyph& g = glyph(look, character);
+        letter(g, look, at, frame);
+        at.x += g.advance * unit;
+    }
+}
+
+void TextPen::linesAt(const LetterLook& look, TvGePoint2d at, double end, const FlatMap& frame)
+{
+    const auto lineAt = [&](bool isThere, double height) {
+        const double y = at.y + height * look.height;
+        if (isThere)
+            line({at.x, y}, {end, y}, look.color, frame);
+    };
+    lineAt(look.isUnderlined, kUnderline);
+    lineAt(look.isOverlined, kOverline);
+    lineAt(look.isStruck, kStrike);
+}
+
+void TextPen::letter(const Glyph& glyph, const LetterLook& look, TvGePoint2d at,
+                     const FlatMap& frame)
+{
+    if (glyph.path.isEmpty())
+        return;
+    const double x = look.height * look.widthFactor;
+    const FlatMap place{x, look.slant * look.height, at.x, 0, look.height, at.y};
+    appendMapped(part(glyph.isFilled, look.color), glyph.path, frame * place);
+}
+
+void TextPen::line(TvGePoint2d from, TvGePoint2d to, OwnColor color, const FlatMap& frame)
+{
+    Path& path = part(false, color);
+    path.moveTo(frame * from);
+    path.lineTo(frame * to);
+}
+
+void TextPen::stroke(const Path& path, OwnColor color, const FlatMap& frame)
+{
+    appendMapped(part(false, color), path, frame);
+}
+
+void TextPen::run(std::u32string_view text, TvGePoint2d at, double height, double width,
+                  const FlatMap& frame)
+{
+    const TvGeVector2d along = frame * TvGeVector2d(1, 0);
+    const TvGeVector2d up = frame * TvGeVector2d(0, 1);
+    m_shape.runs.push_back(
+        {utf16Of(text), frame * at, along.normal(), height * up.length(), width * along.length()});
+}
+
+Path& TextPen::part(bool isFilled, OwnColor color)
+{
+    auto& parts = m_shape.parts;
+    const std::size_t first = parts.size() - std::min(parts.size(), kPartsToSearch);
+    for (std::size_t i = parts.size(); i-- > first;)
+        if (parts[i].isFilled == isFilled && parts[i].color == color)
+            return parts[i].path;
+    parts.push_back({{}, isFilled, color});
+    return parts.back().path;
+}
+
+void measureExtents(TextShape& shape)
+{
+    shape.extents = {};
+    for (const TextPart& part : shape.parts)
+        shape.extents.add(boxOf(part.path));
+    if (shape.background)
+        shape.extents.add(boxOf(shape.background->area));
+}
+
+} // namespace gs

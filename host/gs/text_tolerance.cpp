@@ -1,0 +1,121 @@
+#include <algorithm>
+
+#include <db/ge_values.h>
+#include <db/tv_db_symbol_table.h>
+
+#include "gs/text_shape.h"
+#include "text_mtext.h"
+#include "text_setting.h"
+
+namespace gs {
+
+namespace {
+
+constexpr std::size_t kMostRows = 100, kMostCells = 100; // cells of a row
+
+using Cells = std::vector<std::u16string_view>;
+
+/// What lies between @p mark and the next one.
+std::vector<std::u16string_view> split(std::u16string_view text, std::u16string_view mark,
+                                       std::size_t most)
+{
+    std::vector<std::u16string_view> pieces;
+    while (pieces.size() < most) {
+        const auto end = text.find(mark);
+        pieces.push_back(text.substr(0, end));
+        if (end == std::u16string_view::npos)
+            break;
+        text.remove_prefix(end + mark.size());
+    }
+    return pieces;
+}
+
+std::vector<Cells> cellsOf(std::u16string_view text)
+{
+    std::vector<Cells> rows;
+    for (const std::u16string_view line : split(text, u"\n", kMostRows))
+        for (const std::u16string_view row : split(line, u"^J", kMostRows)) {
+            Cells cells = split(row, u"%%v", kMostCells);
+            std::erase_if(cells, [](std::u16string_view cell) { return cell.empty(); });
+            if (rows.size() < kMostRows)
+                rows.push_back(std::move(cells));
+        }
+    return rows;
+}
+
+/// What the dimension style says of frames.
+struct FrameLook {
+    TextStyle style;
+    double height = 0.18;
+    double gap = 0.09; ///< around the text
+    OwnColor text, line;
+};
+
+FrameLook lookOf(const TvDbFcf& tolerance)
+{
+    FrameLook look;
+    const TvDbObjectPointer<TvDbDimStyleTableRecord> record(tolerance.dimensionStyle(),
+                                                            TvDb::kForNotify);
+    if (!record)
+        return look;
+    const db::RecordView fields = record->fields();
+    const double scale = fields.real("DIMSCALE") > 0 ? fields.real("DIMSCALE") : 1;
+    look.style = textStyleOf(record->idOf(fields.handle("DIMTXSTY")));
+    look.height = (look.style.height > 0 ? look.style.height : fields.real("DIMTXT")) * scale;
+    // Below 0 it asks for a box around a dimension's text; here there is one anyway.
+    look.gap = std::abs(fields.real("DIMGAP")) * scale;
+    look.text = OwnColor::fromRecord(fields.structure("DIMCLRT").integer("value"));
+    look.line = OwnColor::fromRecord(fields.structure("DIMCLRD").integer("value"));
+    return look;
+}
+
+/// Writes a cell whose upper left corner is @p corner, and draws its frame; returns its width.
+double writeCell(std::u16string_view cell, const FrameLook& look, TvGePoint2d corner, TextPen& pen,
+                 Fonts& fonts)
+{
+    PieceLook letters;
+    letters.letters.font = &fonts.find(look.style.font);
+    letters.letters.height = look.height;
+    letters.letters.color = look.text;
+    letters.letters.widthFactor = soundFactor(look.style.widthFactor);
+    letters.letters.slant = slantOf(look.style.oblique);
+    TextFrame frame;
+    frame.height = look.height;
+    const ParagraphText text = parsedParagraphs(cell, letters, fonts);
+    TextSetter setter(text, frame, pen);
+    setter.write(FlatMap::moving(corner.x + look.gap, corner.y - look.gap));
+    const double width = setter.size().width + 2 * look.gap;
+    Path box;
+    addRectangle(box,
+                 {corner.x, corner.y - look.height - 2 * look.gap, corner.x + width, corner.y});
+    pen.stroke(box, look.line, {});
+    return width;
+}
+
+} // namespace
+
+TextShape shapeOf(const TvDbFcf& tolerance, Fonts& fonts)
+{
+    TextShape shape;
+    shape.placement = textPlane(tolerance.location(), tolerance.direction(), tolerance.normal());
+    FrameLook look = lookOf(tolerance);
+    if (!isDrawableHeight(look.height) || !isSound(shape.placement))
+        return shape;
+    if (!(look.gap <= kLargestHeight))
+        look.gap = look.height / 2;
+    TextPen pen(shape, fonts);
+    // The first row stands in the middle over the place, the others hang below it.
+    const double rowHeight = look.height + 2 * look.gap;
+    double top = rowHeight / 2;
+    const std::u16string text = std::u16string(tolerance.fields().text("text"));
+    for (const Cells& row : cellsOf(text)) {
+        double x = 0;
+        for (const std::u16string_view cell : row)
+            x += writeCell(cell, look, {x, top}, pen, fonts);
+        top -= rowHeight;
+    }
+    measureExtents(shape);
+    return shape;
+}
+
+} // namespace gs

@@ -1,0 +1,68 @@
+#include <gtest/gtest.h>
+
+#include <gs/flat.h>
+
+#include "shape_painter.h"
+#include "text_samples.h"
+
+namespace {
+
+gs::Font& strokes()
+{
+    return testFonts().find({u"any.shx", false, false, false});
+}
+
+TEST(StrokeFont, HasTheLettersOfEuropesLanguages)
+{
+    for (char32_t c = 0x21; c < 0x180; ++c) {
+        if (c >= 0x7F && c <= 0xA0)
+            continue;
+        const gs::Glyph* glyph = strokes().glyph(c);
+        ASSERT_TRUE(glyph) << std::hex << std::uint32_t(c);
+        EXPECT_FALSE(glyph->isFilled) << std::hex << std::uint32_t(c);
+    }
+    for (char32_t c = 0x391; c <= 0x3C9; ++c)
+        if (c != 0x3A2) {
+            EXPECT_TRUE(strokes().glyph(c)) << std::hex << std::uint32_t(c);
+        }
+    for (char32_t c = 0x410; c <= 0x451; ++c)
+        if (c != 0x450) {
+            EXPECT_TRUE(strokes().glyph(c)) << std::hex << std::uint32_t(c);
+        }
+}
+
+void table(const std::string& name, const std::vector<char32_t>& letters, std::u16string font)
+{
+    constexpr int kColumns = 24;
+    const int rows = (static_cast<int>(letters.size()) + kColumns - 1) / kColumns;
+    ShapePainter painter({0, -1.0 * rows * 2.2, kColumns * 1.6, 0.6}, 34);
+    gs::Font& f = testFonts().find({font, false, false, false});
+    for (std::size_t i = 0; i < letters.size(); ++i)
+        if (const gs::Glyph* glyph = f.glyph(letters[i])) {
+            const double x = static_cast<double>(i % kColumns) * 1.6 + 0.3;
+            const double y = -static_cast<double>(i / kColumns) * 2.2 - 1.3;
+            painter.stroke(glyph->path, gs::FlatMap::moving(x, y));
+        }
+    painter.save(name);
+}
+
+TEST(StrokeFont, SampleTable)
+{
+    std::vector<char32_t> letters;
+    const auto add = [&](char32_t from, char32_t to) {
+        for (char32_t c = from; c <= to; ++c)
+            if (strokes().glyph(c))
+                letters.push_back(c);
+    };
+    add(0x21, 0x17F);
+    table("stroke_latin", letters, u"x.shx");
+    letters.clear();
+    add(0x180, 0xFFFF);
+    table("stroke_other", letters, u"x.shx");
+    letters.clear();
+    for (char32_t c = 'a'; c <= 'z'; ++c)
+        letters.push_back(c);
+    table("stroke_signs", letters, u"gdt.shx");
+}
+
+} // namespace
