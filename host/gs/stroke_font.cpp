@@ -15,7 +15,7 @@ namespace {
 constexpr double kCapital = 12;         // grid units of a capital's height
 constexpr double kLetterGap = 3.2;      // between two letters
 constexpr double kAccentGap = 1.3;      // between a letter and the accent above it
-constexpr double kDot = 0.5;            // radius
+constexpr double kDot = 0.35;           // radius
 constexpr double kQuarter = 0.55228475; // handles of a cubic that comes closest to a quarter circle
 
 /// Reads numbers from strokes; the tables are ours, so what cannot be read ends the letter.

@@ -133,9 +133,9 @@ void measureExtents(TextShape& shape)
 {
     shape.extents = {};
     for (const TextPart& part : shape.parts)
-        shape.extents.add(boxOf(part.path));
+        shape.extents.addBox(boxOf(part.path));
     if (shape.background)
-        shape.extents.add(boxOf(shape.background->area));
+        shape.extents.addBox(boxOf(shape.background->area));
 }
 
 } // namespace gs
