@@ -45,6 +45,7 @@ private:
         TvSmDatabase* displayedDatabase() const override { return m_displayed; }
         void reloadDatabase() override { note(" reload"); }
         void refreshLockState() override { note(" lock"); }
+        void updateUiStyle() override { note(" style"); }
 
     private:
         void note(const char* what) { m_host.told.push_back(m_name + std::string(what)); }

@@ -24,6 +24,8 @@ public:
     virtual void refreshLockState() = 0;
     /// What it shows, as of its last switch; null when nothing.
     virtual TvSmDatabase* displayedDatabase() const = 0;
+    /// The program's theme is another one.
+    virtual void updateUiStyle() {}
 };
 
 /// What the session asks of the program that it runs in. The rooms above supply it; a session
