@@ -143,10 +143,15 @@ Path cutLines(PathView path, const Box& window, double tolerance)
     const auto line = [&](const TvGePoint2d& to) {
         double low = 0, high = 1;
         const TvGeVector2d way = to - at;
+        // Of lines that come from very far, rounding leaves little.
+        const auto within = [&window](const TvGePoint2d& point) {
+            return TvGePoint2d(std::clamp(point.x, window.lowX, window.highX),
+                               std::clamp(point.y, window.lowY, window.highY));
+        };
         if (inside(at, way, window, low, high)) {
             if (!isJoined || low > 0)
-                cut.moveTo(at + way * low);
-            cut.lineTo(high < 1 ? at + way * high : to);
+                cut.moveTo(within(at + way * low));
+            cut.lineTo(high < 1 ? within(at + way * high) : to);
             isJoined = high >= 1;
         } else {
             isJoined = false;

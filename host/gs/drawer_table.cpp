@@ -40,6 +40,16 @@ Drawer drawerFor(std::string_view className)
         {"ARC_DIMENSION", draw::dimension},
         {"LARGE_RADIAL_DIMENSION", draw::dimension},
         {"VIEWPORT", draw::viewport},
+        {"SPLINE", draw::spline},
+        {"HELIX", draw::spline},
+        {"LEADER", draw::leader},
+        {"MULTILEADER", draw::multileader},
+        {"MLINE", draw::mline},
+        {"IMAGE", draw::image},
+        {"WIPEOUT", draw::wipeout},
+        {"PDFUNDERLAY", draw::underlay},
+        {"DWFUNDERLAY", draw::underlay},
+        {"DGNUNDERLAY", draw::underlay},
     };
     const auto at = kDrawers.find(className);
     return at == kDrawers.end() ? nullptr : at->second;

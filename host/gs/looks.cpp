@@ -71,10 +71,10 @@ StoredColor StoredColor::ofIndex(std::int64_t index)
 
 StoredColor StoredColor::of(const db::RecordView& color, db::Version version)
 {
-    const bool isWide = !(version == db::Version::Ac1015 && color.integer("index") != 0);
-    if (!isWide)
-        return ofIndex(color.integer("index"));
     const auto value = static_cast<std::uint32_t>(color.integer("value"));
+    // Old records have the index alone; a few of them the long form, as later ones do.
+    if (version == db::Version::Ac1015 && value == kByLayer << 24)
+        return ofIndex(color.integer("index"));
     switch (value >> 24) {
     case kByLayer: return {Kind::ByLayer, {}};
     case kByBlock: return {Kind::ByBlock, {}};

@@ -11,6 +11,7 @@ namespace {
 constexpr double kNearPixels = 8192;    // around the picture, beyond which paths are cut
 constexpr double kDotPixels = 0.8;      // what is no larger is a dot
 constexpr double kSmallestDetail = 2.5; // pixels
+constexpr double kThinnestPixels = 1.5; // strokes up to this are one pixel wide
 constexpr double kLargestWeightMm = 10;
 constexpr double kWidestPixels = 20000;
 
@@ -27,18 +28,18 @@ Painter::Painter(const DisplayList& list, const View& view, cairo_t* context,
     : m_list(list), m_view(view), m_context(context), m_options(options),
       m_scale(view.pixelsPerUnit), m_left(view.width / 2.0 - view.center.x * view.pixelsPerUnit),
       m_top(view.height / 2.0 + view.center.y * view.pixelsPerUnit),
-      m_near(view.window().grown(kNearPixels / view.pixelsPerUnit))
+      m_near(view.window().grown(kNearPixels / view.pixelsPerUnit)),
+      m_raster(context, options.smooth), m_isRaster(m_raster.isUsable())
 {
     cairo_save(m_context);
     cairo_save(m_context); // the state of the clip that is set
     cairo_new_path(m_context);
-    cairo_set_antialias(m_context, options.smooth ? CAIRO_ANTIALIAS_FAST : CAIRO_ANTIALIAS_NONE);
-    cairo_set_line_cap(m_context, CAIRO_LINE_CAP_ROUND);
-    cairo_set_line_join(m_context, CAIRO_LINE_JOIN_ROUND);
+    setState();
 }
 
 Painter::~Painter()
 {
+    m_raster.end();
     cairo_restore(m_context);
     cairo_restore(m_context);
     cairo_new_path(m_context);
@@ -61,6 +62,7 @@ bool Painter::isNear(const Box& box) const
 
 void Painter::clear()
 {
+    useCairo();
     setRgb(m_context, rgbOf(m_options.background));
     cairo_rectangle(m_context, 0, 0, m_view.width, m_view.height);
     cairo_fill(m_context);
@@ -105,17 +107,9 @@ void Painter::addClips(std::uint32_t number)
     addClips(clip.parent);
     cairo_new_path(m_context);
     if (clip.isRectangle) {
-        Box box;
-        for (const TvGePoint2d& point : m_list.path(clip.path).points)
-            box.add(point);
-        box = box.common(m_near);
-        if (!box.isEmpty()) {
-            // Whole pixels: quicker by far, and the frame of the window hides the difference.
-            const TvGePoint2d low = pixel({box.lowX, box.lowY}),
-                              high = pixel({box.highX, box.highY});
-            const double x = std::floor(low.x), y = std::floor(high.y);
-            cairo_rectangle(m_context, x, y, std::ceil(high.x) - x, std::ceil(low.y) - y);
-        }
+        const Raster::Rectangle area = pixelsOf(clip);
+        cairo_rectangle(m_context, area.left, area.top, std::max(area.right - area.left, 0),
+                        std::max(area.bottom - area.top, 0));
     } else if (isNear(clip.box)) {
         trace(m_list.path(clip.path));
     } else {
@@ -125,24 +119,74 @@ void Painter::addClips(std::uint32_t number)
     cairo_clip(m_context);
 }
 
+// Whole pixels: quicker by far, and the frame of the window hides the difference.
+Raster::Rectangle Painter::pixelsOf(const Clip& clip) const
+{
+    Box box;
+    for (const TvGePoint2d& point : m_list.path(clip.path).points)
+        box.add(point);
+    box = box.common(m_near);
+    if (box.isEmpty())
+        return {};
+    const TvGePoint2d low = pixel({box.lowX, box.lowY}), high = pixel({box.highX, box.highY});
+    return {static_cast<int>(std::floor(low.x)), static_cast<int>(std::floor(high.y)),
+            static_cast<int>(std::ceil(high.x)), static_cast<int>(std::ceil(low.y))};
+}
+
+std::optional<Raster::Rectangle> Painter::scissorsOf(std::uint32_t number) const
+{
+    Raster::Rectangle scissors = m_raster.whole();
+    for (; number != Item::kNoClip; number = m_list.clips()[number].parent) {
+        const Clip& clip = m_list.clips()[number];
+        if (!clip.isRectangle)
+            return std::nullopt;
+        scissors = scissors.common(pixelsOf(clip));
+    }
+    return scissors;
+}
+
 void Painter::useClip(std::uint32_t clip)
 {
-    if (clip == m_clip)
+    m_clip = clip;
+    if (!m_raster.isUsable())
         return;
-    cairo_restore(m_context);
-    cairo_save(m_context);
+    const auto scissors = scissorsOf(clip);
+    m_isRaster = scissors.has_value();
+    if (scissors)
+        m_raster.setScissors(*scissors);
+}
+
+void Painter::setState()
+{
     cairo_set_antialias(m_context, m_options.smooth ? CAIRO_ANTIALIAS_FAST : CAIRO_ANTIALIAS_NONE);
     cairo_set_line_cap(m_context, CAIRO_LINE_CAP_ROUND);
     cairo_set_line_join(m_context, CAIRO_LINE_JOIN_ROUND);
+}
+
+void Painter::useCairo()
+{
+    m_raster.end();
+    if (m_clip == m_cairoClip)
+        return;
+    cairo_restore(m_context);
+    cairo_save(m_context);
+    setState();
     m_color = ~std::uint64_t(0);
-    m_clip = clip;
-    addClips(clip);
+    m_cairoClip = m_clip;
+    addClips(m_clip);
+}
+
+void Painter::useRaster(const Item& item)
+{
+    m_raster.begin();
+    m_raster.setColor(rgbOf(item.color, m_options.background), item.alpha);
 }
 
 // Items
 
 void Painter::useColor(const Item& item)
 {
+    useCairo();
     const std::uint32_t rgb = rgbOf(item.color, m_options.background);
     const std::uint64_t wanted = std::uint64_t(item.alpha) << 32 | rgb;
     if (wanted == m_color)
@@ -234,10 +278,75 @@ void Painter::fill(const Item& item)
     cairo_fill(m_context);
 }
 
+template <class Line>
+void Painter::walk(PathView path, bool isArea, const Line& line) const
+{
+    constexpr int kMostChords = 64;
+    TvGePoint2d start, at;
+    std::size_t index = 0;
+    const auto next = [&] { return pixel(path.points[index++]); };
+    const auto lineTo = [&](const TvGePoint2d& to) {
+        line(at, to);
+        at = to;
+    };
+    for (const Path::Verb verb : path.verbs)
+        switch (verb) {
+        case Path::Verb::Move:
+            if (isArea && index > 0)
+                lineTo(start);
+            start = at = next();
+            break;
+        case Path::Verb::Line: lineTo(next()); break;
+        case Path::Verb::Curve: {
+            const TvGePoint2d from = at, a = next(), b = next(), to = next();
+            const TvGeVector2d chord = to - from;
+            const double bulge = std::max((a - (from + chord * (1.0 / 3))).length(),
+                                          (b - (from + chord * (2.0 / 3))).length());
+            // Chords leave the curve by less than a quarter of a pixel.
+            const int chords = static_cast<int>(
+                std::clamp(std::ceil(std::sqrt(bulge * 3)), 1.0, double(kMostChords)));
+            for (int i = 1; i < chords; ++i) {
+                const double t = double(i) / chords, s = 1 - t;
+                const double f = s * s * s, g = 3 * s * s * t, h = 3 * s * t * t, k = t * t * t;
+                lineTo({from.x * f + a.x * g + b.x * h + to.x * k,
+                        from.y * f + a.y * g + b.y * h + to.y * k});
+            }
+            lineTo(to);
+            break;
+        }
+        case Path::Verb::Close: lineTo(start); break;
+        }
+    if (isArea && index > 0)
+        lineTo(start);
+}
+
+void Painter::strokeThin(const Item& item, PathView path)
+{
+    useRaster(item);
+    walk(path, false,
+         [this](const TvGePoint2d& from, const TvGePoint2d& to) { m_raster.line(from, to); });
+}
+
+void Painter::fillSmall(const Item& item)
+{
+    useRaster(item);
+    const TvGePoint2d low = pixel({item.box.lowX, item.box.highY}),
+                      high = pixel({item.box.highX, item.box.lowY});
+    m_raster.startArea({low.x, low.y, high.x, high.y});
+    walk(m_list.path(item.path), true,
+         [this](const TvGePoint2d& from, const TvGePoint2d& to) { m_raster.edge(from, to); });
+    m_raster.finishArea();
+}
+
 void Painter::drawDot(const Item& item)
 {
-    useColor(item);
     const TvGePoint2d at = pixel(item.box.center());
+    if (m_isRaster) {
+        useRaster(item);
+        m_raster.pixel(at);
+        return;
+    }
+    useColor(item);
     cairo_rectangle(m_context, std::floor(at.x), std::floor(at.y), 1, 1);
     cairo_fill(m_context);
 }
@@ -245,11 +354,20 @@ void Painter::drawDot(const Item& item)
 void Painter::drawBar(const Item& item)
 {
     constexpr double kCovered = 0.4; // by letters, of the box around them
-    const std::uint32_t rgb = rgbOf(item.color, m_options.background);
-    setRgb(m_context, rgb, item.alpha / 255.0 * kCovered);
-    m_color = ~std::uint64_t(0);
     const Box box = item.box.common(m_near);
     const TvGePoint2d low = pixel({box.lowX, box.lowY}), high = pixel({box.highX, box.highY});
+    if (m_isRaster) {
+        useRaster(item);
+        const auto whole = [](double number) { return static_cast<int>(std::lround(number)); };
+        const Raster::Rectangle area{whole(low.x), whole(high.y),
+                                     std::max(whole(high.x), whole(low.x) + 1),
+                                     std::max(whole(low.y), whole(high.y) + 1)};
+        m_raster.rectangle(area, static_cast<std::uint32_t>(kCovered * 255));
+        return;
+    }
+    useCairo();
+    setRgb(m_context, rgbOf(item.color, m_options.background), item.alpha / 255.0 * kCovered);
+    m_color = ~std::uint64_t(0);
     cairo_rectangle(m_context, low.x, high.y, high.x - low.x, low.y - high.y);
     cairo_fill(m_context);
 }
@@ -299,12 +417,20 @@ void Painter::draw(const Item& item)
         return;
     }
     const bool isCoarse = item.detail > 0 && item.detail * m_scale < kSmallestDetail;
-    if (item.kind == Item::Kind::Stroke)
-        stroke(item, m_list.path(item.dashed.verbCount == 0 || isCoarse ? item.path : item.dashed));
-    else if (isCoarse)
+    if (item.kind == Item::Kind::Stroke) {
+        const PathRange& range = item.dashed.verbCount == 0 || isCoarse ? item.path : item.dashed;
+        if (m_isRaster && strokeWidth(item) <= kThinnestPixels)
+            strokeThin(item, m_list.path(range));
+        else
+            stroke(item, m_list.path(range));
+    } else if (isCoarse) {
         drawBar(item);
-    else
+    } else if (m_isRaster && item.kind == Item::Kind::Fill &&
+               Raster::isSmall(item.box.width() * m_scale, item.box.height() * m_scale)) {
+        fillSmall(item);
+    } else {
         fill(item);
+    }
 }
 
 } // namespace gs

@@ -4,6 +4,8 @@
 
 #include <gs/player.h>
 
+#include "raster.h"
+
 namespace gs {
 
 /// Draws single items of a list into a cairo context.
@@ -27,6 +29,13 @@ public:
 
 private:
     void useClip(std::uint32_t clip);
+    /// The scissors for the clip and its parents; nullopt when one is no rectangle.
+    std::optional<Raster::Rectangle> scissorsOf(std::uint32_t clip) const;
+    Raster::Rectangle pixelsOf(const Clip& clip) const;
+    /// From here on cairo draws, with the clip that is set; or the raster does.
+    void useCairo();
+    void useRaster(const Item& item);
+    void setState();
     void addClips(std::uint32_t clip);
     void useColor(const Item& item);
     /// @param place  from the path's points to pixels.
@@ -35,6 +44,12 @@ private:
     void trace(PathView path);
     void traceCut(const Path& path);
     void stroke(const Item& item, PathView path);
+    /// Calls @p line with the ends of each line of a path, curves as chords, in pixels.
+    /// @param isArea  every subpath is closed.
+    template <class Line>
+    void walk(PathView path, bool isArea, const Line& line) const;
+    void strokeThin(const Item& item, PathView path);
+    void fillSmall(const Item& item);
     void fill(const Item& item);
     void drawEndless(const Item& item);
     void drawMarker(const Item& item);
@@ -56,8 +71,10 @@ private:
     const PlayOptions& m_options;
     double m_scale, m_left, m_top;
     Box m_near; // in the list's units
-    std::uint32_t m_clip = Item::kNoClip;
-    bool m_isClipEmpty = false;
+    Raster m_raster;
+    bool m_isRaster;                           // may be used with the clip that is set
+    std::uint32_t m_clip = Item::kNoClip;      // of the item that is drawn
+    std::uint32_t m_cairoClip = Item::kNoClip; // that cairo has
     std::uint64_t m_color = ~std::uint64_t(0); // that is set
 };
 
