@@ -3,6 +3,7 @@
 
 #include "convert_data.h"
 #include "db/group_items.h"
+#include "db/mtext_columns.h"
 
 namespace db {
 
@@ -15,12 +16,7 @@ constexpr int kType = 75, kAutoHeight = 79, kCount = 76, kReversed = 78, kWidth 
               kHeights = 50;
 constexpr std::int64_t kDataVersion = 4, kDynamic = 2;
 
-struct Columns {
-    std::int64_t type = 0, count = 0;
-    bool hasAutoHeight = false, isReversed = false;
-    double width = 0, gutter = 0;
-    std::vector<double> heights;
-};
+using Columns = MTextColumns;
 
 // The list of columns in the items of one application, from its begin to its end.
 struct Found {
@@ -176,6 +172,29 @@ void putOutside(Record& mtext, std::uint64_t application)
 }
 
 } // namespace
+
+MTextColumns mtextColumns(const RecordView& fields)
+{
+    MTextColumns columns;
+    columns.type = fields.integer("columns");
+    columns.count = fields.integer("n_heights");
+    columns.hasAutoHeight = fields.flag("auto_height");
+    columns.isReversed = fields.flag("reversed");
+    columns.width = fields.real("col_width");
+    columns.gutter = fields.real("gutter");
+    const ArrayView heights = fields.array("heights");
+    for (std::uint32_t i = 0; i < heights.size(); ++i)
+        columns.heights.push_back(heights.real(i));
+    return columns;
+}
+
+MTextColumns mtextColumns(const Record& mtext)
+{
+    if (mtext.integer("columns") != 0)
+        return mtextColumns(mtext.fields());
+    const Found found = findColumns(mtext);
+    return found.isFound ? found.columns : MTextColumns();
+}
 
 void convertColumns(Record& mtext, const Step& step, std::uint64_t acadApplication)
 {

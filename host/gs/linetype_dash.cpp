@@ -10,7 +10,10 @@ namespace gs {
 
 namespace {
 
-constexpr int kChords = 32; // of a curve
+// Of a curve: 64 are off a quarter circle by 1/13,000 of its radius.
+constexpr std::size_t kMostChords = 64, kFewestChords = 4;
+// Of all curves of a path; when there are more curves, each gets fewer.
+constexpr std::size_t kChordsOfPath = 1'000'000;
 
 /// A stretch of chords that is dashed in one go.
 struct Stretch {
@@ -25,11 +28,11 @@ struct Stretch {
     double length() const { return at.empty() ? 0 : at.back(); }
 };
 
-void addCurve(Stretch& to, const TvGePoint2d* handles)
+void addCurve(Stretch& to, const TvGePoint2d* handles, std::size_t chords)
 {
     const TvGePoint2d from = to.points.back();
-    for (int i = 1; i <= kChords; ++i) {
-        const double t = static_cast<double>(i) / kChords, s = 1 - t;
+    for (std::size_t i = 1; i <= chords; ++i) {
+        const double t = static_cast<double>(i) / static_cast<double>(chords), s = 1 - t;
         const double a = s * s * s, b = 3 * s * s * t, c = 3 * s * t * t, d = t * t * t;
         to.add({a * from.x + b * handles[0].x + c * handles[1].x + d * handles[2].x,
                 a * from.y + b * handles[0].y + c * handles[1].y + d * handles[2].y});
@@ -42,6 +45,10 @@ std::vector<Stretch> stretchesOf(const Path& path, bool continuesOverCorners)
 {
     std::vector<Stretch> stretches;
     const TvGePoint2d* point = path.points().data();
+    const auto curves = static_cast<std::size_t>(
+        std::count(path.verbs().begin(), path.verbs().end(), Path::Verb::Curve));
+    const std::size_t chords =
+        std::clamp(kChordsOfPath / std::max<std::size_t>(curves, 1), kFewestChords, kMostChords);
     TvGePoint2d first, last;
     Path::Verb before = Path::Verb::Move;
     const auto begin = [&](Path::Verb verb) {
@@ -67,7 +74,7 @@ std::vector<Stretch> stretchesOf(const Path& path, bool continuesOverCorners)
             break;
         case Path::Verb::Curve:
             begin(verb);
-            addCurve(stretches.back(), point);
+            addCurve(stretches.back(), point, chords);
             point += 3;
             last = point[-1];
             break;

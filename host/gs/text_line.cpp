@@ -192,7 +192,7 @@ TextShape shapeOf(const TvDbText& text, Fonts& fonts)
 {
     if (const db::RecordView paragraphs = paragraphsOf(text))
         if (!paragraphs.text("text").empty())
-            return mtextShape(paragraphs, text.database(), fonts);
+            return mtextShape(paragraphs, text.database(), fonts, db::mtextColumns(paragraphs));
     return lineShape(text, text.fields().text("text"), fonts);
 }
 

@@ -14,49 +14,48 @@ namespace {
 
 // "bg_flags"
 enum : std::int64_t { kFilled = 1, kPaperColor = 2, kFramed = 16 };
-// "columns"
-enum : std::int64_t { kStatic = 1, kDynamic = 2 };
-constexpr std::int64_t kExact = 2; // "line_style"
-constexpr std::uint32_t kMostColumns = 1000;
+constexpr std::int64_t kStatic = 1; // columns: a fixed number
+constexpr std::int64_t kExact = 2;  // "line_style"
+constexpr std::size_t kMostColumns = 1000;
 
 double soundLength(double length)
 {
     return length > 0 && length <= kLargestHeight ? length : 0;
 }
 
-MTextColumns columnsOf(const db::RecordView& fields)
+void setColumns(const db::MTextColumns& columns, double definedHeight, TextFrame& frame)
 {
-    MTextColumns columns;
-    const std::int64_t kind = fields.integer("columns");
-    if (kind != kStatic && kind != kDynamic)
-        return columns;
-    columns.isStatic = kind == kStatic;
-    columns.hasAutoHeight = fields.flag("auto_height");
-    columns.isReversed = fields.flag("reversed");
-    columns.count = static_cast<std::uint32_t>(
-        std::clamp<std::int64_t>(fields.integer("n_heights"), 1, kMostColumns));
-    columns.width = fields.real("col_width");
-    columns.gutter = fields.real("gutter");
-    const db::ArrayView heights = fields.array("heights");
-    for (std::uint32_t i = 0; i < std::min(heights.size(), kMostColumns); ++i)
-        columns.heights.push_back(heights.real(i));
-    return columns;
-}
-
-void setColumns(const MTextColumns& columns, double definedHeight, TextFrame& frame)
-{
-    if (columns.count == 0 || soundLength(columns.width) == 0)
+    if (columns.type == 0 || soundLength(columns.width) == 0)
         return;
+    const bool isStatic = columns.type == kStatic;
     frame.width = columns.width;
     frame.gutter = columns.gutter >= 0 && columns.gutter <= kLargestHeight ? columns.gutter : 0;
     frame.isReversed = columns.isReversed;
-    if (!columns.isStatic && !columns.hasAutoHeight) {
-        for (const double height : columns.heights)
-            frame.columnHeights.push_back(soundLength(height) > 0 ? height : frame.height);
+    if (!isStatic && !columns.hasAutoHeight) {
+        for (std::size_t i = 0; i < std::min(columns.heights.size(), kMostColumns); ++i)
+            frame.columnHeights.push_back(std::max(soundLength(columns.heights[i]), frame.height));
     } else if (const double height = soundLength(definedHeight); height > 0) {
-        frame.columnHeights.assign(columns.isStatic ? columns.count : 1, height);
-        frame.hasMoreColumns = !columns.isStatic;
+        const auto most = static_cast<std::int64_t>(kMostColumns);
+        const std::int64_t count = std::clamp<std::int64_t>(columns.count, 1, most);
+        frame.columnHeights.assign(isStatic ? static_cast<std::size_t>(count) : 1, height);
+        frame.hasMoreColumns = !isStatic;
     }
+}
+
+/// The text of a leader names its fields in its own way.
+db::MTextColumns leaderColumns(const db::RecordView& fields)
+{
+    db::MTextColumns columns;
+    columns.type = fields.integer("columns");
+    columns.count = fields.integer("n_cols");
+    columns.hasAutoHeight = fields.flag("auto_height");
+    columns.isReversed = fields.flag("col_reversed");
+    columns.width = fields.real("col_width");
+    columns.gutter = fields.real("col_gutter");
+    const db::ArrayView heights = fields.array("col_sizes");
+    for (std::uint32_t i = 0; i < heights.size(); ++i)
+        columns.heights.push_back(heights.real(i));
+    return columns;
 }
 
 Alignment alignmentOf(int attachment)
@@ -128,7 +127,7 @@ TextShape mtextShape(std::u16string_view contents, const MTextLook& look, Fonts&
 }
 
 TextShape mtextShape(const db::RecordView& fields, TvDbDatabase* database, Fonts& fonts,
-                     const MTextColumns* columns)
+                     const db::MTextColumns& columns)
 {
     MTextLook look;
     look.style = textStyleOf(database ? database->find(fields.handle("style")) : TvDbObjectId());
@@ -139,7 +138,7 @@ TextShape mtextShape(const db::RecordView& fields, TvDbDatabase* database, Fonts
     look.attachment = static_cast<int>(fields.integer("attachment"));
     look.spacing = fields.real("line_factor");
     look.isExact = fields.integer("line_style") == kExact;
-    look.columns = columns ? *columns : columnsOf(fields);
+    look.columns = columns;
     const std::int64_t flags = fields.integer("bg_flags");
     look.isFilled = (flags & (kFilled | kPaperColor)) != 0;
     look.usesPaperColor = (flags & kPaperColor) != 0;
@@ -155,7 +154,7 @@ TextShape mtextShape(const db::RecordView& fields, TvDbDatabase* database, Fonts
 
 TextShape shapeOf(const TvDbMText& text, Fonts& fonts)
 {
-    return mtextShape(text.fields(), text.database(), fonts, nullptr);
+    return mtextShape(text.fields(), text.database(), fonts, db::mtextColumns(text.record()));
 }
 
 TextShape shapeOf(const TvDbMLeader& leader, Fonts& fonts)
@@ -172,6 +171,7 @@ TextShape shapeOf(const TvDbMLeader& leader, Fonts& fonts)
     look.attachment = static_cast<int>(std::clamp<std::int64_t>(fields.integer("alignment"), 1, 3));
     look.spacing = fields.real("line_factor");
     look.isExact = fields.integer("line_style") == kExact;
+    look.columns = leaderColumns(fields);
     look.isFilled = fields.flag("bg_fill");
     look.usesPaperColor = fields.flag("bg_mask");
     look.hasFrame = leader.fields().flag("text_frame");

@@ -1,23 +1,12 @@
 #pragma once
 
-#include <vector>
-
+#include <db/mtext_columns.h>
 #include <db/tv_db_database.h>
 
 #include "gs/text_shape.h"
 #include "text_style.h"
 
 namespace gs {
-
-/// Columns of a text. Lengths in drawing units.
-struct MTextColumns {
-    std::uint32_t count = 0; ///< 0: none
-    bool isStatic = false;   ///< a fixed number of columns of equal height
-    bool hasAutoHeight = false;
-    bool isReversed = false;
-    double width = 0, gutter = 0;
-    std::vector<double> heights; ///< of columns that have no automatic height
-};
 
 /// Everything but the text itself.
 struct MTextLook {
@@ -28,7 +17,7 @@ struct MTextLook {
     int attachment = 1;       ///< 1 to 9, from the top left to the bottom right
     double spacing = 1;
     bool isExact = false;
-    MTextColumns columns;
+    db::MTextColumns columns;
     bool isFilled = false, usesPaperColor = false, hasFrame = false;
     double backgroundScale = 1.5;
     OwnColor background;
@@ -39,9 +28,8 @@ TextShape mtextShape(std::u16string_view contents, const MTextLook& look, Fonts&
 
 /// The shape of paragraphs in a record with the fields of an MTEXT.
 /// @param database  that its text style is in; null: the style does not count.
-/// @param columns   in place of the record's; null: the record's.
 TextShape mtextShape(const db::RecordView& fields, TvDbDatabase* database, Fonts& fonts,
-                     const MTextColumns* columns = nullptr);
+                     const db::MTextColumns& columns);
 
 /// The plane of a text: x along @p direction, z along @p normal.
 TvGeMatrix3d textPlane(const TvGePoint3d& origin, const TvGeVector3d& direction,
