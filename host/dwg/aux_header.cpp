@@ -6,13 +6,12 @@ namespace dwg {
 
 namespace {
 
-constexpr std::size_t kSavesAt = 0x07;
-
-// The places shift by six bytes in one of the two forms of 2018.
+// In one of the two forms of 2018 three numbers are wider by two bytes, the first of them before
+// the count of saves: what follows them shifts.
 struct AuxLayout {
-    std::size_t updateAt, seedAt, savesAgainAt;
+    std::size_t savesAt, updateAt, seedAt, savesAgainAt;
 };
-constexpr AuxLayout kLayouts[] = {{0x47, 0x4F, 0x67}, {0x4D, 0x55, 0x6D}};
+constexpr AuxLayout kLayouts[] = {{0x07, 0x47, 0x4F, 0x67}, {0x09, 0x4D, 0x55, 0x6D}};
 
 DateStamp updateOf(const HeaderVariables& variables)
 {
@@ -31,9 +30,12 @@ const AuxLayout* layoutOf(Bytes bytes, const HeaderVariables& variables)
 
 } // namespace
 
-std::uint32_t saveCountOf(Bytes auxHeader)
+std::optional<std::uint32_t> saveCountOf(Bytes auxHeader, const HeaderVariables& variables)
 {
-    return auxHeader.size() >= kSavesAt + 4 ? readU32(auxHeader.data() + kSavesAt) : 0;
+    const AuxLayout* layout = layoutOf(auxHeader, variables);
+    if (!layout)
+        return std::nullopt;
+    return readU32(auxHeader.data() + layout->savesAt);
 }
 
 void updateAuxHeader(std::vector<std::uint8_t>& auxHeader, const HeaderVariables& before,
@@ -47,10 +49,10 @@ void updateAuxHeader(std::vector<std::uint8_t>& auxHeader, const HeaderVariables
     const DateStamp update = updateOf(after);
     putU32(bytes + layout->updateAt, update.day);
     putU32(bytes + layout->updateAt + 4, update.milliseconds);
-    const std::uint32_t saves = saveCountOf(auxHeader);
+    const std::uint32_t saves = readU32(bytes + layout->savesAt);
     if (readU32(bytes + layout->savesAgainAt) == saves)
         putU32(bytes + layout->savesAgainAt, saves + 1);
-    putU32(bytes + kSavesAt, saves + 1);
+    putU32(bytes + layout->savesAt, saves + 1);
 }
 
 } // namespace dwg

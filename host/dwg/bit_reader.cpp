@@ -7,6 +7,9 @@ namespace dwg {
 
 std::uint64_t BitReader::tail(std::size_t at) const
 {
+    // Handles end a record: from its last eight bytes, without a loop, where it has as many.
+    if (m_size >= 8 && at < m_size)
+        return wordAt(m_bytes + m_size - 8) << 8 * (8 - (m_size - at));
     std::uint64_t word = 0;
     unsigned shift = 56;
     for (; at < m_size && shift < 64; ++at, shift -= 8)

@@ -291,7 +291,8 @@ bool CodedContainer::unpackPage(std::size_t section, std::size_t page,
     const auto packed = packedBytes(m_descriptors[section], place);
     if (place.packedSize < place.size)
         return unpack2007(packed, out);
-    std::copy_n(packed.begin(), std::min<std::size_t>(packed.size(), out.size()), out.begin());
+    std::fill(std::copy_n(packed.begin(), std::min(packed.size(), out.size()), out.begin()),
+              out.end(), std::uint8_t(0));
     return true;
 }
 

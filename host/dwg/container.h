@@ -86,10 +86,11 @@ public:
     /// it, holds a section in the very bytes that this one has it in, so that both unpack to the
     /// same. False says nothing.
     virtual bool sameSection(std::string_view, const Container&) const { return false; }
-    /// The same of the objects between two places.
-    virtual bool sameObjectArea(std::uint64_t, std::uint64_t, const Container&) const
+    /// The same of the objects: how far the area is, from @p offset on, in the very bytes that
+    /// @p other has it in. Beyond everything when nothing behind differs; @p offset says nothing.
+    virtual std::uint64_t sameObjectsUntil(std::uint64_t offset, const Container&) const
     {
-        return false;
+        return offset;
     }
     /// Adds findings about every page and checksum of the shell itself.
     virtual void checkAll() = 0;

@@ -4,6 +4,12 @@
 
 namespace dwg {
 
+namespace {
+
+constexpr std::uint64_t kNoEnd = ~std::uint64_t(0);
+
+} // namespace
+
 void LazySections::addSection(std::string name, std::uint64_t size, std::vector<PageRange> pages)
 {
     std::uint64_t room = std::max<std::uint64_t>(size, 1);
@@ -27,6 +33,12 @@ base::Status LazySections::findObjects()
 std::size_t LazySections::firstPageReaching(std::size_t section, std::uint64_t offset) const
 {
     const auto& pages = m_pages[section];
+    // Mostly all are of one size, and none is left out.
+    const std::uint64_t size = pages.empty() ? 0 : pages.front().size;
+    const std::uint64_t guess = size != 0 ? offset / size : 0;
+    if (guess < pages.size() && pages[guess].offset <= offset && offset < pages[guess].end() &&
+        (guess == 0 || pages[guess - 1].end() <= offset))
+        return guess;
     const auto found = std::partition_point(
         pages.begin(), pages.end(), [&](const PageRange& page) { return page.end() <= offset; });
     return static_cast<std::size_t>(found - pages.begin());
@@ -50,18 +62,29 @@ base::Status LazySections::unpackOne(std::size_t section, std::size_t page)
             m_findings.push_back({FindingKind::PageChecksum, name, range.number});
         range.state = isWhole ? PageState::Unpacked : PageState::Damaged;
         m_unpackedBytes += range.size;
-        if (!isWhole)
+        if (!isWhole) {
+            std::fill(out.begin(), out.end(), std::uint8_t(0));
             m_findings.push_back({FindingKind::PageUnreadable, name, range.number});
+        }
     }
     return range.state == PageState::Damaged ? sectionDamaged(name) : base::Status();
 }
 
+// What no one asks for costs nothing: memory of the system is made as it is touched. Only what no
+// page fills must be zero.
+base::LargeMemory LazySections::bufferFor(std::size_t section) const
+{
+    std::uint64_t filled = 0;
+    for (const PageRange& page : m_pages[section])
+        filled = page.offset <= filled ? std::max(filled, page.end()) : filled;
+    return base::makeLargeMemory(m_bufferSizes[section], filled < m_bufferSizes[section]);
+}
+
 base::Status LazySections::unpackRange(std::size_t section, std::uint64_t begin, std::uint64_t end)
 {
-    // Zeroed by the system as pages of it are touched: what no one asks for costs nothing.
     auto& buffer = m_buffers[section];
     if (!buffer)
-        buffer.reset(static_cast<std::uint8_t*>(std::calloc(m_bufferSizes[section], 1)));
+        buffer = bufferFor(section);
     if (!buffer)
         return {base::Failure::TooLarge, base::Reason::DwgUnpacksTooLarge};
     for (std::size_t page = firstPageReaching(section, begin);
@@ -118,24 +141,23 @@ void LazySections::checkAll()
             (void)unpacked(i, page); // what is wrong with it is among the findings then
 }
 
-bool LazySections::samePages(std::size_t mine, std::size_t theirs, const LazySections& other,
-                             std::uint64_t begin, std::uint64_t end) const
+// Where the first page begins that is not the same in both, and not before @p offset.
+std::uint64_t LazySections::samePagesUntil(std::size_t mine, std::size_t theirs,
+                                           const LazySections& other, std::uint64_t offset) const
 {
     const auto& a = m_pages[mine];
     const auto& b = other.m_pages[theirs];
-    std::size_t i = firstPageReaching(mine, begin), k = other.firstPageReaching(theirs, begin);
-    for (; i < a.size() && a[i].offset < end; ++i, ++k) {
-        if (k >= b.size() || a[i].offset != b[k].offset || a[i].size != b[k].size)
-            return false;
-        const SamePage pair{this, theirs, k, mine, i};
-        if (pair == other.m_lastSame)
-            continue;
+    std::size_t i = firstPageReaching(mine, offset), k = other.firstPageReaching(theirs, offset);
+    for (; i < a.size() && k < b.size(); ++i, ++k) {
+        if (a[i].offset != b[k].offset || a[i].size != b[k].size)
+            break;
         const Bytes bytes = diskBytes(mine, i), others = other.diskBytes(theirs, k);
         if (bytes.empty() || !std::equal(bytes.begin(), bytes.end(), others.begin(), others.end()))
-            return false;
-        other.m_lastSame = pair;
+            break;
     }
-    return k >= b.size() || b[k].offset >= end;
+    const std::uint64_t mineAt = i < a.size() ? a[i].offset : kNoEnd;
+    const std::uint64_t theirsAt = k < b.size() ? b[k].offset : kNoEnd;
+    return std::max(offset, std::min(mineAt, theirsAt));
 }
 
 bool LazySections::sameSection(std::string_view name, const Container& other) const
@@ -143,15 +165,13 @@ bool LazySections::sameSection(std::string_view name, const Container& other) co
     const std::size_t mine = indexOf(name), theirs = other.indexOf(name);
     return mine < m_sections.size() && theirs < other.sections().size() &&
            m_sections[mine].size == other.sections()[theirs].size &&
-           samePages(mine, theirs, static_cast<const LazySections&>(other), 0,
-                     m_sections[mine].size);
+           samePagesUntil(mine, theirs, static_cast<const LazySections&>(other), 0) == kNoEnd;
 }
 
-bool LazySections::sameObjectArea(std::uint64_t offset, std::uint64_t size,
-                                  const Container& other) const
+std::uint64_t LazySections::sameObjectsUntil(std::uint64_t offset, const Container& other) const
 {
     const auto& lazy = static_cast<const LazySections&>(other);
-    return samePages(m_objects, lazy.m_objects, lazy, offset, offset + size);
+    return samePagesUntil(m_objects, lazy.m_objects, lazy, offset);
 }
 
 } // namespace dwg

@@ -1,15 +1,10 @@
 #pragma once
 
-#include <cstdlib>
-#include <memory>
+#include <base/large_memory.h>
 
 #include "container.h"
 
 namespace dwg {
-
-struct FreeBytes {
-    void operator()(std::uint8_t* bytes) const { std::free(bytes); }
-};
 
 /// Sections that are cut into pages, each page unpacked when its bytes are asked for.
 ///
@@ -32,8 +27,7 @@ public:
     base::Result<Bytes> objectArea(std::uint64_t offset, std::uint64_t size) override;
     void checkAll() override;
     bool sameSection(std::string_view name, const Container& other) const override;
-    bool sameObjectArea(std::uint64_t offset, std::uint64_t size,
-                        const Container& other) const override;
+    std::uint64_t sameObjectsUntil(std::uint64_t offset, const Container& other) const override;
 
     /// The pages of a section in ascending order of their offsets.
     const std::vector<PageRange>& pages(std::size_t section) const { return m_pages[section]; }
@@ -50,7 +44,8 @@ public:
     std::uint64_t unpackedBytes() const { return m_unpackedBytes; }
 
 protected:
-    /// Fills @p out, which is zero before, with a page's bytes; false when it is damaged.
+    /// Fills all of @p out with a page's bytes; false when it is damaged, whatever is in @p out
+    /// then.
     virtual bool unpackPage(std::size_t section, std::size_t page,
                             std::span<std::uint8_t> out) const = 0;
     /// Whether a checksum over a page's unpacked bytes is right, in a container that has such.
@@ -63,23 +58,18 @@ protected:
     base::Status findObjects();
 
 private:
+    base::LargeMemory bufferFor(std::size_t section) const;
     base::Status unpackRange(std::size_t section, std::uint64_t begin, std::uint64_t end);
     base::Status unpackOne(std::size_t section, std::size_t page);
     void keepAtHand(std::uint64_t begin, std::uint64_t end);
     std::size_t firstPageReaching(std::size_t section, std::uint64_t offset) const;
-    bool samePages(std::size_t mine, std::size_t theirs, const LazySections& other,
-                   std::uint64_t begin, std::uint64_t end) const;
+    std::uint64_t samePagesUntil(std::size_t mine, std::size_t theirs, const LazySections& other,
+                                 std::uint64_t offset) const;
 
-    std::vector<std::vector<PageRange>> m_pages;                     // of m_sections
-    std::vector<std::uint64_t> m_bufferSizes;                        // of m_sections
-    std::vector<std::unique_ptr<std::uint8_t, FreeBytes>> m_buffers; // of m_sections
-    struct SamePage {                        // found to be in an older file in the same bytes
-        const LazySections* older = nullptr; // outlives this, which was made from it
-        std::size_t section = 0, page = 0, olderSection = 0, olderPage = 0;
-        friend bool operator==(const SamePage&, const SamePage&) = default;
-    };
-    mutable SamePage m_lastSame; // objects of one page are asked for one behind the other
-    std::size_t m_objects = 0;   // position of the section with the objects
+    std::vector<std::vector<PageRange>> m_pages; // of m_sections
+    std::vector<std::uint64_t> m_bufferSizes;    // of m_sections
+    std::vector<base::LargeMemory> m_buffers;    // of m_sections
+    std::size_t m_objects = 0;                   // position of the section with the objects
     std::uint64_t m_promised = 0;
     std::uint64_t m_unpackedBytes = 0;
 };

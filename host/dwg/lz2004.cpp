@@ -13,6 +13,9 @@ constexpr std::size_t kSmallestFirstRun = 4;
 constexpr std::size_t kFarthest = 0xBFFF;
 constexpr std::size_t kNear = 0x400;
 constexpr std::size_t kMiddle = 0x4000;
+// What a quick step may read and write, with the ends of words: a match of 33 bytes and 18
+// literals.
+constexpr std::ptrdiff_t kQuickInput = 40, kQuickRoom = 80;
 
 // Input and output of one page; every step checks both before it moves.
 class Unpacker
@@ -32,9 +35,11 @@ public:
                 return false;
             op = next();
         }
-        while (op != kEnd && !m_failed)
-            if (!step(op))
+        while (op != kEnd && !m_failed) {
+            quickSteps(op);
+            if (op != kEnd && !m_failed && !step(op))
                 return false;
+        }
         return !m_failed && m_out == m_outEnd;
     }
 
@@ -94,6 +99,80 @@ private:
         for (; length > 0; --length)
             *m_out++ = *from++;
         return true;
+    }
+
+    // A match of which nothing is read from more than two bytes; length 0 where it takes more.
+    struct QuickMatch {
+        std::size_t length, offset;
+        unsigned literals, size; // of the literals behind it, and of what was read
+    };
+    static QuickMatch quickMatch(unsigned op, const std::uint8_t* in)
+    {
+        if (op >= 0x40)
+            return {(op >> 4) - 1, ((op >> 2 & 3) | unsigned(in[0]) << 2) + 1, op & 3, 1};
+        const bool isFar = op < 0x20;
+        const unsigned told = op & (isFar ? 7 : 0x1F);
+        const unsigned low = in[0], place = low >> 2 | unsigned(in[1]) << 6;
+        const bool isMatch = told != 0 && op >= 0x10 && op != kEnd;
+        return {isMatch ? told + 2 : 0, isFar ? (place | (op & 8) << 11) + 0x4000 : place + 1,
+                low & 3, 2};
+    }
+
+    // Writes up to 15 bytes more than asked for; reads nothing that it has not written itself.
+    static void copyWords(std::uint8_t* out, std::size_t length, std::size_t offset)
+    {
+        const std::uint8_t* from = out - offset;
+        std::uint8_t* const end = out + length;
+        if (offset >= 16)
+            for (; out < end; out += 16, from += 16)
+                std::memcpy(out, from, 16);
+        else
+            for (; out < end; out += 8, from += 8)
+                std::memcpy(out, from, 8);
+    }
+
+    // A run of literals that is long, or near the end; its opcode was read.
+    void finishRun(unsigned& op, const std::uint8_t* in, std::uint8_t* out)
+    {
+        m_in = in;
+        m_out = out;
+        m_failed = !copyLiterals(literalLength(op)) || m_failed;
+        op = next();
+    }
+
+    // Steps as step() does them, while so much is left of input and output that whole words can be
+    // copied. Ends before the first one that is long, near, or wrong.
+    void quickSteps(unsigned& op)
+    {
+        const std::uint8_t* in = m_in; // kept out of memory, which every byte written might change
+        std::uint8_t* out = m_out;
+        while (m_inEnd - in >= kQuickInput && m_outEnd - out >= kQuickRoom) {
+            const QuickMatch match = quickMatch(op, in);
+            if (match.length == 0 || match.offset < 8 ||
+                match.offset > static_cast<std::size_t>(out - m_begin))
+                break;
+            copyWords(out, match.length, match.offset);
+            out += match.length;
+            in += match.size;
+            std::memcpy(out, in, 4); // three of them at most are meant
+            out += match.literals;
+            in += match.literals;
+            op = *in++;
+            if (match.literals != 0 || op >= 0x10)
+                continue;
+            const std::size_t count = op != 0 ? op + 3 : in[0] + std::size_t(18);
+            const auto most = static_cast<std::ptrdiff_t>(count) + kQuickInput;
+            if (op == 0 && (in[0] == 0 || m_inEnd - in < most || m_outEnd - out < most))
+                return finishRun(op, in, out);
+            in += op == 0;
+            for (std::size_t at = 0; at < count; at += 16)
+                std::memcpy(out + at, in + at, 16);
+            out += count;
+            in += count;
+            op = *in++;
+        }
+        m_in = in;
+        m_out = out;
     }
 
     // One match, the literals behind it, and the next opcode.

@@ -189,16 +189,20 @@ base::Result<ObjectLayout> layoutCompact(const SavePlan& plan)
 bool shouldCompact(const SavePlan& plan)
 {
     const auto aux = plan.source.section(section::kAuxHeader);
-    const std::uint32_t saves = aux ? saveCountOf(*aux) : 0;
-    if (saves != 0 && saves % kSavesBetweenLooks != 0)
+    const auto saves = aux ? saveCountOf(*aux, plan.source.header()) : std::nullopt;
+    if (saves && *saves % kSavesBetweenLooks != 0)
         return false;
     Container& container = plan.source.container();
     std::uint64_t used = container.objectAreaBegin();
     for (const ObjectLocation& location : plan.source.objects()) {
-        const auto bytes = recordBytes(container, plan.source.version(), location);
-        if (!bytes)
-            return false; // what cannot be read cannot be moved
-        used += bytes->size();
+        std::uint64_t size = plan.source.front(location).size;
+        if (size == 0) {
+            const auto bytes = recordBytes(container, plan.source.version(), location);
+            if (!bytes)
+                return false; // what cannot be read cannot be moved
+            size = bytes->size();
+        }
+        used += size;
     }
     const std::uint64_t size = container.objectAreaSize();
     return size > used && size - used > used / 8;

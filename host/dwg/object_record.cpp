@@ -21,9 +21,18 @@ FrameSizes readSizes(Version version, Bytes bytes)
 {
     FrameSizes sizes;
     bool isRead = true;
-    if (bytes.size() >= 2 && !(bytes[1] & 0x80) && !hasHandleStreamSize(version)) {
-        sizes.dataSize = readU16(bytes.data()); // as nearly all are
+    const bool isNewForm = hasHandleStreamSize(version);
+    // As nearly all are: two bytes of size, then at most as many.
+    const bool isShort = bytes.size() >= 4 && !(bytes[1] & 0x80) &&
+                         !(isNewForm && (bytes[2] & 0x80) && (bytes[3] & 0x80));
+    if (isShort) {
+        sizes.dataSize = readU16(bytes.data());
         sizes.dataAt = 2;
+        if (isNewForm) {
+            const bool isLong = (bytes[2] & 0x80) != 0;
+            sizes.handleBits = (bytes[2] & 0x7Fu) | (isLong ? unsigned(bytes[3]) << 7 : 0u);
+            sizes.dataAt += isLong ? 2 : 1;
+        }
     } else {
         BitReader reader(bytes.first(std::min<std::size_t>(bytes.size(), 16)));
         sizes.dataSize = reader.readMS();

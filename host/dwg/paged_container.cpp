@@ -264,6 +264,12 @@ Bytes PagedContainer::diskBytes(std::size_t section, std::size_t page) const
                                                      : Bytes();
 }
 
+PageHead PagedContainer::pageHead(std::size_t section, std::size_t page) const
+{
+    const std::uint64_t address = m_descriptors[section].pages[page].address;
+    return readPageHead(m_file.data() + address, address);
+}
+
 bool PagedContainer::isSound(std::size_t section, std::size_t page) const
 {
     const Descriptor& descriptor = m_descriptors[section];
@@ -271,7 +277,7 @@ bool PagedContainer::isSound(std::size_t section, std::size_t page) const
     const Bytes packed = diskBytes(section, page);
     if (packed.empty() || packed.size() != place.packedSize)
         return false;
-    const PageHead head = readPageHead(m_file.data() + place.address, place.address);
+    const PageHead head = pageHead(section, page);
     return head.type == kDataPageType && head.sectionId == descriptor.id &&
            head.packedSize == place.packedSize && head.offset == place.offset &&
            head.headSum == headSumOf(head) && head.dataSum == pageSum(0, packed);
@@ -285,7 +291,7 @@ bool PagedContainer::unpackPage(std::size_t section, std::size_t page,
         return unpack2004(packed, out);
     if (packed.empty() || packed.size() > out.size())
         return false;
-    std::copy(packed.begin(), packed.end(), out.begin());
+    std::fill(std::copy(packed.begin(), packed.end(), out.begin()), out.end(), std::uint8_t(0));
     return true;
 }
 

@@ -39,6 +39,9 @@ public:
     bool isSound(std::size_t section, std::size_t page) const override;
     Bytes diskBytes(std::size_t section, std::size_t page) const override;
 
+    /// What stands before a page, which must lie in the file.
+    paged::PageHead pageHead(std::size_t section, std::size_t page) const;
+
     Bytes file() const { return m_file; }
     /// Of sections(), at the same positions.
     const std::vector<Descriptor>& descriptors() const { return m_descriptors; }

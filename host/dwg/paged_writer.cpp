@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cstring>
+#include <optional>
 
 #include "byte_stream.h"
 #include "lz2004.h"
@@ -36,10 +37,11 @@ constexpr std::size_t kVbaFieldAt = 0x24;
 
 // A page as it will be written.
 struct OutPage {
-    std::uint64_t offset = 0;        // in the section
-    Bytes body;                      // what stands behind the head, without the filling
-    std::vector<std::uint8_t> owned; // the body, where it is made here
-    std::uint32_t number = 0;        // in the new file
+    std::uint64_t offset = 0;         // in the section
+    Bytes body;                       // what stands behind the head, without the filling
+    std::vector<std::uint8_t> owned;  // the body, where it is made here
+    std::optional<std::uint32_t> sum; // over the body, where it is known
+    std::uint32_t number = 0;         // in the new file
     std::uint64_t address = 0, diskSize = 0;
 };
 
@@ -120,6 +122,7 @@ private:
             OutPage taken;
             taken.offset = old.offset;
             taken.body = m_source.diskBytes(index, page);
+            taken.sum = m_source.pageHead(index, page).dataSum; // found right just now
             out.pages.push_back(std::move(taken));
             return {};
         }
@@ -348,6 +351,7 @@ private:
         if (!page || (page->owned.empty() && m_preview.empty()))
             return {};
         page->owned.assign(page->body.begin(), page->body.end());
+        page->sum.reset();
         const bool isNew = m_plan.changed(section::kPreview) != nullptr;
         const std::uint64_t from = isNew ? 0 : readU32(&m_source.file()[kPreviewFieldAt]);
         movePreview(page->owned, from, addressOf(section::kPreview));
@@ -368,7 +372,7 @@ private:
                 head.packedSize = static_cast<std::uint32_t>(page.body.size());
                 head.diskSize = static_cast<std::uint32_t>(page.diskSize);
                 head.offset = page.offset;
-                head.dataSum = pageSum(0, page.body);
+                head.dataSum = page.sum ? *page.sum : pageSum(0, page.body);
                 m_out.append(writePageHead(head, page.address));
                 m_out.append(page.body);
                 fillUpTo(page.address + page.diskSize);

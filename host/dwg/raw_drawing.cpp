@@ -239,8 +239,15 @@ base::Result<Bytes> recordBytes(Container& container, Version version,
         return objectStatus(base::Failure::Damaged, base::Reason::DwgObjectDamaged,
                             location.handle);
     };
+    if (location.offset < container.objectAreaBegin())
+        return damaged();
+    const Bytes hand = container.atHand(location.offset, ~std::uint64_t(0));
+    const std::uint64_t told =
+        hand.size() >= kMostSizeBytes ? recordSize(version, hand.first(kMostSizeBytes)) : 0;
+    if (told != 0 && told <= hand.size())
+        return hand.first(told);
     const std::uint64_t area = container.objectAreaSize();
-    if (location.offset < container.objectAreaBegin() || location.offset >= area)
+    if (location.offset >= area)
         return damaged();
     const std::uint64_t room = area - location.offset;
     const auto sizes =

@@ -84,7 +84,7 @@ private:
                placeless(name, expected, address, version);
     }
 
-    bool objectsRight() const
+    bool objectsRight()
     {
         const auto planned = objectsInFileOrder(m_plan);
         if (planned.size() != m_saved.objects().size())
@@ -101,7 +101,7 @@ private:
     bool isNew(const PlannedObject& object) const { return !m_plan.source.find(object.handle); }
 
     // @param next  where the next object of the source begins, or beyond everything
-    bool objectRight(const PlannedObject& object, std::uint64_t next) const
+    bool objectRight(const PlannedObject& object, std::uint64_t next)
     {
         if (!object.record && staysInPlace(object, next))
             return true;
@@ -118,7 +118,7 @@ private:
     // Whether nothing changed from the object up to the one behind it. Pages that were taken over
     // as they are need not be unpacked for this, and an object that nobody can read is kept this
     // way too.
-    bool staysInPlace(const PlannedObject& object, std::uint64_t next) const
+    bool staysInPlace(const PlannedObject& object, std::uint64_t next)
     {
         Container& before = m_plan.source.container();
         Container& now = m_saved.container();
@@ -130,7 +130,11 @@ private:
         const std::uint64_t end = std::min(oldEnd, now.objectAreaSize());
         if (begin >= end)
             return begin >= oldEnd; // outside of the old area it cannot change either
-        if (before.sameObjectArea(begin, end - begin, now))
+        if (begin < m_sameFrom || m_sameUntil <= begin) {
+            m_sameFrom = begin;
+            m_sameUntil = before.sameObjectsUntil(begin, now);
+        }
+        if (end <= m_sameUntil && oldEnd == end)
             return true;
         const auto oldBytes = before.objectArea(begin, end - begin);
         const auto newBytes = now.objectArea(begin, end - begin);
@@ -140,6 +144,8 @@ private:
 
     const SavePlan& m_plan;
     const RawDrawing& m_saved;
+    // Where both areas of objects were found to be the same: asked for one piece after the other.
+    std::uint64_t m_sameFrom = 0, m_sameUntil = 0;
 };
 
 } // namespace

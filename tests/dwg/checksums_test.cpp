@@ -67,6 +67,25 @@ TEST(Checksums, LongPageSumsDoNotOverflow)
     EXPECT_EQ(dwg::pageSum(0, high), b << 16 | a);
 }
 
+TEST(Checksums, PageSumsOfEveryLengthFollowTheDefinition)
+{
+    std::vector<std::uint8_t> bytes;
+    std::uint32_t noise = 7, a = 0x1234, b = 0xFFF0;
+    const std::uint32_t seed = b << 16 | a;
+    for (std::size_t size = 0; size < 12'000; ++size) {
+        ASSERT_EQ(dwg::pageSum(seed, bytes), b << 16 | a) << size;
+        bytes.push_back(static_cast<std::uint8_t>((noise = noise * 69069 + 1) >> 24));
+        a = (a + bytes.back()) % 0xFFF1;
+        b = (b + a) % 0xFFF1;
+        if (size > 800) // what follows is the same again
+            for (int i = 0; i < 96; ++i, ++size) {
+                bytes.push_back(0xFF);
+                a = (a + 0xFF) % 0xFFF1;
+                b = (b + a) % 0xFFF1;
+            }
+    }
+}
+
 TEST(Checksums, MagicSequenceMatchesTheKnownValues)
 {
     const std::vector<std::uint8_t> start{0x29, 0x23, 0xBE, 0x84, 0xE1, 0x6C, 0xD6, 0xAE};

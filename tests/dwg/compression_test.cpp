@@ -112,6 +112,40 @@ TEST(Compression2004, TruncatedInputIsRefused)
     }
 }
 
+RC_GTEST_PROP(Compression2004, ALongPageThatBreaksOffAnywhereIsRefused, ())
+{
+    const Buffer plain = drawingLike(3'000), packed = dwg::pack2004(plain);
+    Buffer whole(plain.size());
+    for (std::size_t size = 0; size + 3 < packed.size(); size += 1 + size / 40)
+        RC_ASSERT(!dwg::unpack2004(dwg::Bytes(packed).first(size), whole));
+}
+
+// Matches of each length from each distance, the near ones of which repeat themselves.
+TEST(Compression2004, EveryLengthAndDistanceOfAMatchComesBack)
+{
+    for (std::size_t offset = 1; offset <= 40; ++offset)
+        for (std::size_t length = 3; length <= 33; ++length) {
+            Buffer expected;
+            for (std::size_t i = 0; i < 40; ++i)
+                expected.push_back(static_cast<std::uint8_t>(i * 7));
+            Buffer packed{0, 22}; // 40 literals
+            packed.insert(packed.end(), expected.begin(), expected.end());
+            packed.push_back(static_cast<std::uint8_t>(0x20 | (length - 2)));
+            packed.push_back(static_cast<std::uint8_t>((offset - 1) << 2));
+            packed.push_back(0);
+            for (std::size_t i = 0; i < length; ++i)
+                expected.push_back(expected[expected.size() - offset]);
+            packed.insert(packed.end(), {0, 82}); // 100 literals
+            packed.insert(packed.end(), 100, 0xA5);
+            expected.insert(expected.end(), 100, 0xA5);
+            packed.insert(packed.end(), {0x11, 0, 0});
+
+            Buffer out(expected.size());
+            ASSERT_TRUE(dwg::unpack2004(packed, out)) << offset << ' ' << length;
+            ASSERT_EQ(out, expected) << offset << ' ' << length;
+        }
+}
+
 RC_GTEST_PROP(Compression2004, HostileInputNeverLeavesTheOutput, ())
 {
     auto packed = dwg::pack2004(drawingLike(2'000));

@@ -1,5 +1,6 @@
 #include "drawings.h"
 
+#include <aux_header.h>
 #include <dwg/bit_writer.h>
 #include <dwg/raw_save.h>
 
@@ -204,6 +205,31 @@ TEST(RawSave, HeaderVariablesAreCarriedToEveryPlace)
         const auto aux = *after.section("AcDb:AuxHeader");
         const Buffer seed{0x56, 0x34, 0x12, 0, 0, 0, 0, 0};
         EXPECT_NE(std::search(aux.begin(), aux.end(), seed.begin(), seed.end()), aux.end());
+    }
+}
+
+TEST(RawSave, EverySaveIsCountedAndTheRestOfTheAuxiliaryHeaderStays)
+{
+    for (const auto& [name, file] : drawings()) {
+        SCOPED_TRACE(name);
+        const RawDrawing before = opened(file);
+        const auto old = *before.section("AcDb:AuxHeader");
+        const auto count = dwg::saveCountOf(old, before.header());
+        ASSERT_TRUE(count);
+        EXPECT_GT(*count, 0u);
+        EXPECT_LT(*count, 1000u) << "nobody saves as often";
+        RawChanges changes;
+        changes.sections["AcDb:Template"] = {0, 0, 1, 0};
+
+        const RawDrawing after = opened(saved(before, changes));
+
+        const auto now = *after.section("AcDb:AuxHeader");
+        EXPECT_EQ(dwg::saveCountOf(now, after.header()), *count + 1);
+        ASSERT_EQ(now.size(), old.size());
+        std::size_t others = 0;
+        for (std::size_t at = 0; at < now.size(); ++at)
+            others += now[at] != old[at];
+        EXPECT_EQ(others, 2u) << "the count stands twice, and no low byte of it overflows here";
     }
 }
 

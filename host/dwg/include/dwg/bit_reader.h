@@ -179,12 +179,13 @@ private:
         const std::size_t at = m_position >> 3;
         if (m_size - at < 8)
             return tail(at) << (m_position & 7);
-        const std::uint8_t* p = m_bytes + at;
-        const std::uint64_t word = std::uint64_t(p[0]) << 56 | std::uint64_t(p[1]) << 48 |
-                                   std::uint64_t(p[2]) << 40 | std::uint64_t(p[3]) << 32 |
-                                   std::uint64_t(p[4]) << 24 | std::uint64_t(p[5]) << 16 |
-                                   std::uint64_t(p[6]) << 8 | std::uint64_t(p[7]);
-        return word << (m_position & 7);
+        return wordAt(m_bytes + at) << (m_position & 7);
+    }
+    static std::uint64_t wordAt(const std::uint8_t* p)
+    {
+        return std::uint64_t(p[0]) << 56 | std::uint64_t(p[1]) << 48 | std::uint64_t(p[2]) << 40 |
+               std::uint64_t(p[3]) << 32 | std::uint64_t(p[4]) << 24 | std::uint64_t(p[5]) << 16 |
+               std::uint64_t(p[6]) << 8 | std::uint64_t(p[7]);
     }
     std::uint64_t tail(std::size_t at) const;
 
