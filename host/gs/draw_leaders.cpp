@@ -7,6 +7,7 @@
 #include "arrow.h"
 #include "dimension_style.h"
 #include "spline_curve.h"
+#include "text_drawing.h"
 
 namespace gs::draw {
 
@@ -166,6 +167,11 @@ void multileader(Scene& scene, const TvDbEntity& entity)
         drawLanding(scene, all, roots[r]);
     }
     scene.look() = own;
+    if (self.hasText()) {
+        part.use(fields.structure("text_color"), own);
+        drawTextShape(scene, shapeOf(self, scene.fonts()));
+        scene.look() = own;
+    }
     if (context.flag("has_block")) {
         part.use(context.structure("b_color"), own);
         drawBlockContent(scene, self, context);

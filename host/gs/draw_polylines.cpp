@@ -10,6 +10,8 @@ namespace gs::draw {
 
 namespace {
 
+constexpr std::int64_t kPlinegenOfVertices = 128; // "flags" of a polyline with vertices
+
 struct Corner {
     TvGePoint2d point;
     double bulge = 0; ///< of the segment that begins here
@@ -19,6 +21,7 @@ struct Corner {
 struct Chain {
     std::vector<Corner> corners;
     bool isClosed = false;
+    bool hasPlinegen = false; ///< its pattern runs on over corners
     double elevation = 0;
 
     std::size_t segments() const
@@ -116,7 +119,7 @@ void drawChain(Scene& scene, const Chain& chain, const TvGeVector3d& normal)
     }
     if (chain.isClosed)
         path.close();
-    scene.stroke(place, *width);
+    scene.stroke(place, *width, !chain.hasPlinegen);
 }
 
 } // namespace
@@ -124,7 +127,13 @@ void drawChain(Scene& scene, const Chain& chain, const TvGeVector3d& normal)
 void polyline(Scene& scene, const TvDbEntity& entity)
 {
     // "flags"
-    enum : std::int64_t { kNormal = 1, kConstantWidth = 4, kElevation = 8, kClosed = 512 };
+    enum : std::int64_t {
+        kNormal = 1,
+        kConstantWidth = 4,
+        kElevation = 8,
+        kPlinegen = 256,
+        kClosed = 512
+    };
     static const db::FieldId kFlags = db::fieldId("flags"), kPoints = db::fieldId("points"),
                              kBulges = db::fieldId("bulges"), kWidths = db::fieldId("widths"),
                              kWidth = db::fieldId("const_width"), kZ = db::fieldId("elevation"),
@@ -135,6 +144,7 @@ void polyline(Scene& scene, const TvDbEntity& entity)
                         widths = fields.array(kWidths);
     Chain chain;
     chain.isClosed = (flags & kClosed) != 0;
+    chain.hasPlinegen = (flags & kPlinegen) != 0;
     chain.elevation = (flags & kElevation) != 0 ? fields.real(kZ) : 0;
     const double constant = (flags & kConstantWidth) != 0 ? fields.real(kWidth) : 0;
     chain.corners.resize(points.size());
@@ -155,6 +165,7 @@ void polyline2d(Scene& scene, const TvDbEntity& entity)
     const auto& self = static_cast<const TvDb2dPolyline&>(entity);
     Chain chain;
     chain.isClosed = self.isClosed();
+    chain.hasPlinegen = (self.fields().integer("flags") & kPlinegenOfVertices) != 0;
     chain.elevation = self.elevation();
     for (const TvDbObjectId id : self.vertexIds()) {
         const TvDbObjectPointer<TvDbVertex> vertex(id, TvDb::kForNotify);

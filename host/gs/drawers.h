@@ -39,14 +39,12 @@ void mline(Scene&, const TvDbEntity&);
 void image(Scene&, const TvDbEntity&);
 void wipeout(Scene&, const TvDbEntity&);
 void underlay(Scene&, const TvDbEntity&);
-void oleFrame(Scene&, const TvDbEntity&);
 // draw_texts.cpp
 void text(Scene&, const TvDbEntity&);
 void attribute(Scene&, const TvDbEntity&);
 void attributeDefinition(Scene&, const TvDbEntity&);
 void mtext(Scene&, const TvDbEntity&);
 void tolerance(Scene&, const TvDbEntity&);
-void shape(Scene&, const TvDbEntity&);
 // draw_hatches.cpp
 void hatch(Scene&, const TvDbEntity&);
 // draw_viewports.cpp

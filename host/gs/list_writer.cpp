@@ -71,7 +71,7 @@ bool ListWriter::isCutAway(std::uint32_t clip, const Box& box) const
 }
 
 void ListWriter::add(const ItemLook& look, const SpacePath& path, const TvGeMatrix3d& map,
-                     const SpacePath* dashed)
+                     const SpacePath* coarse)
 {
     if (m_list.m_items.size() >= m_limits.items) {
         m_list.m_isCut = true;
@@ -92,13 +92,15 @@ void ListWriter::add(const ItemLook& look, const SpacePath& path, const TvGeMatr
     item.weightMm = look.weightMm;
     item.widthUnits = look.widthUnits;
     item.detail = look.detail;
+    item.coarseAlpha = look.coarseAlpha;
     item.layer = look.layer;
     item.clip = look.clip;
     item.handle = look.handle;
     item.path = *range;
-    if (dashed)
-        if (const auto pattern = store(*dashed, map, item.box); pattern)
-            item.dashed = *pattern;
+    Box unused;
+    if (coarse)
+        if (const auto kept = store(*coarse, map, unused); kept)
+            item.coarse = *kept;
     if (isEndless(look.kind))
         item.box = Box();
     m_list.m_items.push_back(item);

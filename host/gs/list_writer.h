@@ -14,6 +14,7 @@ struct ItemLook {
     float weightMm = 0;
     float widthUnits = 0;
     float detail = 0;
+    std::uint8_t coarseAlpha = 0;
     std::uint32_t layer = 0;
     std::uint32_t clip = Item::kNoClip;
     std::uint64_t handle = 0;
@@ -29,9 +30,9 @@ public:
     ListWriter(DisplayList& list, const ListLimits& limits) : m_list(list), m_limits(limits) {}
 
     /// Adds an item: @p path where @p map puts it, seen from above.
-    /// @param dashed  the same with its pattern; null or empty: none.
+    /// @param coarse  what is drawn of it where its details are too small; null: none.
     void add(const ItemLook& look, const SpacePath& path, const TvGeMatrix3d& map,
-             const SpacePath* dashed = nullptr);
+             const SpacePath* coarse = nullptr);
     /// Adds a marker at @p place (before @p map): @p figure is in parts of the view's height.
     void addMarker(const ItemLook& look, const TvGePoint3d& place, const TvGeMatrix3d& map,
                    const SpacePath& figure);

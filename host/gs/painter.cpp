@@ -12,6 +12,7 @@ constexpr double kNearPixels = 8192;    // around the picture, beyond which path
 constexpr double kDotPixels = 0.8;      // what is no larger is a dot
 constexpr double kSmallestDetail = 2.5; // pixels
 constexpr double kThinnestPixels = 1.5; // strokes up to this are one pixel wide
+constexpr std::size_t kVerbsOfRectangle = 5;
 constexpr double kLargestWeightMm = 10;
 constexpr double kWidestPixels = 20000;
 
@@ -176,23 +177,23 @@ void Painter::useCairo()
     addClips(m_clip);
 }
 
-void Painter::useRaster(const Item& item)
+void Painter::useRaster(const Item& item, std::uint8_t alpha)
 {
     m_raster.begin();
-    m_raster.setColor(rgbOf(item.color, m_options.background), item.alpha);
+    m_raster.setColor(rgbOf(item.color, m_options.background), alpha);
 }
 
 // Items
 
-void Painter::useColor(const Item& item)
+void Painter::useColor(const Item& item, std::uint8_t alpha)
 {
     useCairo();
     const std::uint32_t rgb = rgbOf(item.color, m_options.background);
-    const std::uint64_t wanted = std::uint64_t(item.alpha) << 32 | rgb;
+    const std::uint64_t wanted = std::uint64_t(alpha) << 32 | rgb;
     if (wanted == m_color)
         return;
     m_color = wanted;
-    setRgb(m_context, rgb, item.alpha / 255.0);
+    setRgb(m_context, rgb, alpha / 255.0);
 }
 
 template <class Place>
@@ -245,7 +246,7 @@ double Painter::strokeWidth(const Item& item) const
 
 void Painter::stroke(const Item& item, PathView path)
 {
-    useColor(item);
+    useColor(item, item.alpha);
     const double width = strokeWidth(item);
     cairo_set_line_width(m_context, width);
     const bool isWide = item.widthUnits > 0;
@@ -265,16 +266,16 @@ void Painter::stroke(const Item& item, PathView path)
     }
 }
 
-void Painter::fill(const Item& item)
+void Painter::fill(const Item& item, PathView path, Item::Kind kind, std::uint8_t alpha)
 {
-    useColor(item);
+    useColor(item, alpha);
     cairo_new_path(m_context);
     if (isNear(item.box))
-        trace(m_list.path(item.path));
+        trace(path);
     else
-        traceCut(cutArea(m_list.path(item.path), m_near, 0.25 / m_scale));
-    cairo_set_fill_rule(m_context, item.kind == Item::Kind::EvenOddFill ? CAIRO_FILL_RULE_EVEN_ODD
-                                                                        : CAIRO_FILL_RULE_WINDING);
+        traceCut(cutArea(path, m_near, 0.25 / m_scale));
+    cairo_set_fill_rule(m_context, kind == Item::Kind::EvenOddFill ? CAIRO_FILL_RULE_EVEN_ODD
+                                                                   : CAIRO_FILL_RULE_WINDING);
     cairo_fill(m_context);
 }
 
@@ -322,18 +323,19 @@ void Painter::walk(PathView path, bool isArea, const Line& line) const
 
 void Painter::strokeThin(const Item& item, PathView path)
 {
-    useRaster(item);
+    useRaster(item, item.alpha);
     walk(path, false,
          [this](const TvGePoint2d& from, const TvGePoint2d& to) { m_raster.line(from, to); });
 }
 
-void Painter::fillSmall(const Item& item)
+void Painter::fillSmall(const Item& item, PathView path, std::uint8_t alpha)
 {
-    useRaster(item);
-    const TvGePoint2d low = pixel({item.box.lowX, item.box.highY}),
-                      high = pixel({item.box.highX, item.box.lowY});
-    m_raster.startArea({low.x, low.y, high.x, high.y});
-    walk(m_list.path(item.path), true,
+    useRaster(item, alpha);
+    Box box;
+    for (const TvGePoint2d& point : path.points)
+        box.add(pixel(point));
+    m_raster.startArea(box);
+    walk(path, true,
          [this](const TvGePoint2d& from, const TvGePoint2d& to) { m_raster.edge(from, to); });
     m_raster.finishArea();
 }
@@ -342,33 +344,12 @@ void Painter::drawDot(const Item& item)
 {
     const TvGePoint2d at = pixel(item.box.center());
     if (m_isRaster) {
-        useRaster(item);
+        useRaster(item, item.alpha);
         m_raster.pixel(at);
         return;
     }
-    useColor(item);
+    useColor(item, item.alpha);
     cairo_rectangle(m_context, std::floor(at.x), std::floor(at.y), 1, 1);
-    cairo_fill(m_context);
-}
-
-void Painter::drawBar(const Item& item)
-{
-    constexpr double kCovered = 0.4; // by letters, of the box around them
-    const Box box = item.box.common(m_near);
-    const TvGePoint2d low = pixel({box.lowX, box.lowY}), high = pixel({box.highX, box.highY});
-    if (m_isRaster) {
-        useRaster(item);
-        const auto whole = [](double number) { return static_cast<int>(std::lround(number)); };
-        const Raster::Rectangle area{whole(low.x), whole(high.y),
-                                     std::max(whole(high.x), whole(low.x) + 1),
-                                     std::max(whole(low.y), whole(high.y) + 1)};
-        m_raster.rectangle(area, static_cast<std::uint32_t>(kCovered * 255));
-        return;
-    }
-    useCairo();
-    setRgb(m_context, rgbOf(item.color, m_options.background), item.alpha / 255.0 * kCovered);
-    m_color = ~std::uint64_t(0);
-    cairo_rectangle(m_context, low.x, high.y, high.x - low.x, low.y - high.y);
     cairo_fill(m_context);
 }
 
@@ -379,7 +360,7 @@ void Painter::drawEndless(const Item& item)
         cutEndless(path.points[0], path.points[1], item.kind == Item::Kind::Ray, m_near);
     if (!ends)
         return;
-    useColor(item);
+    useColor(item, item.alpha);
     cairo_set_line_width(m_context, strokeWidth(item));
     const TvGePoint2d from = pixel(ends->first), to = pixel(ends->second);
     cairo_new_path(m_context);
@@ -392,7 +373,7 @@ void Painter::drawMarker(const Item& item)
 {
     const PathView path = m_list.path(item.path);
     const TvGePoint2d at = pixel(path.points[0]);
-    useColor(item);
+    useColor(item, item.alpha);
     cairo_set_line_width(m_context, strokeWidth(item));
     cairo_new_path(m_context);
     trace({path.verbs.subspan(1), path.points.subspan(1)}, [&](const TvGePoint2d& part) {
@@ -416,21 +397,42 @@ void Painter::draw(const Item& item)
         drawDot(item);
         return;
     }
-    const bool isCoarse = item.detail > 0 && item.detail * m_scale < kSmallestDetail;
-    if (item.kind == Item::Kind::Stroke) {
-        const PathRange& range = item.dashed.verbCount == 0 || isCoarse ? item.path : item.dashed;
-        if (m_isRaster && strokeWidth(item) <= kThinnestPixels)
-            strokeThin(item, m_list.path(range));
-        else
-            stroke(item, m_list.path(range));
-    } else if (isCoarse) {
-        drawBar(item);
-    } else if (m_isRaster && item.kind == Item::Kind::Fill &&
-               Raster::isSmall(item.box.width() * m_scale, item.box.height() * m_scale)) {
-        fillSmall(item);
-    } else {
-        fill(item);
-    }
+    if (item.detail > 0 && item.detail * m_scale < kSmallestDetail && item.coarse.verbCount > 0)
+        drawCoarse(item);
+    else if (item.kind == Item::Kind::Stroke)
+        strokeItem(item, item.path);
+    else
+        fillItem(item, item.path, item.kind, item.alpha);
+}
+
+void Painter::drawCoarse(const Item& item)
+{
+    if (item.coarseAlpha == 0)
+        strokeItem(item, item.coarse);
+    else
+        fillItem(item, item.coarse, Item::Kind::EvenOddFill,
+                 static_cast<std::uint8_t>(item.alpha * item.coarseAlpha / 255));
+}
+
+void Painter::strokeItem(const Item& item, const PathRange& range)
+{
+    if (m_isRaster && strokeWidth(item) <= kThinnestPixels)
+        strokeThin(item, m_list.path(range));
+    else
+        stroke(item, m_list.path(range));
+}
+
+void Painter::fillItem(const Item& item, const PathRange& range, Item::Kind kind,
+                       std::uint8_t alpha)
+{
+    const PathView path = m_list.path(range);
+    // The raster fills what a path winds around; of one loop without crossings it is the same.
+    const bool isPlain = kind == Item::Kind::Fill || path.verbs.size() <= kVerbsOfRectangle;
+    if (m_isRaster && isPlain &&
+        Raster::isSmall(item.box.width() * m_scale, item.box.height() * m_scale))
+        fillSmall(item, path, alpha);
+    else
+        fill(item, path, kind, alpha);
 }
 
 } // namespace gs

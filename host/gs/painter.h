@@ -34,10 +34,10 @@ private:
     Raster::Rectangle pixelsOf(const Clip& clip) const;
     /// From here on cairo draws, with the clip that is set; or the raster does.
     void useCairo();
-    void useRaster(const Item& item);
+    void useRaster(const Item& item, std::uint8_t alpha);
     void setState();
     void addClips(std::uint32_t clip);
-    void useColor(const Item& item);
+    void useColor(const Item& item, std::uint8_t alpha);
     /// @param place  from the path's points to pixels.
     template <class Place>
     void trace(PathView path, const Place& place);
@@ -49,12 +49,14 @@ private:
     template <class Line>
     void walk(PathView path, bool isArea, const Line& line) const;
     void strokeThin(const Item& item, PathView path);
-    void fillSmall(const Item& item);
-    void fill(const Item& item);
+    void fillSmall(const Item& item, PathView path, std::uint8_t alpha);
+    void fill(const Item& item, PathView path, Item::Kind kind, std::uint8_t alpha);
+    void strokeItem(const Item& item, const PathRange& range);
+    void fillItem(const Item& item, const PathRange& range, Item::Kind kind, std::uint8_t alpha);
+    void drawCoarse(const Item& item);
     void drawEndless(const Item& item);
     void drawMarker(const Item& item);
     void drawDot(const Item& item);
-    void drawBar(const Item& item);
     void drawSheet();
     double strokeWidth(const Item& item) const;
     /// Within what cairo can count.

@@ -4,12 +4,75 @@
 
 #include <db/tv_db_symbol_table.h>
 #include <ge/ocs.h>
+#include <gs/fonts.h>
+#include <gs/linetype.h>
+#include <gs/own_color.h>
 
 namespace gs {
 
-Scene::Scene(TvDbDatabase& database, ListWriter& writer)
-    : m_database(database), m_writer(writer), m_looks(database, writer)
+namespace {
+
+constexpr std::size_t kMostDashes = 20'000; // of one line; beyond, it is drawn without its pattern
+
+Path flattened(const SpacePath& path)
 {
+    Path flat;
+    std::size_t at = 0;
+    const auto next = [&] {
+        const TvGePoint3d& point = path.points()[at++];
+        return TvGePoint2d(point.x, point.y);
+    };
+    for (const Path::Verb verb : path.verbs())
+        switch (verb) {
+        case Path::Verb::Move: flat.moveTo(next()); break;
+        case Path::Verb::Line: flat.lineTo(next()); break;
+        case Path::Verb::Curve: {
+            const TvGePoint2d a = next(), b = next();
+            flat.curveTo(a, b, next());
+            break;
+        }
+        case Path::Verb::Close: flat.close(); break;
+        }
+    return flat;
+}
+
+} // namespace
+
+Scene::Scene(TvDbDatabase& database, ListWriter& writer)
+    : m_database(database), m_writer(writer), m_looks(database, writer),
+      m_linetypeScale(database.headerRecord().real("LTSCALE"))
+{
+    if (!(m_linetypeScale > 0))
+        m_linetypeScale = 1;
+}
+
+Scene::~Scene() = default;
+
+Fonts& Scene::fonts() const
+{
+    // Finding fonts takes longer than drawing a plan: they stay for the next list.
+    thread_local Fonts known;
+    return known;
+}
+
+const LinePattern& Scene::patternOf(TvDbObjectId linetype)
+{
+    const auto [at, isNew] = m_patterns.try_emplace(linetype);
+    if (isNew)
+        at->second = gs::patternOf(linetype);
+    return at->second;
+}
+
+Color Scene::colorOf(const OwnColor& own) const
+{
+    switch (own.kind) {
+    case OwnColor::Kind::ByLayer: return m_looks.layerAt(m_look.layer).look.color;
+    case OwnColor::Kind::ByBlock: return m_frame->by ? m_frame->by->color : Color::foreground();
+    case OwnColor::Kind::Index: return StoredColor::ofIndex(own.value).within(m_look.color);
+    case OwnColor::Kind::Rgb: return Color::given(own.value);
+    case OwnColor::Kind::None: break;
+    }
+    return m_look.color;
 }
 
 const std::vector<TvDbObjectId>& Scene::contentOf(TvDbObjectId block)
@@ -98,14 +161,53 @@ void Scene::outlineOf(TvDbObjectId id)
     m_path = outline.isEmpty() ? former : outline;
 }
 
-void Scene::stroke(const TvGeMatrix3d& place, double widthUnits)
+void Scene::stroke(const TvGeMatrix3d& place, double widthUnits, bool restarts)
 {
     if (keepOutline(place) || !isShown())
         return;
     ItemLook look = itemLook();
     const TvGeMatrix3d map = m_frame->map * place;
     look.widthUnits = static_cast<float>(widthUnits > 0 ? widthUnits * scaleOf(place) : 0);
-    m_writer.add(look, m_path, map);
+    if (m_look.linetype.isNull() || !strokeDashed(look, map, restarts))
+        m_writer.add(look, m_path, map);
+}
+
+// Dashes are laid out in the list's plane, where they are seen.
+bool Scene::strokeDashed(const ItemLook& look, const TvGeMatrix3d& map, bool restarts)
+{
+    const LinePattern& pattern = patternOf(m_look.linetype);
+    if (pattern.isContinuous())
+        return false;
+    DashOptions options;
+    options.scale = m_linetypeScale * m_look.linetypeScale * m_frame->linetypeFactor;
+    options.continuesOverCorners = !restarts;
+    options.mostDashes = kMostDashes;
+    SpacePath solid = m_path;
+    solid.transform(map);
+    const DashedPath pieces = dashed(flattened(solid), pattern, options, &fonts());
+    if (pieces.isWhole)
+        return false;
+    ItemLook lines = look;
+    lines.detail = static_cast<float>(pattern.length() * options.scale);
+    SpacePath cut;
+    cut.append(pieces.lines, 0);
+    m_writer.add(lines, cut, {}, &solid);
+    for (const TextPart& part : pieces.texts) {
+        ItemLook letters = lines;
+        letters.kind = part.isFilled ? Item::Kind::Fill : Item::Kind::Stroke;
+        cut.clear();
+        cut.append(part.path, 0);
+        m_writer.add(letters, cut, {});
+    }
+    return true;
+}
+
+void Scene::add(const ItemLook& look, const Path& flat, const TvGeMatrix3d& place,
+                const SpacePath* coarse)
+{
+    m_path.clear();
+    m_path.append(flat, 0);
+    m_writer.add(look, m_path, m_frame->map * place, coarse);
 }
 
 void Scene::fill(const TvGeMatrix3d& place, Item::Kind kind)
@@ -126,7 +228,7 @@ void Scene::add(Item::Kind kind, const TvGeMatrix3d& place, const Color& color, 
 
 void Scene::addMarker(const TvGePoint3d& place)
 {
-    if (!m_outline && isShown())
+    if (isShown())
         m_writer.addMarker(itemLook(), place, m_frame->map, m_path);
 }
 

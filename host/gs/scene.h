@@ -7,6 +7,12 @@
 
 #include "looks.h"
 
+namespace gs {
+struct OwnColor;
+class Fonts;
+struct LinePattern;
+} // namespace gs
+
 class TvDbBlockReference;
 class TvDbViewport;
 
@@ -32,6 +38,7 @@ public:
     };
 
     Scene(TvDbDatabase& database, ListWriter& writer);
+    ~Scene();
 
     /// All entities of @p block.
     void drawBlock(TvDbObjectId block, const Frame& frame);
@@ -58,12 +65,21 @@ public:
     /// Strokes what path() holds, with the pattern of its linetype.
     /// @param place       from the path's coordinates to those of the entity's block.
     /// @param widthUnits  of the line; 0: its weight.
-    void stroke(const TvGeMatrix3d& place = {}, double widthUnits = 0);
+    /// @param restarts    the pattern begins anew at each corner.
+    void stroke(const TvGeMatrix3d& place = {}, double widthUnits = 0, bool restarts = false);
     void fill(const TvGeMatrix3d& place = {}, Item::Kind kind = Item::Kind::Fill);
     /// The same, as lines without end, or with another colour.
     void add(Item::Kind kind, const TvGeMatrix3d& place, const Color& color, double detail = 0);
     /// What path() holds is a marker at @p place.
     void addMarker(const TvGePoint3d& place);
+    /// An item of another look, beside what the entity looks like.
+    void add(const ItemLook& look, const Path& flat, const TvGeMatrix3d& place,
+             const SpacePath* coarse = nullptr);
+    /// What a piece with a colour of its own has.
+    Color colorOf(const OwnColor& own) const;
+    Fonts& fonts() const;
+    /// Whether anything of the entity is to be seen.
+    bool isShown() const { return !m_outline && !m_looks.layerAt(m_look.layer).isOff; }
     /// All but the kind, of an item of the entity that is drawn.
     ItemLook itemLook() const;
     /// How many units of the list's plane one unit of the block is, about.
@@ -77,8 +93,10 @@ public:
     void drawPart(TvDbObjectId id);
 
 private:
-    bool isShown() const { return !m_looks.layerAt(m_look.layer).isOff; }
     bool keepOutline(const TvGeMatrix3d& place);
+    /// Strokes what path() holds in pieces; false when its pattern has none.
+    bool strokeDashed(const ItemLook& look, const TvGeMatrix3d& map, bool restarts);
+    const LinePattern& patternOf(TvDbObjectId linetype);
     void drawOpen(const TvDbEntity& entity);
     const std::vector<TvDbObjectId>& contentOf(TvDbObjectId block);
 
@@ -90,6 +108,8 @@ private:
     std::unordered_map<TvDbObjectId, std::vector<TvDbObjectId>> m_contents;
     std::unordered_set<TvDbObjectId>
         m_openBlocks; // being drawn: they are not drawn within themselves
+    std::unordered_map<TvDbObjectId, LinePattern> m_patterns;
+    double m_linetypeScale; // of the drawing
     const Frame* m_frame = nullptr;
     std::uint64_t m_handle = 0;
     Look m_look;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include <ge/tv_db_extents.h>
+
 namespace gs {
 
 namespace {
@@ -153,22 +155,28 @@ void addCurveThrough(SpacePath& path, std::vector<TvGePoint3d> points, bool isCl
                      double exponent, const TvGeVector3d& startDirection,
                      const TvGeVector3d& endDirection)
 {
-    constexpr std::size_t kLap = 3; // points that a closed curve shares with itself
-    points.erase(std::unique(points.begin(), points.end()), points.end());
-    if (isClosed && points.size() > 1 && points.front() == points.back())
+    constexpr std::size_t kLap = 16; // points that a closed curve shares with itself
+    constexpr double kSame = 1e-9;   // of the curve's size: what is closer is one point
+    TvDbExtents all;
+    for (const TvGePoint3d& point : points)
+        all.addPoint(point);
+    const double least = all.size().length() * kSame;
+    const auto areSame = [least](const TvGePoint3d& a, const TvGePoint3d& b) {
+        return !(a.distanceTo(b) > least);
+    };
+    points.erase(std::unique(points.begin(), points.end(), areSame), points.end());
+    if (isClosed && points.size() > 1 && areSame(points.front(), points.back()))
         points.pop_back();
     const std::size_t n = points.size();
     if (n < 2)
         return;
     const bool isRing = isClosed && n > 2;
-    const std::size_t lap = isRing ? std::min(kLap, n) : 0;
+    const std::size_t lap = isRing ? kLap : 0;
     if (isRing) {
         // Run on at both ends, where it then does not count that the curve could end.
-        std::vector<TvGePoint3d> longer(points.end() - static_cast<std::ptrdiff_t>(lap),
-                                        points.end());
-        longer.insert(longer.end(), points.begin(), points.end());
-        longer.insert(longer.end(), points.begin(),
-                      points.begin() + static_cast<std::ptrdiff_t>(lap));
+        std::vector<TvGePoint3d> longer;
+        for (std::size_t i = 0; i < n + 2 * lap; ++i)
+            longer.push_back(points[(i + n * lap - lap) % n]);
         points = std::move(longer);
     }
     std::vector<double> steps;

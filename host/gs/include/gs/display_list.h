@@ -46,14 +46,16 @@ struct Item {
     Kind kind = Kind::Stroke;
     std::uint8_t alpha = 255; ///< 255: hides what is below
     Color color;
-    float weightMm = 0;           ///< of the stroke on paper, millimetres; 0 is a hairline
-    float widthUnits = 0;         ///< of the stroke, in the list's units; above 0 it counts instead
-    float detail = 0;             ///< what is lost when this is no more than a pixel or two: the
-                                  ///< length of the pattern, the height of the letters
+    float weightMm = 0;   ///< of the stroke on paper, millimetres; 0 is a hairline
+    float widthUnits = 0; ///< of the stroke, in the list's units; above 0 it counts instead
+    /// How large its details are: the length of a pattern, the height of letters. Where that is no
+    /// more than a pixel or two, coarse is drawn in place of path. 0: there are none.
+    float detail = 0;
+    std::uint8_t coarseAlpha = 0; ///< above 0: coarse is filled, so thickly; else it is stroked
     std::uint32_t layer = 0;      ///< among layers()
     std::uint32_t clip = kNoClip; ///< among clips()
     PathRange path;
-    PathRange dashed;         ///< the stroke with its pattern; path is the same without
+    PathRange coarse;
     std::uint64_t handle = 0; ///< of the entity of the layout or model that it belongs to
     Box box;                  ///< around the path; of lines without end, empty
 };

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <gs/text_shape.h>
+
+#include "scene.h"
+
+namespace gs {
+
+/// Puts the letters of a text into the list, and what can be searched for.
+void drawTextShape(Scene& scene, const TextShape& shape);
+
+} // namespace gs
