@@ -4,6 +4,7 @@
 #include <QStyleFactory>
 #include <QStyleOption>
 
+#include "control_paint.h"
 #include "ui/theme.h"
 
 namespace ui {
@@ -41,18 +42,6 @@ constexpr PaletteRow kPalette[] = {
 };
 // clang-format on
 
-constexpr double kFocusWidthPx = 2, kFocusRadiusPx = 3;
-
-void drawFocus(const QRect& rect, QPainter& painter)
-{
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(color(ColorRole::IconAccent), kFocusWidthPx));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(rect).adjusted(1, 1, -1, -1), kFocusRadiusPx, kFocusRadiusPx);
-    painter.restore();
-}
-
 } // namespace
 
 HostStyle::HostStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
@@ -71,10 +60,27 @@ QPalette HostStyle::standardPalette() const
 void HostStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
                               QPainter* painter, const QWidget* widget) const
 {
-    if (element == PE_FrameFocusRect && option)
-        drawFocus(option->rect, *painter);
+    switch (element) {
+    case PE_FrameFocusRect: paintFocus(*painter, option->rect); break;
+    case PE_Frame:
+    case PE_FrameGroupBox:
+    case PE_FrameLineEdit: paintFrame(*painter, *option); break;
+    case PE_PanelButtonCommand: paintButton(*painter, *option); break;
+    case PE_IndicatorCheckBox:
+    case PE_IndicatorItemViewItemCheck: paintCheck(*painter, *option); break;
+    case PE_IndicatorRadioButton: paintRadio(*painter, *option); break;
+    default: QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+}
+
+void HostStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                   QPainter* painter, const QWidget* widget) const
+{
+    const auto* combo = qstyleoption_cast<const QStyleOptionComboBox*>(option);
+    if (control == CC_ComboBox && combo && combo->frame)
+        paintCombo(*painter, *combo, subControlRect(CC_ComboBox, option, SC_ComboBoxArrow, widget));
     else
-        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
 }
 
 int HostStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,

@@ -1,6 +1,7 @@
 // The menu in the title of a palette set: where it is, and how it behaves.
 #include "palette_title_bar.h"
 #include "td_ui_palette_set_parts.h"
+#include "transparency_dialog.h"
 #include "ui/menu.h"
 #include "ui/qt_text.h"
 
@@ -9,10 +10,11 @@ namespace {
 constexpr int kFloatText = 23314, kLeftText = 23315, kRightText = 23316, kTopText = 23317,
               kBottomText = 23318, kAllowText = 23319, kRollupText = 23320,
               kTransparencyText = 23321, kNoneText = 23322, kPercentText = 23323,
-              kCloseText = 23324;
+              kCloseText = 23324, kOtherText = 23325;
 
 // Of entries. The sides have the numbers of their bars.
-constexpr int kAllow = 1, kRollup = 2, kClose = 3, kTransparency = 100; // and the percent
+constexpr int kAllow = 1, kRollup = 2, kClose = 3, kOther = 4,
+              kTransparency = 100; // and the percent
 constexpr int kPercents[] = {0, 10, 20, 30, 40, 50, 60, 70, 80};
 
 struct SideText {
@@ -53,6 +55,8 @@ ed::Menu CTdUiPaletteSet::Parts::menu() const
         tick(percents.add(kTransparency + percent, text),
              percent == (isTransparent ? transparency : 0), ed::MenuMark::Radio);
     }
+    percents.addSeparator();
+    percents.add(kOther, textOf(kOtherText));
     menu.addSubmenu(textOf(kTransparencyText), std::move(percents), set.isFloating());
     menu.addSeparator();
     menu.add(kClose, textOf(kCloseText)).icon = u"close";
@@ -75,6 +79,15 @@ void CTdUiPaletteSet::Parts::chosen(int id)
         set.SetAutoRollup(!isRollup);
     else if (id == kClose)
         set.setShown(false);
+    else if (id == kOther)
+        askTransparency();
     else if (id >= kTransparency)
         set.SetTransparency(id > kTransparency, id - kTransparency);
+}
+
+void CTdUiPaletteSet::Parts::askTransparency()
+{
+    ui::TransparencyDialog dialog(isTransparent, transparency, &set);
+    if (dialog.DoModal() == text::kIdOk)
+        set.SetTransparency(dialog.isOn(), dialog.percent());
 }

@@ -64,4 +64,5 @@ struct CTdUiPaletteSet::Parts {
     ed::Menu menu() const;
     void showMenu();
     void chosen(int id);
+    void askTransparency();
 };

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+#include <QImage>
+#include <QWidget>
+
+#include <base/tv_string.h>
+
+/// Shows a picture, as large as it fits, in the middle; without one, a text or nothing.
+class CKvPreviewStatic : public QWidget
+{
+public:
+    explicit CKvPreviewStatic(QWidget* parent = nullptr);
+
+    /// A null picture takes the one that is shown away.
+    void SetPicture(const QImage& picture);
+    /// A drawing's stored preview: the bytes of a picture or of a bitmap without its file header.
+    /// False, and nothing shown, when they are no picture, or one of unreasonable size.
+    bool SetPreview(std::span<const std::byte> bytes);
+    bool HasPicture() const { return !m_picture.isNull(); }
+    /// Shown in the picture's place.
+    void SetHint(const TvString& hint);
+    QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QImage m_picture;
+    QString m_hint;
+};

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+
+#include <QStyledItemDelegate>
+
+#include <ed/property_source.h>
+
+class QTreeWidget;
+
+namespace ui {
+
+/// The value of a row as it is shown while nobody edits it.
+QString shownValue(const ed::PropertyRow& row);
+
+/// Edits the values of a property grid: lines of text, boxes of choices, and buttons for dialogs.
+class PropertyDelegate : public QStyledItemDelegate
+{
+public:
+    enum class Wish { Edit, Dialog };
+
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    /// Keys and clicks in the tree that ask for editing or for the row's dialog.
+    void watch(QTreeWidget& tree, std::function<void(Wish)> wished);
+
+    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const override;
+    void setEditorData(QWidget* editor, const QModelIndex& index) const override;
+    void setModelData(QWidget* editor, QAbstractItemModel* model,
+                      const QModelIndex& index) const override;
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    /// Null for what is no row.
+    virtual ed::PropertyRow* rowAt(const QModelIndex& index) const = 0;
+    /// A row took a value, or refused it.
+    virtual void written() const = 0;
+
+private:
+    bool isButton(const QPoint& at) const;
+    QTreeWidget* m_tree = nullptr; // not owned; owns us
+    std::function<void(Wish)> m_wished;
+};
+
+} // namespace ui
