@@ -173,7 +173,9 @@ void HatchEdge::appendChords(std::vector<TvGePoint2d>& corners) const
 
 HatchEdge bulgeEdge(const TvGePoint2d& from, const TvGePoint2d& to, double bulge)
 {
-    const auto arc = ge::bulgeArc(from, to, bulge);
+    // Flatter, or nearer to a full circle, than numbers can tell from a line.
+    const bool isArc = std::abs(bulge) > 1e-9 && std::abs(bulge) < 1e9;
+    const auto arc = isArc ? ge::bulgeArc(from, to, bulge) : std::nullopt;
     if (!arc)
         return {{from, to}, false};
     const double sweep = sweepOf(arc->startAngle, arc->endAngle);

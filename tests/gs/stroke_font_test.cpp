@@ -31,6 +31,58 @@ TEST(StrokeFont, HasTheLettersOfEuropesLanguages)
         }
 }
 
+TEST(StrokeFont, DrawsCapitalsAsHighAsTheTextAndDigitsAsWideAsEachOther)
+{
+    for (const char32_t c : std::u32string(U"ABCDEFGHIJKLMNOPQRSTUVWXYZ\u0416\u03A9")) {
+        const gs::Box box = gs::boxOf(strokes().glyph(c)->path);
+        EXPECT_NEAR(box.highY, 1, 0.05) << std::uint32_t(c);
+        EXPECT_NEAR(box.lowY, 0, 0.06) << std::uint32_t(c);
+    }
+    for (char32_t c = U'0'; c <= U'9'; ++c)
+        EXPECT_EQ(strokes().glyph(c)->advance, strokes().glyph(U'0')->advance);
+}
+
+TEST(StrokeFont, PutsAccentsAboveTheMiddleOfTheirLetter)
+{
+    const gs::Box plain = gs::boxOf(strokes().glyph(U'A')->path);
+    const gs::Box accented = gs::boxOf(strokes().glyph(U'\u00C4')->path);
+    EXPECT_GT(accented.highY, plain.highY + 0.1);
+    EXPECT_EQ(accented.lowX, plain.lowX);
+    EXPECT_EQ(strokes().glyph(U'\u00C4')->advance, strokes().glyph(U'A')->advance);
+    // The dot makes room for the accent.
+    EXPECT_LT(strokes().glyph(U'\u00ED')->path.points().size(),
+              strokes().glyph(U'i')->path.points().size());
+    // Below: not higher than the letter.
+    EXPECT_EQ(gs::boxOf(strokes().glyph(U'\u00C7')->path).highY,
+              gs::boxOf(strokes().glyph(U'C')->path).highY);
+    EXPECT_LT(gs::boxOf(strokes().glyph(U'\u00C7')->path).lowY, -0.1);
+}
+
+TEST(StrokeFont, AccentsOfTheirOwnTakeNoRoom)
+{
+    EXPECT_EQ(strokes().glyph(U'\u0301')->advance, 0);
+}
+
+TEST(StrokeFont, KeepsLettersWithinTheirWidth)
+{
+    for (char32_t c = 0x21; c < 0x500; ++c)
+        if (const gs::Glyph* glyph = strokes().glyph(c); glyph && glyph->advance > 0) {
+            const gs::Box box = gs::boxOf(glyph->path);
+            EXPECT_GT(box.lowX, -0.2) << std::hex << std::uint32_t(c);
+            EXPECT_LT(box.highX, glyph->advance + 0.02) << std::hex << std::uint32_t(c);
+            EXPECT_GT(box.lowY, -0.5) << std::hex << std::uint32_t(c);
+        }
+}
+
+TEST(StrokeFont, HasTheSignsOfTolerancesUnderTheirLetters)
+{
+    gs::Font& signs = testFonts().find({u"GDT.SHX", false, false, false});
+    for (char32_t c = U'a'; c <= U'z'; ++c)
+        ASSERT_TRUE(signs.glyph(c)) << std::uint32_t(c);
+    EXPECT_NE(signs.glyph(U'j')->path.points().size(), strokes().glyph(U'j')->path.points().size());
+    EXPECT_FALSE(signs.glyph(U'5')); // lent by the font of letters
+}
+
 void table(const std::string& name, const std::vector<char32_t>& letters, std::u16string font)
 {
     constexpr int kColumns = 24;
