@@ -33,6 +33,7 @@ constexpr PageName kPages[] = {
 // clang-format on
 
 constexpr int kWindows1252 = 30;
+constexpr unsigned kFirstOther = 0x80; // what lies below is ASCII
 
 const PageName* pageNumbered(int number)
 {
@@ -125,14 +126,19 @@ CodePage::CodePage(int number, const char* converterName) : m_number(number), m_
     if (!converter)
         return; // ASCII only, by escapes: never with the ICU that we build upon
     m_isMultibyte = ucnv_getMaxCharSize(converter.get()) > 1;
-    for (unsigned byte = 0; byte < 256; ++byte) {
+    // In all of them: encode() writes these as they are. Some tables exchange control characters,
+    // or have an Arabic sign in the place of one of these.
+    for (unsigned byte = 0; byte < kFirstOther; ++byte)
+        m_units[byte] = static_cast<char16_t>(byte);
+    for (unsigned byte = kFirstOther; byte < 256 && !m_isMultibyte; ++byte) {
         UErrorCode error = U_ZERO_ERROR;
         const auto source = static_cast<char>(byte);
         char16_t units[4] = {};
         const int32_t size = ucnv_toUChars(converter.get(), units, 4, &source, 1, &error);
         const std::string back = bytesOf(converter.get(), {units, 1});
-        const bool exact = U_SUCCESS(error) && size == 1 && back == std::string(1, source);
-        if (!exact || (m_isMultibyte && byte >= 0x80))
+        const bool exact = U_SUCCESS(error) && size == 1 && units[0] >= kFirstOther &&
+                           back == std::string(1, source);
+        if (!exact)
             continue;
         m_units[byte] = units[0];
         m_bytes[units[0]] = static_cast<std::uint8_t>(byte);
@@ -147,7 +153,10 @@ bool CodePage::mayHoldEscapes(std::span<const std::uint8_t> bytes)
 
 bool CodePage::decode(std::span<const std::uint8_t> bytes, std::u16string& out) const
 {
-    const bool isWhole = m_isMultibyte ? decodeMultibyte(bytes, out) : decodeSingle(bytes, out);
+    const bool hasOthers =
+        std::any_of(bytes.begin(), bytes.end(), [](auto byte) { return byte >= kFirstOther; });
+    const bool isWhole =
+        m_isMultibyte && hasOthers ? decodeMultibyte(bytes, out) : decodeSingle(bytes, out);
     if (!mayHoldEscapes(bytes))
         return isWhole;
     resolveEscapes(out);
@@ -157,7 +166,7 @@ bool CodePage::decode(std::span<const std::uint8_t> bytes, std::u16string& out) 
 
 bool CodePage::has(char16_t unit) const
 {
-    return unit < 0x80 || m_bytes.count(unit) != 0 ||
+    return unit < kFirstOther || m_bytes.count(unit) != 0 ||
            (m_isMultibyte && !bytesOf(openConverter(m_name).get(), {&unit, 1}).empty());
 }
 
@@ -212,7 +221,7 @@ std::string CodePage::encode(std::u16string_view text) const
 void CodePage::appendUnit(std::u16string_view text, std::size_t& at, std::string& out) const
 {
     const char16_t unit = text[at];
-    if (unit < 0x80) {
+    if (unit < kFirstOther) {
         out += static_cast<char>(unit);
         ++at;
         return;

@@ -311,6 +311,36 @@ TEST(CodePage, LeadsThereAndBackOrKeepsTheBytes)
     EXPECT_EQ(dwg::CodePage::numbered(9999).number(), 30);
 }
 
+TEST(CodePage, WhatIsReadIsReadAgainFromWhatIsWritten)
+{
+    for (int number = 0; number <= 44; ++number) {
+        SCOPED_TRACE(number);
+        const dwg::CodePage& page = dwg::CodePage::numbered(number);
+        for (unsigned byte = 0; byte < 256; ++byte) {
+            const auto stored = static_cast<std::uint8_t>(byte);
+            std::u16string text, again;
+            const bool leadsBack = page.decode({&stored, 1}, text);
+            const std::string written = page.encode(text);
+            const auto* bytes = reinterpret_cast<const std::uint8_t*>(written.data());
+            EXPECT_EQ(leadsBack, written == std::string(1, static_cast<char>(byte))) << byte;
+            if (page.unitOf(stored) != 0) {
+                EXPECT_TRUE(leadsBack) << byte;
+                EXPECT_EQ(text, std::u16string(1, page.unitOf(stored))) << byte;
+            }
+            page.decode({bytes, written.size()}, again);
+            EXPECT_EQ(again, text) << byte;
+        }
+    }
+}
+
+// Some tables exchange control characters, or have another sign than the percent sign.
+TEST(CodePage, AsciiIsAsciiInEveryPage)
+{
+    for (const int number : {11, 19, 30})
+        for (const std::uint8_t byte : {0x1A, 0x1C, 0x25, 0x5C, 0x7F})
+            EXPECT_EQ(dwg::CodePage::numbered(number).unitOf(byte), byte) << number;
+}
+
 TEST(CodePage, EscapesAreReadAsWhatTheyAreWrittenFrom)
 {
     const auto isExact = [](int page, std::string_view stored, std::u16string_view read) {
