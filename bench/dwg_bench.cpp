@@ -20,6 +20,7 @@
 #include <dwg/dwg_codec.h>
 
 #include <lz2004.h>
+#include <paged_container.h>
 
 #include "ratio.h"
 
@@ -229,6 +230,64 @@ void takeInventory(benchmark::State& state)
 }
 BENCHMARK(takeInventory)->Arg(k2000)->Arg(k2018)->Repetitions(5)->Unit(benchmark::kMillisecond);
 
+// What no reader of a packed drawing can do without: the class of an object stands at its begin, so
+// that each page with objects is unpacked, beside the map, the classes and the variables.
+struct PackedPlan {
+    struct Page {
+        std::size_t at, packedSize; // in the file
+        std::size_t size;
+        bool isPacked;
+    };
+
+    PackedPlan()
+    {
+        const Buffer& bytes = drawing(k2018).bytes;
+        const auto opened = dwg::PagedContainer::open(bytes);
+        require(bool(opened));
+        dwg::PagedContainer& container = **opened;
+        for (const std::string_view name : {dwg::section::kObjects, dwg::section::kHandles,
+                                            dwg::section::kClasses, dwg::section::kHeader}) {
+            const std::size_t section = container.indexOf(name);
+            const auto& descriptor = container.descriptors()[section];
+            for (std::size_t i = 0; i < descriptor.pages.size(); ++i) {
+                const dwg::Bytes packed = container.diskBytes(section, i);
+                pages.push_back({static_cast<std::size_t>(packed.data() - bytes.data()),
+                                 packed.size(), descriptor.pageSize, descriptor.mode == 2});
+                packedBytes += packed.size();
+                unpackedBytes += descriptor.pageSize;
+            }
+        }
+        unpacked.resize(unpackedBytes);
+    }
+
+    std::vector<Page> pages;
+    std::size_t packedBytes = 0, unpackedBytes = 0;
+    Buffer unpacked;
+};
+
+void readAndUnpack(benchmark::State& state)
+{
+    static PackedPlan plan;
+    const std::string& path = drawing(k2018).path;
+    for (auto _ : state) {
+        const Buffer bytes = readWhole(path);
+        std::size_t to = 0;
+        for (const PackedPlan::Page& page : plan.pages) {
+            const dwg::Bytes packed = dwg::Bytes(bytes).subspan(page.at, page.packedSize);
+            const std::span out = std::span(plan.unpacked).subspan(to, page.size);
+            if (page.isPacked)
+                require(dwg::unpack2004(packed, out));
+            else
+                std::copy(packed.begin(), packed.end(), out.begin());
+            to += page.size;
+        }
+        benchmark::DoNotOptimize(plan.unpacked.data());
+    }
+    state.counters["unpacked/packed"] =
+        static_cast<double>(plan.unpackedBytes) / static_cast<double>(plan.packedBytes);
+}
+BENCHMARK(readAndUnpack)->Repetitions(5)->Unit(benchmark::kMillisecond);
+
 // --- 4b: decode everything
 
 void scanBits(benchmark::State& state)
@@ -351,6 +410,10 @@ const std::vector<RatioRow>& ratioRows()
             all.push_back({"4c one change, saved, over read and write" + name,
                            "changeOneAndSave" + end, "readAndWrite" + end, 1, 5, 2});
         }
+        const std::string inventory = "takeInventory/1032/repeats:5";
+        const std::string floor = "readAndUnpack/repeats:5", read = "readFile/1032/repeats:5";
+        all.push_back({"4a floor: read() and bare unpacking, AC1032", floor, read});
+        all.push_back({"4a inventory over that floor, AC1032", inventory, floor});
         return all;
     }();
     return rows;

@@ -10,7 +10,7 @@ struct RatioRow {
     std::string benchmark; ///< Name as the benchmark library prints it.
     std::string baseline;
     double scale = 1; ///< The baseline's time is multiplied by this (per-item comparisons).
-    double limit = 0; ///< What the first version must reach.
+    double limit = 0; ///< What the first version must reach; 0 where a row only explains others.
     double goal = 0;  ///< Where it is going.
 };
 

@@ -29,7 +29,9 @@ public:
         for (const RatioRow& row : ratioRows()) {
             const double own = median(row.benchmark);
             const double base = median(row.baseline) * row.scale;
-            if (own > 0 && base > 0)
+            if (own > 0 && base > 0 && row.limit == 0)
+                std::printf("%-64s %8.2fx\n", row.label.c_str(), own / base);
+            else if (own > 0 && base > 0)
                 std::printf("%-64s %8.2fx %7.2fx %7.2fx%s\n", row.label.c_str(), own / base,
                             row.limit, row.goal, own / base > row.limit ? "  OVER" : "");
         }

@@ -1,6 +1,9 @@
 #include "base/large_memory.h"
 
+#include <atomic>
 #include <cstdlib>
+#include <cstring>
+#include <utility>
 
 #if defined(__linux__)
 #include <sys/mman.h>
@@ -10,41 +13,83 @@ namespace base {
 
 namespace {
 
-#if defined(__linux__)
-
 constexpr std::size_t kHugePage = 2u << 20;
+constexpr std::size_t kSmallestHuge = 2 * kHugePage;
+#if defined(KV_SANITIZED)
+constexpr std::size_t kMostKept = 0; // so that whoever looks at it after it went is found out
+#else
+constexpr std::size_t kMostKept = 64u << 20;
+#endif
 
-std::uint8_t* takeMemory(std::size_t size)
+// The one piece that was given back last, for the next that needs as much: most of what a piece
+// costs is its first touch. It begins with its own size.
+std::atomic<std::uint8_t*> g_kept;
+
+void wishHugePages([[maybe_unused]] std::uint8_t* bytes, [[maybe_unused]] std::size_t size)
 {
-    if (size < 2 * kHugePage)
-        return static_cast<std::uint8_t*>(std::malloc(size));
-    const std::size_t whole = (size + kHugePage - 1) / kHugePage * kHugePage;
-    void* const bytes = whole >= size ? std::aligned_alloc(kHugePage, whole) : nullptr;
+#if defined(__linux__)
+    (void)::madvise(bytes, size, MADV_HUGEPAGE); // a wish: small pages do as well
+#endif
+}
+
+void letSystemTake([[maybe_unused]] std::uint8_t* bytes, [[maybe_unused]] std::size_t size)
+{
+#if defined(__linux__) && defined(MADV_FREE)
+    (void)::madvise(bytes, size, MADV_FREE); // when it runs short
+#endif
+}
+
+std::size_t sizeOf(const std::uint8_t* piece)
+{
+    std::size_t size = 0;
+    std::memcpy(&size, piece, sizeof size);
+    return size;
+}
+
+std::uint8_t* takeKept(std::size_t size)
+{
+    std::uint8_t* const piece = g_kept.exchange(nullptr);
+    if (piece && sizeOf(piece) == size)
+        return piece;
+    std::free(piece);
+    return nullptr;
+}
+
+std::uint8_t* takeHuge(std::size_t size)
+{
+    if (std::uint8_t* const kept = takeKept(size))
+        return kept;
+    void* const bytes = std::aligned_alloc(kHugePage, size);
     if (bytes)
-        (void)::madvise(bytes, whole, MADV_HUGEPAGE); // a wish: small pages do as well
+        wishHugePages(static_cast<std::uint8_t*>(bytes), size);
     return static_cast<std::uint8_t*>(bytes);
 }
 
-#else
-
-std::uint8_t* takeMemory(std::size_t size)
+std::size_t wholePages(std::size_t size)
 {
-    return static_cast<std::uint8_t*>(std::malloc(size));
+    const std::size_t whole = (size + kHugePage - 1) / kHugePage * kHugePage;
+    return size >= kSmallestHuge && whole >= size ? whole : 0;
 }
-
-#endif
 
 } // namespace
 
 void FreeLargeMemory::operator()(std::uint8_t* bytes) const
 {
+    if (bytes && size != 0 && size <= kMostKept) {
+        letSystemTake(bytes, size);
+        std::memcpy(bytes, &size, sizeof size);
+        bytes = g_kept.exchange(bytes);
+    }
     std::free(bytes);
 }
 
 LargeMemory makeLargeMemory(std::size_t size, bool isZero)
 {
-    return LargeMemory(isZero ? static_cast<std::uint8_t*>(std::calloc(size, 1))
-                              : takeMemory(size));
+    if (isZero)
+        return LargeMemory(static_cast<std::uint8_t*>(std::calloc(size, 1)));
+    if (const std::size_t whole = wholePages(size); whole != 0)
+        return LargeMemory(takeHuge(whole), FreeLargeMemory{whole});
+    return LargeMemory(static_cast<std::uint8_t*>(std::malloc(size)));
 }
 
 } // namespace base

@@ -6,13 +6,9 @@ namespace db {
 
 namespace {
 
-/// Of an object that is in memory only, or was opened: by its record.
-ObjectKind kindOf(const DatabaseImpl& database, const ObjectSlot& slot)
+/// Of an object that is in memory only.
+ObjectKind kindOf(const ObjectSlot& slot)
 {
-    if (slot.isStored) {
-        const base::Result<ObjectKind> kind = database.file()->kind(slot.handle);
-        return kind ? *kind : ObjectKind();
-    }
     const ClassDef* classDef = slot.object->record().classDef();
     return {classDef, classDef->name(), classDef->typeNumber(), classDef->isEntity()};
 }
@@ -22,18 +18,19 @@ class Counter
 public:
     explicit Counter(DatabaseImpl& database) : m_database(database) {}
 
-    void count(const ObjectSlot& slot)
+    /// The file tells the kinds of its objects in one walk.
+    void countAll()
     {
-        const ObjectKind kind = kindOf(m_database, slot);
-        DrawingInventory::Class& counted = m_classes[std::string(kind.className)];
-        counted.isEntity = kind.isEntity;
-        ++counted.objects;
-        ++m_counts.objects;
-        m_counts.highestHandle = std::max(m_counts.highestHandle, slot.handle);
-        if (isUnderstood(slot))
-            return;
-        ++counted.raw;
-        ++m_counts.raw;
+        if (m_database.file())
+            m_database.file()->forEachKind([this](std::uint64_t handle, const ObjectKind* kind) {
+                const ObjectSlot* slot = m_database.find(handle);
+                if (slot && slot->isStored && !slot->isErased)
+                    count(*slot, kind ? *kind : ObjectKind());
+            });
+        m_database.forEach([this](const ObjectSlot& slot) {
+            if (!slot.isStored)
+                count(slot, kindOf(slot));
+        });
     }
 
     DrawingInventory take()
@@ -46,6 +43,19 @@ public:
     }
 
 private:
+    void count(const ObjectSlot& slot, const ObjectKind& kind)
+    {
+        DrawingInventory::Class& counted = m_classes[std::string(kind.className)];
+        counted.isEntity = kind.isEntity;
+        ++counted.objects;
+        ++m_counts.objects;
+        m_counts.highestHandle = std::max(m_counts.highestHandle, slot.handle);
+        if (isUnderstood(slot))
+            return;
+        ++counted.raw;
+        ++m_counts.raw;
+    }
+
     bool isUnderstood(const ObjectSlot& slot)
     {
         if (slot.object && !slot.object->isRaw())
@@ -69,7 +79,7 @@ DrawingInventory inventoryOf(TvDbDatabase& database)
 {
     DatabaseImpl& impl = database.impl();
     Counter counter(impl);
-    impl.forEach([&](ObjectSlot& slot) { counter.count(slot); });
+    counter.countAll();
     DrawingInventory counts = counter.take();
     counts.version = impl.version();
     counts.seed = impl.header().handle("HANDSEED");
