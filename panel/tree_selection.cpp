@@ -160,7 +160,9 @@ bool SheetTree::SelectionHasSheet() const
 void SheetTree::RestoreSelection(const std::set<TvString>& handles)
 {
     const Batch batch(*this);
-    ClearSelection();
+    for (TreeItem* item : GetSelectedItems())
+        if (!handles.contains(item->handle()))
+            select(*item, false);
     if (handles.empty())
         return;
     if (TreeItem* first = itemOf(*handles.begin())) {
