@@ -2,9 +2,7 @@
 
 #include <core/not_available_yet.h>
 #include <core/open_sheet_set.h>
-#include <db/tv_status.h>
-#include <ed/system_variables.h>
-#include <ed/user_prompts.h>
+#include <core/short_variable.h>
 #include <rx/resource_module.h>
 #include <sm/tv_sm_database.h>
 
@@ -18,8 +16,7 @@ std::function<std::unique_ptr<core::NewSheetSetWizard>()>& maker()
 
 bool opensWhatWasMade()
 {
-    const TvResbufPtr value(tvutNewRb(static_cast<int>(TvStatus::ShortItem)));
-    return tvedGetVar(u"SSMAUTOOPEN", value.get()) == TvStatus::Normal && value->resval.rint != 0;
+    return core::shortVariable(u"SSMAUTOOPEN").value_or(0) != 0;
 }
 
 /// The file of the set that the user made; empty when he gave up.

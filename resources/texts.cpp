@@ -1,15 +1,13 @@
 #include "resources/texts.h"
 
-#include <algorithm>
 #include <cstring>
 #include <iterator>
 
+#include "text_rows.h"
+
 namespace {
 
-struct Row {
-    int number;
-    const char16_t* text;
-};
+using text::Row;
 
 // Ascending by number: looked up by halving.
 // clang-format off
@@ -38,10 +36,7 @@ const Language* g_language = &kLanguages[0];
 
 const char16_t* findIn(const Language& language, int number)
 {
-    const Row* end = language.rows + language.count;
-    const Row* row = std::lower_bound(language.rows, end, number,
-                                      [](const Row& at, int wanted) { return at.number < wanted; });
-    return row != end && row->number == number ? row->text : nullptr;
+    return text::findRow(language.rows, language.count, number);
 }
 
 } // namespace

@@ -11,7 +11,7 @@ using sm::Internals;
 TvSmSheetSetMgr* KvDbUtil::tarvGetSheetSetMgr()
 {
     static TvSmSheetSetMgr manager;
-    return &manager;
+    return sm::environment().manager ? sm::environment().manager : &manager;
 }
 
 bool KvDbUtil::GetCurrentLayout(TvDbDatabase*& db, const TvChar*& drawingName,

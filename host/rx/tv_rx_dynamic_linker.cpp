@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 
+#include "rx/tv_rx_dynamic_linker_output_guard.h"
+
 TVRX_DEFINE_MEMBERS(TvRxDynamicLinker, TvRxObject)
 TVRX_DEFINE_MEMBERS(TvRxDynamicLinkerImp, TvRxDynamicLinker)
 
@@ -60,7 +62,8 @@ base::Result<TvRxDynamicLinkerImp::Module> TvRxDynamicLinkerImp::start(const TvS
         return status;
     }
     const Module module{name, *handle,
-                        functionOf<TvRx::EntryPoint>(m_loader, *handle, TvRx::kEntryPointName)};
+                        functionOf<TvRx::EntryPoint>(m_loader, *handle, TvRx::kEntryPointName),
+                        false};
     m_modules.push_back(module); // so that its start finds itself loaded
     if (const int answer = module.entry(TvRx::kInitAppMsg, module.handle)) {
         std::erase_if(m_modules, [&](const Module& other) { return other.name == name; });
@@ -79,7 +82,7 @@ bool TvRxDynamicLinkerImp::loadModule(const TvString& name, int printit, int /*a
     if (started)
         return true;
     m_lastFailure = started.status();
-    if (printit && m_report)
+    if (printit && m_report && !TvRxDynamicLinkerOutputGuard::isQuiet())
         m_report(m_lastFailure);
     return false;
 }
@@ -112,6 +115,18 @@ std::vector<TvString> TvRxDynamicLinkerImp::loadedModules() const
     for (const Module& module : m_modules)
         names.push_back(module.name);
     return names;
+}
+
+void TvRxDynamicLinkerImp::registerModule(void* appId)
+{
+    for (Module& module : m_modules)
+        module.isRegistered = module.isRegistered || module.handle == appId;
+}
+
+bool TvRxDynamicLinkerImp::isModuleRegistered(const TvString& name) const
+{
+    const Module* module = find(name);
+    return module && module->isRegistered;
 }
 
 void TvRxDynamicLinkerImp::sendMessage(int message)

@@ -5,6 +5,7 @@
 #include <base/path_rules.h>
 #include <base/shared_module.h>
 #include <rx/tv_rx_dynamic_linker.h>
+#include <rx/tv_rx_dynamic_linker_output_guard.h>
 
 #include "temp_folder.h"
 
@@ -111,6 +112,25 @@ TEST_F(Linker, AFailureIsToldOnlyWhenAskedFor)
 {
     EXPECT_FALSE(linker.loadModule(u"Refusing.trx", 0, 1));
     EXPECT_TRUE(reported.empty());
+}
+
+TEST_F(Linker, AFailureIsNotToldWhileAGuardKeepsItQuiet)
+{
+    const TvRxDynamicLinkerOutputGuard quiet;
+    EXPECT_FALSE(linker.loadModule(u"Refusing.trx", 1, 1));
+    EXPECT_TRUE(reported.empty());
+    EXPECT_EQ(lastReason(), Reason::ModuleNotStarted);
+}
+
+TEST_F(Linker, AModuleIsRegisteredOnceItSaysSo)
+{
+    linker.loadModule(u"First.trx", 0, 0);
+    EXPECT_FALSE(linker.isModuleRegistered(u"First.trx"));
+    linker.registerModule(nullptr);
+    EXPECT_FALSE(linker.isModuleRegistered(u"First.trx"));
+    linker.registerModule(loader.loaded(u"First.trx"));
+    EXPECT_TRUE(linker.isModuleRegistered(u"First.trx"));
+    EXPECT_FALSE(linker.isModuleRegistered(u"Second.trx"));
 }
 
 TEST_F(Linker, AModuleOfAnotherInterfaceIsNeverCalled)

@@ -6,6 +6,7 @@
 #include <base/tv_string.h>
 
 class TvDbDatabase;
+class TvSmSheetSetMgr;
 
 namespace sm {
 
@@ -25,6 +26,7 @@ struct Environment {
     base::Clock* clock = nullptr;            // not owned; the machine's when null
     CurrentLayoutProvider* layout = nullptr; // not owned; none: no document
     TvString purpose = u"edit";              // told to others who meet our lock
+    TvSmSheetSetMgr* manager = nullptr; // not owned; the process's one when null
     bool useEditLock = true;                 // off only to prove that the fence alone loses nothing
 };
 

@@ -19,9 +19,9 @@ class TvRxDictionary : public TvRxObject
     /// @param object   not owned: whoever puts it in takes it out before it goes; null puts nothing
     /// in.
     /// @return the object that stood there before, or null.
-    TvRxObject* atPut(const TvString& key, TvRxObject* object);
+    virtual TvRxObject* atPut(const TvString& key, TvRxObject* object);
     /// Takes the entry out and gives its object, or null.
-    TvRxObject* remove(const TvString& key);
+    virtual TvRxObject* remove(const TvString& key);
     int numEntries() const { return static_cast<int>(m_entries.size()); }
     /// The keys, in the order they were put in.
     std::vector<TvString> keys() const;

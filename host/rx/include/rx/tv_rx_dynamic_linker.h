@@ -7,6 +7,9 @@
 #include <rx/tv_rx_module.h>
 #include <rx/tv_rx_object.h>
 
+/// The key of the linker in the system registry.
+constexpr const TvChar* kTvRxDynamicLinker = u"DynamicLinker";
+
 /// Loads and unloads modules and sends them the messages of their life. Stands in the system
 /// registry under "DynamicLinker".
 class TvRxDynamicLinker : public TvRxObject
@@ -25,6 +28,9 @@ class TvRxDynamicLinker : public TvRxObject
     virtual bool isModuleLoaded(const TvString& name) const = 0;
     /// Names of the modules, in the order they were started.
     virtual std::vector<TvString> loadedModules() const = 0;
+    /// A module that starts says that its classes are in the process from now on.
+    /// @param appId  what the linker gave it with its messages.
+    virtual void registerModule(void* appId) = 0;
 };
 
 /// The host's linker.
@@ -47,6 +53,9 @@ class TvRxDynamicLinkerImp : public TvRxDynamicLinker
     bool unloadModule(const TvString& name, int asCommand) override;
     bool isModuleLoaded(const TvString& name) const override;
     std::vector<TvString> loadedModules() const override;
+    void registerModule(void* appId) override;
+    /// Whether that module has said so.
+    bool isModuleRegistered(const TvString& name) const;
 
     /// Sends a message to each started module in the order of their start; kUnloadDwgMsg in the
     /// reverse. Modules that a handler loads or unloads meanwhile are not sent it.
@@ -61,6 +70,7 @@ private:
         TvString name;
         rx::ModuleLoader::Handle handle = nullptr;
         TvRx::EntryPoint entry = nullptr;
+        bool isRegistered = false;
     };
     base::Result<Module> start(const TvString& name);
     void stop(const Module& module);

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+
+namespace text {
+
+/// One text of a table. Tables ascend by number.
+struct Row {
+    int number;
+    const char16_t* text;
+};
+
+/// Null when the table has no such number. @note looked up by halving.
+inline const char16_t* findRow(const Row* rows, std::size_t count, int number)
+{
+    const Row* end = rows + count;
+    const Row* row = std::lower_bound(rows, end, number,
+                                      [](const Row& at, int wanted) { return at.number < wanted; });
+    return row != end && row->number == number ? row->text : nullptr;
+}
+
+} // namespace text
