@@ -26,7 +26,7 @@ struct Environment {
     base::Clock* clock = nullptr;            // not owned; the machine's when null
     CurrentLayoutProvider* layout = nullptr; // not owned; none: no document
     TvString purpose = u"edit";              // told to others who meet our lock
-    TvSmSheetSetMgr* manager = nullptr; // not owned; the process's one when null
+    TvSmSheetSetMgr* manager = nullptr;      // not owned; the process's one when null
     bool useEditLock = true;                 // off only to prove that the fence alone loses nothing
 };
 
