@@ -1,60 +1,94 @@
 #include "app/drawing_watch.h"
 
+#include <db/tv_db_dictionary.h>
+#include <db/tv_db_layout.h>
+#include <db/tv_db_symbol_table.h>
+#include <db/tv_db_viewport.h>
+
 namespace app {
+
+namespace {
+
+/// Whether a picture of the drawing may look different when it changes.
+bool isDrawn(const TvDbObject* object)
+{
+    if (!object)
+        return false;
+    const auto* viewport = tvrxCast<TvDbViewport>(object);
+    return !(viewport && viewport->isOverall()) && !object->isKindOf(TvDbLayout::desc()) &&
+           !object->isKindOf(TvDbDictionary::desc()) &&
+           !object->isKindOf(TvDbViewportTableRecord::desc());
+}
+
+} // namespace
 
 DrawingWatch::~DrawingWatch()
 {
-    for (const auto& [database, changes] : m_changes)
+    for (const auto& [database, counts] : m_counts)
         database->removeReactor(this);
 }
 
 void DrawingWatch::watch(TvDbDatabase* database)
 {
-    if (database && m_changes.emplace(database, 1).second)
+    if (database && m_counts.emplace(database, Counts()).second)
         database->addReactor(this);
 }
 
 void DrawingWatch::forget(TvDbDatabase* database)
 {
-    if (m_changes.erase(database) > 0)
+    if (m_counts.erase(database) > 0)
         database->removeReactor(this);
 }
 
 std::uint64_t DrawingWatch::changes(const TvDbDatabase* database) const
 {
-    const auto found = m_changes.find(database);
-    return found == m_changes.end() ? 0 : found->second;
+    return countsOf(database).all;
 }
 
-void DrawingWatch::count(const TvDbDatabase* database)
+std::uint64_t DrawingWatch::drawnChanges(const TvDbDatabase* database) const
 {
-    if (const auto found = m_changes.find(database); found != m_changes.end())
-        ++found->second;
+    return countsOf(database).drawn;
 }
 
-void DrawingWatch::objectAppended(const TvDbDatabase* database, const TvDbObject*)
+DrawingWatch::Counts DrawingWatch::countsOf(const TvDbDatabase* database) const
 {
-    count(database);
+    const auto found = m_counts.find(database);
+    return found == m_counts.end() ? Counts{0, 0} : found->second;
 }
 
-void DrawingWatch::objectModified(const TvDbDatabase* database, const TvDbObject*)
+void DrawingWatch::count(const TvDbDatabase* database, const TvDbObject* object)
 {
-    count(database);
+    const auto found = m_counts.find(database);
+    if (found == m_counts.end())
+        return;
+    ++found->second.all;
+    if (isDrawn(object))
+        ++found->second.drawn;
 }
 
-void DrawingWatch::objectErased(const TvDbDatabase* database, const TvDbObject*, bool)
+void DrawingWatch::objectAppended(const TvDbDatabase* database, const TvDbObject* object)
 {
-    count(database);
+    count(database, object);
+}
+
+void DrawingWatch::objectModified(const TvDbDatabase* database, const TvDbObject* object)
+{
+    count(database, object);
+}
+
+void DrawingWatch::objectErased(const TvDbDatabase* database, const TvDbObject* object, bool)
+{
+    count(database, object);
 }
 
 void DrawingWatch::headerSysVarChanged(const TvDbDatabase* database, const TvString&)
 {
-    count(database);
+    count(database, nullptr);
 }
 
 void DrawingWatch::databaseToBeDestroyed(const TvDbDatabase* database)
 {
-    m_changes.erase(database);
+    m_counts.erase(database);
 }
 
 } // namespace app

@@ -112,12 +112,23 @@ TvStatusCode Program::open(const TvString& path, bool orReadOnly, TvApDocument*&
         sayWhoUses(path);
     if (!isRefusal || !orReadOnly)
         return status;
-    const TvStatusCode second = m_documents->openDocument(path, true, out);
-    if (second == TvStatus::Ok)
+    return openReadOnly(path, out);
+}
+
+TvStatusCode Program::openReadOnly(const TvString& path, TvApDocument*& out)
+{
+    const TvStatusCode status = openCopy(path, out);
+    if (status == TvStatus::Ok)
         sayWord(Word::OpenedReadOnly, {path});
-    else
+    return status;
+}
+
+TvStatusCode Program::openCopy(const TvString& path, TvApDocument*& out)
+{
+    const TvStatusCode status = m_documents->openDocument(path, true, out);
+    if (status != TvStatus::Ok)
         sayFailure(path, m_documents->lastFailure());
-    return second;
+    return status;
 }
 
 } // namespace app

@@ -232,6 +232,15 @@ std::vector<LostSession> lostSessions(const TvString& parent, base::FileOps& ops
     return sessions;
 }
 
+void markAsChanged(TvDbDatabase& database)
+{
+    const bool wasRecording = database.undoRecording();
+    database.disableUndoRecording(true);
+    db::RecordEditor header = database.editHeader();
+    header.setReal("LTSCALE", database.headerRecord().real("LTSCALE"));
+    database.disableUndoRecording(!wasRecording);
+}
+
 void discard(const LostSession& session, base::FileOps& ops)
 {
     removeFolder(session.folder, ops);

@@ -178,6 +178,29 @@ TEST_F(RecoveryTest, WithoutAFolderNothingIsKept)
     EXPECT_TRUE(keeper.folder().isEmpty());
 }
 
+TEST_F(RecoveryTest, WhatWasRecoveredIsKeptAgainUntilItIsSaved)
+{
+    TvApDocument* document = open("a.dwg");
+    ASSERT_FALSE(document->database()->isModified());
+    app::markAsChanged(*document->database());
+    EXPECT_TRUE(document->database()->isModified());
+    EXPECT_FALSE(document->database()->hasUndo());
+    app::RecoveryKeeper keeper(sessions());
+    ASSERT_TRUE(keeper.keep(program.documents(), watch));
+    EXPECT_EQ(filesOf(keeper), 3u);
+}
+
+TEST(DrawingWatch, SwitchingLayoutsChangesNothingThatIsDrawn)
+{
+    TvDbDatabase drawing;
+    app::DrawingWatch watch;
+    watch.watch(&drawing);
+    const auto all = watch.changes(&drawing), drawn = watch.drawnChanges(&drawing);
+    ASSERT_EQ(ed::setCurrentLayout(drawing, u"Layout1"), TvStatus::Ok);
+    EXPECT_GT(watch.changes(&drawing), all);
+    EXPECT_EQ(watch.drawnChanges(&drawing), drawn);
+}
+
 TEST(DrawingWatch, CountsChangesAndUndo)
 {
     TvDbDatabase drawing;

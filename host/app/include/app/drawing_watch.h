@@ -26,6 +26,8 @@ public:
     void forget(TvDbDatabase* database);
     /// How often it changed so far; 0 for one that is not counted.
     std::uint64_t changes(const TvDbDatabase* database) const;
+    /// How often something changed that is drawn: not which layout is shown, and from where.
+    std::uint64_t drawnChanges(const TvDbDatabase* database) const;
 
 private:
     void objectAppended(const TvDbDatabase* database, const TvDbObject*) override;
@@ -33,9 +35,13 @@ private:
     void objectErased(const TvDbDatabase* database, const TvDbObject*, bool) override;
     void headerSysVarChanged(const TvDbDatabase* database, const TvString&) override;
     void databaseToBeDestroyed(const TvDbDatabase* database) override;
-    void count(const TvDbDatabase* database);
+    struct Counts {
+        std::uint64_t all = 1, drawn = 1;
+    };
+    void count(const TvDbDatabase* database, const TvDbObject* object);
+    Counts countsOf(const TvDbDatabase* database) const;
 
-    std::map<const TvDbDatabase*, std::uint64_t> m_changes;
+    std::map<const TvDbDatabase*, Counts> m_counts;
 };
 
 } // namespace app

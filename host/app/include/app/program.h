@@ -61,6 +61,10 @@ public:
     /// drawing that somebody else has in use, or that may not be written, is opened read only when
     /// @p orReadOnly says so, and that is said too.
     TvStatusCode open(const TvString& path, bool orReadOnly, TvApDocument*& out);
+    /// Opens it for looking only, and says so.
+    TvStatusCode openReadOnly(const TvString& path, TvApDocument*& out);
+    /// Opens a private copy of a drawing, which cannot be saved under its own name.
+    TvStatusCode openCopy(const TvString& path, TvApDocument*& out);
 
 private:
     ProgramFolders m_folders;

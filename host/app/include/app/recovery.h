@@ -9,6 +9,7 @@
 #include <base/status.h>
 
 class TvApDocManager;
+class TvDbDatabase;
 
 namespace app {
 
@@ -74,5 +75,9 @@ std::vector<LostSession> lostSessions(const TvString& parent,
                                       base::FileOps& ops = base::systemFileOps());
 /// Takes what a run left behind away: it was recovered, or the user does not want it.
 void discard(const LostSession& session, base::FileOps& ops = base::systemFileOps());
+
+/// Makes a drawing one that has unsaved changes, without changing anything: what was recovered is
+/// kept and asked about until it is saved.
+void markAsChanged(TvDbDatabase& database);
 
 } // namespace app

@@ -7,8 +7,10 @@
 
 #include <base/status.h>
 
-#include "app/headless.h"
-#include "app/words.h"
+#include <app/headless.h>
+#include <app/words.h>
+
+#include "window/run_window.h"
 
 namespace {
 
@@ -55,7 +57,7 @@ void sayLine(const TvString& text)
     err(app::textOf(app::Word::MessageLine, {base::escapedForDisplay(text)}).utf8() + "\n");
 }
 
-app::ExitCode run(const std::vector<std::string>& arguments)
+app::ExitCode run(const std::vector<std::string>& arguments, int& argc, char** argv)
 {
     using app::Word;
     const app::Options options = app::parseOptions(arguments);
@@ -68,7 +70,10 @@ app::ExitCode run(const std::vector<std::string>& arguments)
         out((options.wantsHelp ? app::helpText() : app::versionText()).utf8());
         return app::ExitCode::Ok;
     }
-    return app::runHeadless(options, app::ProgramFolders::ofUser(), {out, err, readStandardInput});
+    const app::HeadlessPorts ports{out, err, readStandardInput};
+    const app::ProgramFolders folders = app::ProgramFolders::ofUser();
+    return options.isHeadless ? app::runHeadless(options, folders, ports)
+                              : window::runWindow(options, folders, ports, argc, argv);
 }
 
 } // namespace
@@ -77,7 +82,7 @@ int main(int argc, char** argv)
 {
     std::signal(SIGPIPE, SIG_IGN); // a reader that went shows as EPIPE
     try {
-        return static_cast<int>(run({argv + (argc > 0), argv + argc}));
+        return static_cast<int>(run({argv + (argc > 0), argv + argc}, argc, argv));
     } catch (const std::exception& failure) {
         sayLine(app::textOf(app::Word::InternalError, {TvString(failure.what())}));
     } catch (...) {

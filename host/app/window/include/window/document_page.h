@@ -1,0 +1,83 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+
+#include <QTabBar>
+#include <QWidget>
+
+#include <db/tv_db_object_id.h>
+#include <ed/drawing_view.h>
+#include <window/drawing_canvas.h>
+
+class TvApDocument;
+
+namespace app {
+class DrawingWatch;
+}
+
+namespace window {
+
+/// One open drawing: what it shows, and the tabs of its layouts below.
+///
+/// The page keeps a view for each layout while it is open; the drawing gets them when a command
+/// asks, or when it is saved.
+class DocumentPage : public QWidget
+{
+public:
+    /// Neither is owned; both outlive the page.
+    DocumentPage(TvApDocument& document, const app::DrawingWatch& watch, QWidget* parent = nullptr);
+
+    TvApDocument& document() const { return m_document; }
+    DrawingCanvas& canvas() { return *m_canvas; }
+    QTabBar& layoutTabs() { return *m_tabs; }
+
+    /// Brings tabs and picture up to the drawing, as far as they are behind it.
+    void refresh();
+    /// Draws it anew.
+    void regenerate();
+    /// The stored views count again.
+    void forgetViews();
+
+    /// What is shown of that layout, in its display coordinates; nullopt for one that was not shown
+    /// yet.
+    std::optional<ed::View> shownView(TvDbObjectId layout) const;
+    /// The stored view of that layout has changed: show it.
+    void showStoredView(TvDbObjectId layout);
+    /// Each view that differs from the stored one is given to @p keep.
+    void eachView(const std::function<void(TvDbObjectId, const ed::View&)>& keep) const;
+
+    std::function<void(const TvString&)> onLayoutChosen;
+    std::function<void(TvDbObjectId, const QPoint&)> onLayoutMenu;
+
+private:
+    struct Shown {
+        std::shared_ptr<const gs::DisplayList> list;
+        std::uint64_t changes = 0; ///< of the drawing when the list was made
+        std::optional<app::ViewTransform> view;
+        bool isTouched = false; ///< the user has panned or zoomed: it is his view
+        TvGePoint2d planOrigin; ///< of display coordinates, in the list's plane
+        ed::View stored;        ///< as the drawing has it
+    };
+    void refreshTabs();
+    void refreshList(TvDbObjectId layout);
+    void show(TvDbObjectId layout);
+    app::ViewTransform firstView(const Shown& shown, TvDbObjectId layout) const;
+
+    TvApDocument& m_document;
+    const app::DrawingWatch& m_watch;
+    DrawingCanvas* m_canvas;
+    QTabBar* m_tabs;
+    std::map<TvDbObjectId, Shown> m_shown;
+    TvDbObjectId m_current;
+    std::vector<TvDbObjectId> m_layouts; ///< as the tabs have them
+    std::vector<TvString> m_names;
+    std::uint64_t m_tabChanges = 0;
+    bool m_isFilling = false;
+};
+
+/// What a layout is shown on: the theme's screen, or paper.
+gs::Background backgroundFor(const gs::DisplayList& list);
+
+} // namespace window
