@@ -1,5 +1,6 @@
 #include "host_style.h"
 
+#include <QGroupBox>
 #include <QPainter>
 #include <QStyleFactory>
 #include <QStyleOption>
@@ -42,6 +43,19 @@ constexpr PaletteRow kPalette[] = {
 };
 // clang-format on
 
+/// Below the title, which stands on the ground of the window.
+void paintGroup(QPainter& painter, const QStyleOption& option, const QWidget* widget)
+{
+    const auto* group = dynamic_cast<const QGroupBox*>(widget);
+    QStyleOption frame = option;
+    frame.state &= ~QStyle::State_HasFocus;
+    if (group && !group->title().isEmpty())
+        frame.rect.setTop(frame.rect.top() + option.fontMetrics.height() + 2);
+    paintFrame(painter, frame);
+}
+
+constexpr int kRowRoomPx = 4; // between the lines of lists and trees
+
 } // namespace
 
 HostStyle::HostStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
@@ -62,8 +76,8 @@ void HostStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
 {
     switch (element) {
     case PE_FrameFocusRect: paintFocus(*painter, option->rect); break;
+    case PE_FrameGroupBox: paintGroup(*painter, *option, widget); break;
     case PE_Frame:
-    case PE_FrameGroupBox:
     case PE_FrameLineEdit: paintFrame(*painter, *option); break;
     case PE_PanelButtonCommand: paintButton(*painter, *option); break;
     case PE_IndicatorCheckBox:
@@ -81,6 +95,13 @@ void HostStyle::drawComplexControl(ComplexControl control, const QStyleOptionCom
         paintCombo(*painter, *combo, subControlRect(CC_ComboBox, option, SC_ComboBoxArrow, widget));
     else
         QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+QSize HostStyle::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                                  const QWidget* widget) const
+{
+    const QSize usual = QProxyStyle::sizeFromContents(type, option, size, widget);
+    return type == CT_ItemViewItem ? usual + QSize(0, kRowRoomPx) : usual;
 }
 
 int HostStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,

@@ -18,6 +18,7 @@ PaletteStrip::PaletteStrip(QWidget* parent) : QAbstractButton(parent)
 {
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_Hover);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
 void PaletteStrip::setUpright(bool isUpright)
@@ -34,7 +35,7 @@ int PaletteStrip::thickness() const
 
 QSize PaletteStrip::sizeHint() const
 {
-    const QSize lying(fontMetrics().horizontalAdvance(text()) + 4 * kPaddingPx, thickness());
+    const QSize lying(fontMetrics().horizontalAdvance(text()) + 6 * kPaddingPx, thickness());
     return m_isUpright ? lying.transposed() : lying;
 }
 

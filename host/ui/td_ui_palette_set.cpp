@@ -251,8 +251,10 @@ bool CTdUiPaletteSet::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::Enter &&
         (watched == m_parts->strip || (watched == m_parts->titleBar && isFloating())))
         m_parts->rollOut(false);
-    if (watched == this && (event->type() == QEvent::Enter || event->type() == QEvent::Leave))
+    if (watched == this && (event->type() == QEvent::Enter || event->type() == QEvent::Leave)) {
+        m_parts->isMouseIn = event->type() == QEvent::Enter;
         m_parts->updateOpacity();
+    }
     return QDockWidget::eventFilter(watched, event);
 }
 

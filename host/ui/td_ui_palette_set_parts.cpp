@@ -76,8 +76,6 @@ void CTdUiPaletteSet::Parts::build(const TvString& toolId)
     const ui::PaletteTitleBar::Actions actions{[this] { showMenu(); },
                                                [this] { set.SetAutoRollup(!isRollup); },
                                                [this] { set.setShown(false); }};
-    titleBar = new ui::PaletteTitleBar(&set, actions);
-    set.setTitleBarWidget(titleBar);
     body = new Body(&set);
     tabs = new QTabWidget(body);
     tabs->setDocumentMode(true);
@@ -86,6 +84,9 @@ void CTdUiPaletteSet::Parts::build(const TvString& toolId)
     body->layout()->addWidget(tabs);
     body->layout()->addWidget(strip);
     set.setWidget(body);
+    // Behind the palettes, so that Tab and the first focus come to them first.
+    titleBar = new ui::PaletteTitleBar(&set, actions);
+    set.setTitleBarWidget(titleBar);
     flyout = new QFrame(frame ? static_cast<QWidget*>(frame) : &set);
     flyout->setFrameShape(QFrame::StyledPanel);
     flyout->setAutoFillBackground(true);
@@ -134,7 +135,6 @@ void CTdUiPaletteSet::Parts::arrange()
 
 void CTdUiPaletteSet::Parts::arrangeDocked()
 {
-    set.setMaximumHeight(QWIDGETSIZE_MAX);
     titleBar->setFolded(isRollup);
     strip->setVisible(isRollup);
     free(*body);
@@ -170,14 +170,13 @@ void CTdUiPaletteSet::Parts::arrangeFloating()
     free(*body);
     const bool showsPage = !isRollup || isOut;
     tabs->setVisible(showsPage);
-    if (!showsPage) {
-        body->setFixedHeight(0);
-        set.setMaximumHeight(titleBar->sizeHint().height() + 2 * set.contentsRect().top() + 2);
-        return;
-    }
-    body->setMinimumSize(minimum);
-    set.setMaximumHeight(QWIDGETSIZE_MAX);
-    if (!floating.isNull())
+    body->setMinimumSize(minimum.width(), showsPage ? minimum.height() : 0);
+    if (!showsPage)
+        body->setMaximumHeight(0);
+    set.layout()->activate();
+    if (!showsPage)
+        set.resize(set.width(), titleBar->sizeHint().height());
+    else if (!floating.isNull())
         set.setGeometry(floating);
 }
 
@@ -259,7 +258,7 @@ bool CTdUiPaletteSet::Parts::isSomebodyThere() const
 
 void CTdUiPaletteSet::Parts::updateOpacity()
 {
-    const bool isClear = isTransparent && set.isFloating() && !set.underMouse();
+    const bool isClear = isTransparent && set.isFloating() && !isMouseIn;
     const double opacity = isClear ? 1 - transparency / 100.0 : 1;
     if (set.isWindow() && set.windowOpacity() != opacity)
         set.setWindowOpacity(opacity);
@@ -332,7 +331,6 @@ void CTdUiPaletteSet::Parts::dock(ed::DockSide side, const QRect& rect)
     const QSize size = docked.isNull() ? kStandardSize : docked.size();
     static_cast<Body*>(body)->wanted = size.boundedTo(frame->size()).expandedTo(minimum);
     free(*body);
-    set.setMaximumHeight(QWIDGETSIZE_MAX);
     set.setFloating(false);
     frame->addDockWidget(row->area, &set);
     set.setVisible(wasShown);

@@ -37,6 +37,7 @@ struct CTdUiPaletteSet::Parts {
     unsigned edges = 15; // ed::DockEdges
     QSize minimum{120, 80};
     bool isRollup = false, isOut = false, isOutByKeys = false;
+    bool isMouseIn = false;
     bool isArranging = false; // what moves now is moved by us
     bool isTransparent = false;
     int transparency = 0; // percent

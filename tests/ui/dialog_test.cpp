@@ -24,8 +24,8 @@ constexpr int kName = 101, kCheck = 102, kFirst = 103, kSecond = 104, kOther = 1
 
 // clang-format off
 constexpr text::ControlTemplate kRows[] = {
-    {Control::Label,    0,       23341,   8,   8, 100,  9},
-    {Control::Edit,     kName,   0,     110,   6, 110, 14, text::kGrowsX},
+    {Control::Label,    0,       23341,   8,   8, 150,  9},
+    {Control::Edit,     kName,   0,     164,   6,  58, 14, text::kGrowsX},
     {Control::CheckBox, kCheck,  23342,   8,  26, 200, 11},
     {Control::Group,    kFrame,  23340,   8,  40, 212, 46, text::kGrowsX},
     {Control::Radio,    kFirst,  23347,  16,  52, 60, 11, text::kGroup},
