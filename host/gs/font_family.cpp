@@ -49,6 +49,16 @@ constexpr Mark kMarks[] = {
     {"b", true, false}, {"i", false, true}, {"", false, false},
 };
 
+struct KnownWidth {
+    std::string_view family; // in small letters
+    double width;
+};
+
+constexpr KnownWidth kWidths[] = {
+    {"arial", 0.683},   {"helvetica", 0.681}, {"times new roman", 0.693}, {"courier new", 1.05},
+    {"calibri", 0.708}, {"tahoma", 0.69},     {"verdana", 0.79},          {"arial narrow", 0.56},
+};
+
 std::string lowered(std::string text)
 {
     for (char& c : text)
@@ -109,6 +119,15 @@ FontFamily familyOf(const FontName& name)
     family.isBold = family.isBold || name.isBold;
     family.isItalic = family.isItalic || name.isItalic;
     return family;
+}
+
+double usualWidth(std::string_view family)
+{
+    const std::string low = lowered(std::string(family));
+    for (const KnownWidth& known : kWidths)
+        if (low == known.family)
+            return known.width;
+    return 0;
 }
 
 } // namespace gs

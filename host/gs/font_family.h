@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "gs/fonts.h"
 
@@ -19,5 +20,9 @@ struct FontFamily {
 /// Signs: the stroke font of geometric tolerances. Folders in the name do not count; a file of
 /// letters that are bold or italic ("arialbd.ttf") is its family, bold or italic.
 FontFamily familyOf(const FontName& name);
+
+/// How wide the letters a to z of a widespread family are on average, in heights of its capitals;
+/// 0 for others.
+double usualWidth(std::string_view family);
 
 } // namespace gs

@@ -50,10 +50,20 @@ FontFile fileOf(const Pattern& found)
     return file;
 }
 
+bool hasFamily(const Pattern& found, const std::string& family)
+{
+    FcChar8* name = nullptr;
+    for (int i = 0; FcPatternGetString(found.get(), FC_FAMILY, i, &name) == FcResultMatch; ++i)
+        if (FcStrCmpIgnoreCase(name, reinterpret_cast<const FcChar8*>(family.c_str())) == 0)
+            return true;
+    return false;
+}
+
 } // namespace
 
-// The configuration is the one that other parts of the process use, too; its end is not ours.
-FontFinder::FontFinder() : m_config(FcConfigReference(nullptr)) {}
+// A configuration of our own, which ends with us: the one of the process lives to its end, where
+// nobody may end it for those who still use it.
+FontFinder::FontFinder() : m_config(FcInitLoadConfigAndFonts()) {}
 
 FontFinder::~FontFinder()
 {
@@ -72,7 +82,10 @@ FontFile FontFinder::find(const std::string& family, bool isBold, bool isItalic)
     FcPatternAddInteger(wanted.get(), FC_WEIGHT, isBold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
     FcPatternAddInteger(wanted.get(), FC_SLANT, isItalic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
     FcPatternAddBool(wanted.get(), FC_SCALABLE, FcTrue);
-    return fileOf(match(m_config, wanted));
+    const Pattern found = match(m_config, wanted);
+    FontFile file = fileOf(found);
+    file.isOther = !found || !hasFamily(found, family);
+    return file;
 }
 
 FontFile FontFinder::withCharacter(char32_t character) const

@@ -14,6 +14,7 @@ struct FontFile {
     int index = 0;
     bool isBold = false;
     bool isItalic = false;
+    bool isOther = false; ///< of another family than was asked for
 };
 
 /// Asks the machine which fonts it has.
@@ -31,7 +32,7 @@ public:
     FontFile withCharacter(char32_t character) const;
 
 private:
-    _FcConfig* m_config; // a reference of ours; null on a machine without fonts
+    _FcConfig* m_config; // owned; null on a machine without fonts
 };
 
 } // namespace gs

@@ -36,7 +36,7 @@ Glyph box()
 } // namespace
 
 struct Fonts::Impl {
-    using FileKey = std::tuple<std::string, int, bool, bool>; // path, index, made bold, made italic
+    using FileKey = std::tuple<std::string, int, LetterChange>; // path, index
 
     Font& outline(const FontFamily& family)
     {
@@ -45,8 +45,13 @@ struct Fonts::Impl {
             return *found->second;
         if (byFamily.size() >= kMostFonts)
             return draughting;
-        Font* font = open(finder.find(family.name, family.isBold, family.isItalic), family.isBold,
-                          family.isItalic);
+        const FontFile file = finder.find(family.name, family.isBold, family.isItalic);
+        LetterChange change;
+        change.slant = family.isItalic && !file.isItalic ? kSlant : 0;
+        change.weight = family.isBold && !file.isBold ? kWeight : 0;
+        // Paragraphs break where they did with the font that was meant.
+        change.meanWidth = file.isOther ? usualWidth(family.name) : 0;
+        Font* font = open(file, change);
         if (!font)
             font = &draughting;
         byFamily.emplace(key, font);
@@ -54,19 +59,15 @@ struct Fonts::Impl {
     }
 
     /// Null when the file is none, or cannot be read.
-    Font* open(const FontFile& file, bool isBold, bool isItalic)
+    Font* open(const FontFile& file, const LetterChange& change)
     {
         if (file.path.empty())
             return nullptr;
-        const bool makeBold = isBold && !file.isBold, makeItalic = isItalic && !file.isItalic;
-        const FileKey key(file.path, file.index, makeBold, makeItalic);
+        const FileKey key(file.path, file.index, change);
         auto found = byFile.find(key);
         if (found == byFile.end())
-            found = byFile
-                        .emplace(key,
-                                 OutlineFont::open(reader, file.path, file.index,
-                                                   makeItalic ? kSlant : 0, makeBold ? kWeight : 0))
-                        .first;
+            found =
+                byFile.emplace(key, OutlineFont::open(reader, file.path, file.index, change)).first;
         return found->second.get();
     }
 
@@ -78,7 +79,7 @@ struct Fonts::Impl {
                 return glyph;
         if (lacked.contains(character) || lacked.size() >= kMostQuestions)
             return nullptr;
-        if (Font* font = open(finder.withCharacter(character), false, false))
+        if (Font* font = open(finder.withCharacter(character), {}))
             if (const Glyph* glyph = font->glyph(character)) {
                 lenders.push_back(font);
                 return glyph;

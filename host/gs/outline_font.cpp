@@ -1,5 +1,7 @@
 #include "outline_font.h"
 
+#include <algorithm>
+
 #include FT_OUTLINE_H
 #include FT_TRUETYPE_TABLES_H
 
@@ -11,6 +13,8 @@ namespace {
 
 // Of the em: what capitals measure in a face that does not tell.
 constexpr double kUsualCapital = 0.72;
+// How far a font is squeezed or stretched to be as wide as another.
+constexpr double kNarrowest = 0.75, kWidest = 1.35;
 
 /// Makes a path of an outline: the callbacks of FreeType's walk over it.
 struct OutlineWalk {
@@ -80,20 +84,35 @@ FontReader::~FontReader()
 }
 
 std::unique_ptr<OutlineFont> OutlineFont::open(const FontReader& reader, const std::string& path,
-                                               int index, double slant, double weight)
+                                               int index, const LetterChange& change)
 {
     FT_Face face = nullptr;
     if (!reader.library() || FT_New_Face(reader.library(), path.c_str(), index, &face) != 0)
         return nullptr;
-    std::unique_ptr<OutlineFont> font(new OutlineFont(face, slant, weight));
+    std::unique_ptr<OutlineFont> font(new OutlineFont(face, change));
     return FT_IS_SCALABLE(face) && font->m_scale > 0 ? std::move(font) : nullptr;
 }
 
-OutlineFont::OutlineFont(FT_Face face, double slant, double weight)
-    : m_face(face), m_slant(slant), m_weight(weight)
+OutlineFont::OutlineFont(FT_Face face, const LetterChange& change) : m_face(face), m_change(change)
 {
     const double capital = capitalHeight();
     m_scale = capital > 0 ? 1 / capital : 0;
+    const double mean = change.meanWidth > 0 ? meanWidth() * m_scale : 0;
+    if (mean > 0)
+        m_widthFactor = std::clamp(change.meanWidth / mean, kNarrowest, kWidest);
+}
+
+/// Of the small letters, in the face's units.
+double OutlineFont::meanWidth() const
+{
+    constexpr int kLetters = 26;
+    double sum = 0;
+    for (FT_ULong letter = 'a'; letter < 'a' + kLetters; ++letter) {
+        if (FT_Load_Char(m_face, letter, FT_LOAD_NO_SCALE) != 0)
+            return 0;
+        sum += static_cast<double>(m_face->glyph->metrics.horiAdvance);
+    }
+    return sum / kLetters;
 }
 
 OutlineFont::~OutlineFont()
@@ -126,22 +145,23 @@ std::optional<Glyph> OutlineFont::make(char32_t character)
         m_face->glyph->format != FT_GLYPH_FORMAT_OUTLINE)
         return std::nullopt;
     FT_Outline& outline = m_face->glyph->outline;
-    if (m_weight > 0)
-        FT_Outline_Embolden(&outline, static_cast<FT_Pos>(m_weight / m_scale));
+    if (m_change.weight > 0)
+        FT_Outline_Embolden(&outline, static_cast<FT_Pos>(m_change.weight / m_scale));
     FT_Outline_Funcs callbacks{};
     callbacks.move_to = OutlineWalk::move;
     callbacks.line_to = OutlineWalk::line;
     callbacks.conic_to = OutlineWalk::conic;
     callbacks.cubic_to = OutlineWalk::cubic;
     OutlineWalk walk;
-    walk.map = {m_scale, m_scale * m_slant, 0, 0, m_scale, 0};
+    walk.map = {m_scale * m_widthFactor, m_scale * m_change.slant, 0, 0, m_scale, 0};
     if (FT_Outline_Decompose(&outline, &callbacks, &walk) != 0)
         return std::nullopt;
     walk.finish();
     Glyph glyph;
     glyph.path = std::move(walk.path);
     glyph.isFilled = true;
-    glyph.advance = static_cast<double>(m_face->glyph->metrics.horiAdvance) * m_scale + m_weight;
+    const double advance = static_cast<double>(m_face->glyph->metrics.horiAdvance) * m_scale;
+    glyph.advance = (advance + m_change.weight) * m_widthFactor;
     return glyph;
 }
 

@@ -27,28 +27,37 @@ private:
     FT_Library m_library = nullptr; // owned; null when it did not start
 };
 
+/// How letters are changed that stand in for others.
+struct LetterChange {
+    double slant = 0;     ///< of a family without italics: how far a letter 1 high leans
+    double weight = 0;    ///< of one without bold letters: added, in heights of capitals
+    double meanWidth = 0; ///< that a to z get, in heights of capitals; 0: their own
+
+    friend auto operator<=>(const LetterChange&, const LetterChange&) = default;
+};
+
 /// A font of outlines, from a file of the machine. Scaled so that its capitals are 1 high.
 class OutlineFont : public Font
 {
 public:
     /// @param path, index  of the face, as the machine names it.
-    /// @param slant  1 leans it, for a family without italics. @param weight  added to the
-    /// outlines, in heights of capitals, for one without bold letters.
     /// @return null when the file cannot be read, or has no outlines.
     static std::unique_ptr<OutlineFont> open(const FontReader& reader, const std::string& path,
-                                             int index, double slant, double weight);
+                                             int index, const LetterChange& change);
     ~OutlineFont() override;
 
     const Glyph* glyph(char32_t character) override;
 
 private:
-    OutlineFont(FT_Face face, double slant, double weight);
+    OutlineFont(FT_Face face, const LetterChange& change);
     std::optional<Glyph> make(char32_t character);
     double capitalHeight() const;
+    double meanWidth() const;
 
     FT_Face m_face; // owned
-    double m_slant, m_weight;
+    LetterChange m_change;
     double m_scale = 0; // from the face's units to heights of capitals
+    double m_widthFactor = 1;
     std::unordered_map<char32_t, std::optional<Glyph>> m_made;
 };
 

@@ -1,6 +1,7 @@
 #include "text_mtext.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include <db/ge_values.h>
 #include <ge/ocs.h>
@@ -32,8 +33,11 @@ void setColumns(const db::MTextColumns& columns, double definedHeight, TextFrame
     frame.gutter = columns.gutter >= 0 && columns.gutter <= kLargestHeight ? columns.gutter : 0;
     frame.isReversed = columns.isReversed;
     if (!isStatic && !columns.hasAutoHeight) {
-        for (std::size_t i = 0; i < std::min(columns.heights.size(), kMostColumns); ++i)
-            frame.columnHeights.push_back(std::max(soundLength(columns.heights[i]), frame.height));
+        for (std::size_t i = 0; i < std::min(columns.heights.size(), kMostColumns); ++i) {
+            // Signs differ from drawing to drawing; without a height a column takes all there is.
+            const double height = soundLength(std::abs(columns.heights[i]));
+            frame.columnHeights.push_back(height > 0 ? height : kLargestHeight);
+        }
     } else if (const double height = soundLength(definedHeight); height > 0) {
         const auto most = static_cast<std::int64_t>(kMostColumns);
         const std::int64_t count = std::clamp<std::int64_t>(columns.count, 1, most);

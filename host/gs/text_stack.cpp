@@ -6,9 +6,9 @@ namespace gs {
 
 namespace {
 
-// Of the height of the letters: above and below the line of a fraction, beside a stack, how far a
-// diagonal fraction's upper text is raised and how wide its stroke is.
-constexpr double kRoom = 0.3, kBeside = 0.15, kRaised = 0.6, kDiagonal = 0.7;
+// Of the height of the letters: above and below the line of a fraction, beside a stack, and between
+// the texts of a diagonal fraction, whose upper one stands on the height of the lower.
+constexpr double kRoom = 0.3, kBeside = 0.1, kRaised = 1, kDiagonal = 0.1;
 
 } // namespace
 
@@ -40,7 +40,8 @@ void writeStack(const TextStack& stack, const LetterLook& look, TvGePoint2d at, 
     if (stack.kind == TextStack::Kind::Diagonal) {
         pen.letters(stack.upper, look, {left, at.y + kRaised * look.height}, map);
         pen.letters(stack.lower, look, {right - lower, at.y}, map);
-        pen.line({left + upper, at.y}, {right - lower, at.y + extent.height}, look.color, map);
+        pen.line({left + upper / 2, at.y}, {right - lower / 2, at.y + extent.height}, look.color,
+                 map);
         return;
     }
     const double middle = (left + right) / 2;

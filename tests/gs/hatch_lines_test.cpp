@@ -168,18 +168,18 @@ TEST(HostileHatchLines, AreBounded)
     EXPECT_EQ(kind(0, {0, 0}, {1e300, 1}, {1, -1}), Kind::Tint);
 }
 
-TEST(HostileHatchLines, GoThroughAHundredThousandCorners)
+TEST(HostileHatchLines, GoThroughFortyThousandCorners)
 {
     std::vector<HatchSample::Corner> comb;
-    for (int i = 0; i < 50'000; ++i) {
+    for (int i = 0; i < 20'000; ++i) {
         comb.push_back({{i * 1.0, 0}});
         comb.push_back({{i + 0.5, 10}});
     }
-    comb.push_back({{50'000, -5}});
+    comb.push_back({{20'000, -5}});
     comb.push_back({{0, -5}});
     HatchSample hatch;
-    hatch.polyline(comb).lines(0, {0, 0}, {0, 1}, {});
-    EXPECT_EQ(hatch.shape().kind, gs::HatchShape::Kind::Tint); // ten times 50,000 crossings
+    hatch.polyline(comb).lines(0, {0, 0}, {0, 0.9}, {});
+    EXPECT_EQ(hatch.shape().kind, gs::HatchShape::Kind::Tint); // more than 200,000 pieces
     HatchSample few;
     few.polyline(comb).lines(0, {0, 0}, {0, 8}, {});
     EXPECT_EQ(few.shape().kind, gs::HatchShape::Kind::Lines);

@@ -38,6 +38,20 @@ TEST(Fonts, PutTheNearestOneInPlaceOfOneThatIsNotThere)
               letter(u"DejaVu Sans", U'A', true).path.points().size());
 }
 
+TEST(Fonts, AreAsWideAsTheWidespreadFontThatTheyStandInFor)
+{
+    const auto meanWidth = [](std::u16string_view family) {
+        double sum = 0;
+        for (char32_t c = U'a'; c <= U'z'; ++c)
+            sum += letter(family, c, true).advance;
+        return sum / 26;
+    };
+    EXPECT_NEAR(meanWidth(u"Arial"), 0.683, 0.03);
+    EXPECT_NEAR(meanWidth(u"times new roman"), 0.693, 0.03);
+    // A font that is there keeps its own.
+    EXPECT_GT(meanWidth(u"DejaVu Sans"), 0.72);
+}
+
 TEST(Fonts, ScaleOutlinesSoThatCapitalsAreAsHighAsTheText)
 {
     for (const std::u16string_view name : {u"DejaVu Sans", u"DejaVu Serif", u"DejaVu Sans Mono"}) {

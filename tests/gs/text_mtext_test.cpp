@@ -215,7 +215,8 @@ TEST(MText, StacksFractions)
     // A line between the two for a fraction, none for tolerances.
     EXPECT_EQ(mtextShape(u"\\S1/1;").parts.at(0).path.points().size(),
               mtextShape(u"\\S1^1;").parts.at(0).path.points().size() + 2);
-    EXPECT_LT(mtextShape(u"\\S1#1;").extents.height(), 2);
+    EXPECT_NEAR(mtextShape(u"\\S1#1;").extents.height(), 2, 0.01);
+    EXPECT_LT(mtextShape(u"\\S111#222;").extents.width(), inkWidth(u"111222") + 0.3);
 }
 
 TEST(MText, FillsColumnsFromLeftToRight)
@@ -244,6 +245,29 @@ TEST(MText, FillsColumnsFromLeftToRight)
     EXPECT_EQ(lefts(), (std::vector<double>{0, 0, 12, 12, 12})); // the last one takes the rest
     text.setContents(TvString(u"a\\Nb\\Pc"));
     EXPECT_EQ(lefts(), (std::vector<double>{0, 12, 12}));
+}
+
+TEST(MText, FillsColumnsOfTheirOwnHeights)
+{
+    TvDbMText text;
+    setMText(text, u"a\\Pb\\Pc\\Pd\\Pe", 100);
+    db::RecordEditor edit = text.edit();
+    edit.setReal("col_width", 10);
+    edit.setReal("gutter", 2);
+    db::ArrayEditor heights = edit.array("heights");
+    heights.resize(3);
+    const auto lefts = [&](double first, double second) {
+        heights.setReal(0, first);
+        heights.setReal(1, second);
+        edit.setInteger("columns", 2);
+        std::vector<double> x;
+        for (const gs::TextRun& run : shapeOf(text, testFonts()).runs)
+            x.push_back(run.origin.x);
+        return x;
+    };
+    EXPECT_EQ(lefts(1, 3), (std::vector<double>{0, 12, 12, 24, 24}));
+    EXPECT_EQ(lefts(-3, -1), (std::vector<double>{0, 0, 12, 24, 24}));
+    EXPECT_EQ(lefts(0, 1), (std::vector<double>{0, 0, 0, 0, 0}));
 }
 
 TEST(MText, HasABackgroundAroundItsFrame)
