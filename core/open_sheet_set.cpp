@@ -3,6 +3,7 @@
 #include <memory>
 
 #include <base/kv_file_system.h>
+#include <base/path_rules.h>
 #include <core/session.h>
 #include <core/session_host.h>
 #include <db/resbuf.h>
@@ -49,7 +50,9 @@ TvSmDatabase* openDatabase(const TvString& path)
 
 void activate(TvSmDatabase* database, const TvString& path)
 {
-    UpdateRecentList(path, true);
+    // The next run begins in another folder.
+    const bool isEverywhere = base::PathRules::native().isAbsolute(path);
+    UpdateRecentList(isEverywhere ? path : database->getFileName(), true);
     ActivateSheetSet(database);
 }
 

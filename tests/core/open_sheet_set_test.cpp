@@ -1,5 +1,6 @@
 // Opening sheet sets: what is asked, what is told, and in which order.
 
+#include <base/path_rules.h>
 #include <core/current_sheet.h>
 #include <core/open_sheet_set.h>
 #include <core/sheet_data.h>
@@ -172,6 +173,18 @@ TEST_F(OpenTest, ThePromptCompletesTheExtension)
     EXPECT_EQ(current(), folder.file("a.dst"));
     EXPECT_TRUE(hasBackup("a.ds$"));
     EXPECT_EQ(recentSheetSets(), std::vector<TvString>{folder.file("a.dst")});
+}
+
+TEST_F(OpenTest, APathFromTheCurrentFolderIsRememberedWhole)
+{
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path());
+    answers = {u"a"};
+    OpenSheetSetByPrompt();
+    std::filesystem::current_path(before);
+    ASSERT_NE(GetCurrentDatabase(), nullptr);
+    EXPECT_EQ(recentSheetSets(), std::vector<TvString>{GetCurrentDatabase()->getFileName()});
+    EXPECT_TRUE(base::PathRules::native().isAbsolute(recentSheetSets().at(0)));
 }
 
 TEST_F(OpenTest, ThePromptRepeatsForAMissingFile)

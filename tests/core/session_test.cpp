@@ -87,6 +87,21 @@ TEST_F(SessionTest, ClosingWithNothingOpenTellsThePalettesAllTheSame)
     EXPECT_EQ(host.told.front(), "list switch, forget");
 }
 
+TEST_F(SessionTest, ClosingWithNothingOpenHandsNullToTheManager)
+{
+    struct Asked : TvSmSheetSetMgr {
+        bool closeDatabase(TvSmDatabase* database) override
+        {
+            closed.push_back(database);
+            return TvSmSheetSetMgr::closeDatabase(database);
+        }
+        std::vector<TvSmDatabase*> closed;
+    } asked;
+    sm::environment().manager = &asked;
+    EXPECT_FALSE(CloseCurrentSheetSet());
+    EXPECT_EQ(asked.closed, std::vector<TvSmDatabase*>{nullptr});
+}
+
 TEST_F(SessionTest, PalettesAreToldTheCurrentDatabaseBeforeTheClosedOneGoes)
 {
     struct Asking : core::SessionHost, core::SheetSetPalette {

@@ -1,5 +1,6 @@
 // The steps of start and end by their names, and the texts.
 
+#include <db/tv_db_data_link.h>
 #include <module/kv_sheet_set_app.h>
 #include <module/resource_texts.h>
 
@@ -71,7 +72,8 @@ TEST_F(Steps, TheAdapterKnowsNoTableYet)
     EXPECT_EQ(adapters.getAdapter(u"AcSmTocDataAdapter2"), adapter) << "one";
     EXPECT_EQ(adapters.getAdapter(u"AcSmTocDataAdapter"), nullptr);
     EXPECT_EQ(adapter->updateData(nullptr, nullptr, 1), 15);
-    EXPECT_EQ(adapter->updateData(reinterpret_cast<TvDbDataLink*>(this), nullptr, 1), 655);
+    TvDbDataLink link;
+    EXPECT_EQ(adapter->updateData(&link, nullptr, 1), 655);
     EXPECT_FALSE(adapter->canWriteSource());
     EXPECT_EQ(adapter->sourceFlags(), 0);
     EXPECT_EQ(adapter->updateKinds(), 2);
