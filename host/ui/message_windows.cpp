@@ -6,6 +6,7 @@
 #include <QStyle>
 
 #include "message_parts.h"
+#include "task_window.h"
 #include "ui/main_frame.h"
 #include "ui/qt_text.h"
 
@@ -58,6 +59,11 @@ TvUserMessages::Answer MessageWindows::show(const Message& message)
     window.exec();
     const auto pressed = answers.find(window.clickedButton());
     return pressed == answers.end() ? rows.back().answer : pressed->second;
+}
+
+TvUserMessages::TaskAnswer MessageWindows::showTask(const TaskDialog& dialog)
+{
+    return TaskWindow(dialog, dialogParent()).ask();
 }
 
 } // namespace ui

@@ -154,11 +154,23 @@ void CTdUiPaletteSet::Parts::arrangeDocked()
     moveInto(*tabs, *body);
     tabs->show();
     body->setMinimumSize(minimum);
-    if (frame && !docked.isNull() && set.isVisible()) {
-        const bool isWide = isUpright(set.side());
-        frame->resizeDocks({&set}, {isWide ? docked.width() : docked.height()},
-                           isWide ? Qt::Horizontal : Qt::Vertical);
-    }
+    giveDockedSize();
+    // The frame lays its edges out with the next turn of the loop; what it gives until then is not
+    // the size that the user chose.
+    isSettling = true;
+    QTimer::singleShot(0, &set, [this] {
+        giveDockedSize();
+        isSettling = false;
+    });
+}
+
+void CTdUiPaletteSet::Parts::giveDockedSize()
+{
+    if (isRollup || !frame || docked.isNull() || !set.isVisible() || set.isFloating())
+        return;
+    const bool isWide = isUpright(set.side());
+    frame->resizeDocks({&set}, {isWide ? docked.width() : docked.height()},
+                       isWide ? Qt::Horizontal : Qt::Vertical);
 }
 
 void CTdUiPaletteSet::Parts::arrangeFloating()
@@ -286,7 +298,7 @@ void CTdUiPaletteSet::Parts::updateTabSide()
 /// The place that it has when it is open; a strip or a title has none of its own.
 void CTdUiPaletteSet::Parts::noteGeometry()
 {
-    if (isArranging || set.isHidden() || !set.isVisible())
+    if (isArranging || isSettling || !set.isVisible())
         return;
     const bool isOpen = !isRollup;
     const QRect now = set.geometry();

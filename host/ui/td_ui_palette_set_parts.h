@@ -39,6 +39,7 @@ struct CTdUiPaletteSet::Parts {
     bool isRollup = false, isOut = false, isOutByKeys = false;
     bool isMouseIn = false;
     bool isArranging = false; // what moves now is moved by us
+    bool isSettling = false;  // what moves now is moved by the frame
     bool isTransparent = false;
     int transparency = 0; // percent
     bool mayDock = true;
@@ -49,6 +50,7 @@ struct CTdUiPaletteSet::Parts {
     void build(const TvString& toolId);
     void arrange();
     void arrangeDocked();
+    void giveDockedSize();
     void arrangeFloating();
     void placeFlyout();
     void rollOut(bool byKeys);

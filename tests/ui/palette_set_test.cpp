@@ -466,6 +466,7 @@ TEST_F(PaletteSetTest, LooksWellInBothThemes)
         const QString number = QString::number(static_cast<int>(theme));
         show(DockSide::Right);
         leave();
+        EXPECT_NEAR(m_set->width(), 280, 2);
         keepPicture(m_frame, QStringLiteral("palette-docked-") + number);
         show(DockSide::Floating);
         keepPicture(*m_set, QStringLiteral("palette-floating-") + number);
