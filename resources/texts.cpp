@@ -17,6 +17,7 @@ constexpr Row kEnglish[] = {
 #include "en/tool.inc"
 #include "en/tool_drawings.inc"
 #include "en/workspace.inc"
+#include "en/commands.inc"
 #include "en/windows.inc"
 #include "en/program.inc"
 };

@@ -1,6 +1,7 @@
 #include <db/tv_db_layout.h>
 
 #include "block_names.h"
+#include "layout_parts.h"
 #include "quiet_edit.h"
 
 #include <db/tv_db_dictionary.h>
@@ -32,15 +33,6 @@ const Paper& paperFor(const TvDbDatabase& database)
     // INSUNITS: 1 inches, 2 feet, 3 miles, 8 to 10 inches' parts and yards; 0 none.
     const std::int64_t units = database.insunits();
     return (units >= 4 && units <= 7) || (units >= 11 && units <= 17) ? kMetric : kImperial;
-}
-
-int nextTab(TvDbDatabase& database)
-{
-    int last = 0;
-    for (const TvDbObjectId id : layoutsInTabOrder(database))
-        if (const TvDbObjectPointer<TvDbLayout> layout(id, TvDb::kForNotify); layout)
-            last = std::max(last, layout->getTabOrder());
-    return last + 1;
 }
 
 TvStatusCode addSpace(TvDbDatabase& database, TvDbObjectId& out)
@@ -100,30 +92,56 @@ TvStatusCode addOverallViewport(TvDbObjectId block, const Point& low, const Poin
 
 } // namespace
 
-TvStatusCode addLayout(TvDbDatabase& database, const TvString& name, TvDbObjectId& out)
+int nextTab(TvDbDatabase& database)
 {
-    out.setNull();
-    if (name.compareNoCase(u"Model") == 0)
+    int last = 0;
+    for (const TvDbObjectId id : layoutsInTabOrder(database))
+        if (const TvDbObjectPointer<TvDbLayout> layout(id, TvDb::kForNotify); layout)
+            last = std::max(last, layout->getTabOrder());
+    return last + 1;
+}
+
+TvStatusCode checkNewLayoutName(const TvDbDatabase& database, const TvString& name)
+{
+    if (isModelLayoutName(name))
         return TvStatus::NameReserved;
     if (!isLayoutName(name))
         return TvStatus::InvalidName;
+    const TvDbObjectPointer<TvDbDictionary> layouts(database.layoutDictionaryId(),
+                                                    TvDb::kForNotify);
+    return layouts && layouts->has(name) ? TvStatus::DuplicateName : TvStatus::Ok;
+}
+
+TvStatusCode putLayout(TvDbDatabase& database, std::unique_ptr<TvDbLayout> layout,
+                       TvDbObjectId& out)
+{
     TvDbObjectPointer<TvDbDictionary> layouts(database.layoutDictionaryId(), TvDb::kForWrite);
     if (!layouts)
         return layouts.openStatus();
-    if (layouts->has(name))
-        return TvStatus::DuplicateName;
-    const Paper& paper = paperFor(database);
     TvDbObjectId block;
     if (const TvStatusCode status = addSpace(database, block))
         return status;
-    std::unique_ptr<TvDbLayout> layout = makeLayout(paper, name, nextTab(database));
-    if (const TvStatusCode status = layouts->setAt(name, layout.get(), out))
+    if (const TvStatusCode status = layouts->setAt(layout->getLayoutName(), layout.get(), out))
         return status;
     layout->setBlockTableRecordId(block);
     layout.release()->close();
     if (QuietEdit edit(block); edit)
         edit->setHandle("layout", out.handle().value());
-    TvDbObjectId overall;
+    return TvStatus::Ok;
+}
+
+TvStatusCode addLayout(TvDbDatabase& database, const TvString& name, TvDbObjectId& out)
+{
+    out.setNull();
+    if (const TvStatusCode status = checkNewLayoutName(database, name))
+        return status;
+    const Paper& paper = paperFor(database);
+    if (const TvStatusCode status =
+            putLayout(database, makeLayout(paper, name, nextTab(database)), out))
+        return status;
+    TvDbObjectId block, overall;
+    if (const TvDbObjectPointer<TvDbLayout> layout(out, TvDb::kForNotify); layout)
+        block = layout->getBlockTableRecordId();
     return addOverallViewport(block, {}, paper.limits, overall);
 }
 

@@ -118,6 +118,21 @@ bool ChangeLog::redo()
     return true;
 }
 
+void ChangeLog::join(int depth)
+{
+    if (depth < 0 || !m_transactions.empty())
+        return;
+    startUndoRecord();
+    const auto first = static_cast<std::size_t>(depth);
+    if (m_undo.size() <= first + 1)
+        return;
+    // The oldest image of each object is the one to go back to (1).
+    for (std::size_t i = first + 1; i < m_undo.size(); ++i)
+        for (Image& image : m_undo[i].images)
+            add(m_undo[first], std::move(image));
+    m_undo.erase(m_undo.begin() + static_cast<std::ptrdiff_t>(first) + 1, m_undo.end());
+}
+
 void ChangeLog::startTransaction()
 {
     m_transactions.emplace_back();

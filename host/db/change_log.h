@@ -42,6 +42,13 @@ public:
     bool hasRedo() const { return !m_redo.empty(); }
     bool undo();
     bool redo();
+    /// How many undo() there are to the beginning.
+    int depth() const
+    {
+        return static_cast<int>(m_undo.size()) + (m_current.images.empty() ? 0 : 1);
+    }
+    /// What came after the first @p depth steps is one step from now on.
+    void join(int depth);
 
     void startTransaction();
     void endTransaction();

@@ -36,6 +36,8 @@ public:
 
     /// What a new drawing held from the start gives way to records of the same name.
     void replaceDefaults() { m_replacesDefaults = true; }
+    /// Otherwise they are refused, as they show a sheet. @pre the space is a layout's.
+    void allowViewports() { m_hasSheet = true; }
     /// Copies that need a block of that name cannot be made: the block would hold itself.
     void forbidBlock(const TvString& name) { m_forbidden = name; }
     /// @p original is stood for by an object that is there, or will be.
@@ -122,6 +124,7 @@ private:
     std::uint64_t m_nextHandle;
     const bool m_isSame;
     bool m_replacesDefaults = false;
+    bool m_hasSheet = false;
     TvString m_forbidden;
     TvStatusCode m_status = TvStatus::Ok;
     base::Status m_failure;

@@ -78,6 +78,8 @@ void Clone::adapt(Item& item)
     } else if (isInsert(record) && record.handle("block") != 0) {
         m_inserts[record.handle("block")].push_back(item.target);
     }
+    if (name == "VIEWPORT")
+        edit.setHandle("vp_ent_hdr", 0); // the table has a record for each of the sheet shown
     if (record.has("has_binary"))
         edit.setFlag("has_binary", false); // pictures that stay where they are
     if (record.has("xdict_missing") && record.handle("xdict") == 0)

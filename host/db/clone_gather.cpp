@@ -146,7 +146,7 @@ void Clone::visit(Item& item)
         return;
     if (!isCopyable(*item.source, *record))
         return refuse(TvStatus::NotUnderstood, *item.source);
-    if (isViewport(TvDbObjectId(item.source)))
+    if (!m_hasSheet && isViewport(TvDbObjectId(item.source)))
         return refuse(TvStatus::NotApplicable, *item.source); // it shows a sheet, and there is none
     const std::uint64_t layout =
         record->classDef()->name() == "BLOCK_HEADER" ? record->handle("layout") : 0;

@@ -185,6 +185,16 @@ bool TvDbDatabase::hasRedo() const
     return m_impl->log().hasRedo();
 }
 
+int TvDbDatabase::undoDepth() const
+{
+    return m_impl->log().depth();
+}
+
+void TvDbDatabase::joinUndo(int depth)
+{
+    m_impl->log().join(depth);
+}
+
 TvStatusCode TvDbDatabase::undo()
 {
     if (m_impl->writers() > 0)

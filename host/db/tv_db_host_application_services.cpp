@@ -5,8 +5,19 @@ TvDbHostApplicationServices::~TvDbHostApplicationServices() = default;
 namespace {
 
 TvDbHostApplicationServices* g_services = nullptr;
+TvDbLayoutManager* g_layoutManager = nullptr;
 
 } // namespace
+
+TvDbLayoutManager* TvDbHostApplicationServices::layoutManager() const
+{
+    return g_layoutManager;
+}
+
+void db::setLayoutManager(TvDbLayoutManager* manager)
+{
+    g_layoutManager = manager;
+}
 
 TvDbHostApplicationServices* tvdbHostApplicationServices()
 {

@@ -6,6 +6,7 @@
 #include "thumbnails.h"
 #include "viewport_lists.h"
 
+#include <db/symbol_names.h>
 #include <db/tv_db_dictionary.h>
 #include <db/tv_db_symbol_table.h>
 
@@ -14,8 +15,6 @@ TVRX_DEFINE_MEMBERS(TvDbLayout, TvDbPlotSettings)
 namespace {
 
 constexpr std::u16string_view kModelName = u"Model";
-constexpr std::u16string_view kForbidden = u"<>/\\\":;?*|,=`";
-constexpr int kLongestName = 255;
 constexpr double kMmPerInch = 25.4;
 constexpr double kUnsetExtent = 1e19; // extents that nobody measured lie beyond
 
@@ -81,7 +80,7 @@ TvStatusCode TvDbLayout::setLayoutName(const TvString& name)
 {
     if (!isWriteEnabled())
         return TvStatus::NotOpenForWrite;
-    if (name.compareNoCase(kModelName) == 0 || isModelLayout())
+    if (db::isModelLayoutName(name) || isModelLayout())
         return TvStatus::NameReserved;
     if (!db::isLayoutName(name))
         return TvStatus::InvalidName;
@@ -221,14 +220,14 @@ TvStatusCode TvDbLayout::erase(bool erasing)
 
 namespace db {
 
+bool isModelLayoutName(const TvString& name)
+{
+    return name.compareNoCase(kModelName) == 0;
+}
+
 bool isLayoutName(const TvString& name)
 {
-    if (name.isEmpty() || name.length() > kLongestName || name.compareNoCase(kModelName) == 0 ||
-        name.trimmed().isEmpty())
-        return false;
-    return std::none_of(name.view().begin(), name.view().end(), [](TvChar unit) {
-        return unit < u' ' || kForbidden.find(unit) != std::u16string_view::npos;
-    });
+    return isSymbolName(name) && !isModelLayoutName(name);
 }
 
 std::vector<TvDbObjectId> layoutsInTabOrder(TvDbDatabase& database)

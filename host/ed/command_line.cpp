@@ -6,6 +6,8 @@
 #include <rx/tv_ed_command_stack.h>
 #include <rx/tv_rx_dictionary.h>
 
+#include "command_texts.h"
+#include "ed/host_commands.h"
 #include "ed/system_variables.h"
 #include "ed/tv_ap_doc_manager.h"
 #include "ed/tv_ax_doc_lock.h"
@@ -95,16 +97,35 @@ TvString CommandLine::running() const
     return m_running ? m_running->globalName() : TvString();
 }
 
+bool CommandLine::startScript(const TvString& text)
+{
+    if (isScripting())
+        return false;
+    const std::u16string_view units = text;
+    m_script.assign(units.begin(), units.end());
+    return true;
+}
+
+void CommandLine::stopScript()
+{
+    if (m_script.empty())
+        return;
+    m_script.clear();
+    say(static_cast<int>(Wording::ScriptStopped), {});
+}
+
 CommandLine::Answer CommandLine::takeAnswer(bool withBlanks, TvString& out)
 {
-    if (m_input.empty())
+    std::deque<TvChar>& source = m_script.empty() ? m_input : m_script;
+    if (source.empty())
         return Answer::None;
-    const auto end = std::ranges::find_if(m_input, [&](TvChar unit) {
+    m_isAnswerOfScript = &source == &m_script;
+    const auto end = std::ranges::find_if(source, [&](TvChar unit) {
         return unit == kEscape || (withBlanks ? isLineEnd(unit) : isWordEnd(unit));
     });
-    const bool isEscaped = end != m_input.end() && *end == kEscape;
-    std::u16string answer(m_input.begin(), end);
-    m_input.erase(m_input.begin(), end == m_input.end() ? end : end + 1);
+    const bool isEscaped = end != source.end() && *end == kEscape;
+    std::u16string answer(source.begin(), end);
+    source.erase(source.begin(), end == source.end() ? end : end + 1);
     if (isEscaped)
         return Answer::Escape;
     out = TvString(answer);
@@ -131,8 +152,11 @@ void CommandLine::work()
         return;
     m_isWorking = true;
     TvString word;
-    while (takeWord(word))
+    while (takeWord(word)) {
+        m_isRunningScript = m_isAnswerOfScript;
         perform(word);
+        m_isRunningScript = false;
+    }
     m_isWorking = false;
 }
 
@@ -141,7 +165,11 @@ void CommandLine::perform(const TvString& word)
     TvEdCommandStack* stack = commandStack();
     if (TvEdCommand* command = stack ? stack->lookupCmd(word) : nullptr)
         return run(*command);
-    if (!setVariable(word))
+    const TvString aliased = aliasedCommand(word);
+    if (TvEdCommand* command =
+            stack && !aliased.isEmpty() ? stack->lookupGlobalCmd(aliased) : nullptr)
+        return run(*command);
+    if (!askVariable(word))
         say(kUnknownCommand, {word});
 }
 
@@ -155,9 +183,11 @@ void CommandLine::run(TvEdCommand& command)
     if (m_isCancelled)
         say(kCommandCancelled, {});
     running.end(m_isCancelled);
+    if (m_isCancelled && m_isRunningScript)
+        stopScript();
 }
 
-bool CommandLine::setVariable(const TvString& name)
+bool askVariable(const TvString& name)
 {
     const std::optional<VariableInfo> info = systemVariable(name);
     const std::optional<VariableValue> now = info ? variable(name) : std::nullopt;

@@ -147,7 +147,11 @@ const std::vector<DerivedVariable> kDerived = {
          const bool on = std::get<std::int16_t>(value) != 0;
          if (database.tilemode() == on)
              return true;
-         database.setTilemode(on);
+         const TvDbObjectPointer<TvDbBlockTableRecord> space(on ? database.modelSpaceId()
+                                                                : database.paperSpaceId());
+         if (space && setCurrentLayout(database, space->getLayoutId()) == TvStatus::Ok)
+             return true;
+         database.setTilemode(on); // a damaged drawing, whose space is no layout's
          tellChange(u"TILEMODE");
          tellChange(u"CTAB");
          return true;

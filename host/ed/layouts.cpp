@@ -1,24 +1,38 @@
 #include "ed/layouts.h"
 
 #include <db/tv_db_dictionary.h>
+#include <db/tv_db_host_application_services.h>
 #include <db/tv_db_layout.h>
+#include <db/tv_db_symbol_table.h>
 
+#include "ed/tv_db_layout_manager.h"
 #include "ed/tv_editor.h"
 
 namespace ed {
 
+namespace {
+
+bool isLayoutOf(TvDbObjectId id, TvDbObjectId block)
+{
+    const TvDbObjectPointer<TvDbLayout> layout(id, TvDb::kForNotify);
+    return layout && !layout->isErased() && layout->getBlockTableRecordId() == block;
+}
+
+} // namespace
+
 TvDbObjectId currentLayout(const TvDbDatabase& database)
 {
+    const TvDbObjectId shown = database.currentSpaceId();
+    if (const TvDbObjectPointer<TvDbBlockTableRecord> block(shown, TvDb::kForNotify); block)
+        if (const TvDbObjectId id = block->getLayoutId(); isLayoutOf(id, shown))
+            return id;
+    // Damaged drawings have blocks that name no layout.
     const TvDbObjectPointer<TvDbDictionary> layouts(database.layoutDictionaryId());
     if (!layouts)
         return {};
-    const TvDbObjectId shown = database.currentSpaceId();
-    const std::unique_ptr<TvDbDictionaryIterator> each(layouts->newIterator());
-    for (; !each->done(); each->next()) {
-        const TvDbObjectPointer<TvDbLayout> layout(each->objectId());
-        if (layout && layout->getBlockTableRecordId() == shown)
-            return each->objectId();
-    }
+    for (const auto& [name, id] : layouts->entries())
+        if (isLayoutOf(id, shown))
+            return id;
     return {};
 }
 
@@ -63,6 +77,8 @@ TvStatusCode setCurrentLayout(TvDbDatabase& database, TvDbObjectId id)
             editor->fireSysVarChanged(u"TILEMODE");
         editor->fireSysVarChanged(u"CTAB");
     }
+    if (TvDbLayoutManager* manager = tvdbHostApplicationServices()->layoutManager())
+        manager->fireLayoutSwitched(id);
     return TvStatus::Ok;
 }
 

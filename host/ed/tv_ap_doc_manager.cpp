@@ -8,6 +8,7 @@
 #include <db/tv_db_host_application_services.h>
 #include <rx/tv_rx_dynamic_linker.h>
 
+#include "ed/drawing_view.h"
 #include "ed/tv_ax_doc_lock.h"
 #include "ed/tv_editor.h"
 
@@ -161,6 +162,23 @@ TvApDocument* TvApDocManager::newDocument()
                TvString().format(kNewName, ++m_newDrawings), false);
 }
 
+TvStatusCode TvApDocManager::newDocument(const TvString& path, TvApDocument*& out)
+{
+    out = nullptr;
+    m_lastFailure = {};
+    TvDbDatabase model(false, true);
+    if (const TvStatusCode status = model.readDwgFile(path, TvDb::kReadAllShare))
+        return fail(model.lastFailure(), status);
+    base::Result<std::vector<std::uint8_t>> bytes = model.toBytes(db::FileFormat::Dwg);
+    auto database = std::make_unique<TvDbDatabase>(false, false);
+    if (!bytes)
+        return fail(bytes.status(), TvStatus::FileNotReadable);
+    if (const TvStatusCode status = database->readDwgBytes(std::move(*bytes)))
+        return fail(database->lastFailure(), status);
+    out = add(std::move(database), TvString().format(kNewName, ++m_newDrawings), false);
+    return TvStatus::Ok;
+}
+
 TvStatusCode TvApDocManager::openDocument(const TvString& path, bool readOnly, TvApDocument*& out)
 {
     out = nullptr;
@@ -205,6 +223,7 @@ TvStatusCode TvApDocManager::saveDocument(TvApDocument* document, const TvString
                     TvStatus::FileReadOnly);
     TvDbDatabase& database = *document->database();
     const TvString target = isOwnName ? document->fileName() : path;
+    ed::drawingView().settle(database);
     if (const TvStatusCode status = database.saveAs(target, false, version); status != TvStatus::Ok)
         return fail(database.lastFailure(), status);
     if (!isOwnName)

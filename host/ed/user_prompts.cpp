@@ -10,7 +10,7 @@ namespace ed {
 namespace {
 
 // Of the dialog's flags.
-constexpr int kSeveral = 4096, kFolder = 2048;
+constexpr int kSeveral = 4096, kFolder = 2048, kForSaving = 1;
 
 UserPrompts* g_prompts = nullptr;
 
@@ -65,6 +65,27 @@ void setUserPrompts(UserPrompts* prompts)
     g_prompts = prompts;
 }
 
+int UserPrompts::askPoint(const PointQuestion& question, TvString& typed,
+                          std::optional<TvGePoint3d>&)
+{
+    return askText(question.prompt, false, typed);
+}
+
+int askForPoint(const UserPrompts::PointQuestion& question, TvString& typed,
+                std::optional<TvGePoint3d>& picked)
+{
+    picked.reset();
+    switch (postedAnswer(false, typed)) {
+    case CommandLine::Answer::Escape: return cancelled();
+    case CommandLine::Answer::Text: return TvStatus::Normal;
+    case CommandLine::Answer::None: break;
+    }
+    if (!userPrompts() ||
+        userPrompts()->askPoint(question, typed, picked) != static_cast<int>(TvStatus::Normal))
+        return cancelled();
+    return TvStatus::Normal;
+}
+
 } // namespace ed
 
 int tvedGetString(int withBlanks, const TvChar* prompt, TvString& out)
@@ -94,9 +115,13 @@ int tvedGetFileNavDialog(const TvChar* title, const TvChar* start, const TvChar*
     case CommandLine::Answer::Escape: return cancelled();
     case CommandLine::Answer::Text: paths.push_back(withoutQuotes(posted)); break;
     case CommandLine::Answer::None: {
-        const UserPrompts::FileQuestion question{
-            textOf(title),      textOf(start),          splitExtensions(textOf(extensions)),
-            textOf(dialogName), (flags & kFolder) != 0, (flags & kSeveral) != 0};
+        const UserPrompts::FileQuestion question{textOf(title),
+                                                 textOf(start),
+                                                 splitExtensions(textOf(extensions)),
+                                                 textOf(dialogName),
+                                                 (flags & kFolder) != 0,
+                                                 (flags & kSeveral) != 0,
+                                                 (flags & kForSaving) != 0};
         if (!userPrompts() ||
             userPrompts()->askFiles(question, paths) != static_cast<int>(TvStatus::Normal))
             return cancelled();

@@ -192,6 +192,11 @@ public:
     /// NothingToUndo when there is nothing; WasOpenForWrite while an object is being changed.
     TvStatusCode undo();
     TvStatusCode redo();
+    /// How many undo() lead to the beginning of the history.
+    int undoDepth() const;
+    /// What came after the first @p depth steps of the history is one step from now on. Nothing
+    /// while a transaction is open.
+    void joinUndo(int depth);
     TvDbTransactionManager* transactionManager() const;
 
     void addReactor(TvDbDatabaseReactor* reactor) const;

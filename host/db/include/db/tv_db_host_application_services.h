@@ -1,6 +1,7 @@
 #pragma once
 
 class TvDbDatabase;
+class TvDbLayoutManager;
 
 /// What the database asks of the program that it runs in.
 class TvDbHostApplicationServices
@@ -10,6 +11,8 @@ public:
     /// The drawing that commands work on: the active document's; null when there is none.
     virtual TvDbDatabase* workingDatabase() const { return m_working; }
     virtual void setWorkingDatabase(TvDbDatabase* database) { m_working = database; }
+    /// Null before the program made one.
+    virtual TvDbLayoutManager* layoutManager() const;
 
 private:
     TvDbDatabase* m_working = nullptr; // not owned
@@ -19,3 +22,10 @@ private:
 TvDbHostApplicationServices* tvdbHostApplicationServices();
 /// Not owned; null brings back the one that was there at first.
 void tvdbSetHostApplicationServices(TvDbHostApplicationServices* services);
+
+namespace db {
+
+/// Not owned; null takes it away. Of all services alike.
+void setLayoutManager(TvDbLayoutManager* manager);
+
+} // namespace db

@@ -74,13 +74,28 @@ class TvDbLayout : public TvDbPlotSettings
 
 namespace db {
 
-/// Whether a layout may have that name: not empty, at most 255 units, none of the characters that
-/// layouts cannot have, not "Model".
+/// The name of the model layout, in any case.
+bool isModelLayoutName(const TvString& name);
+/// Whether a paper layout may have that name: as isSymbolName(), and not "Model".
 bool isLayoutName(const TvString& name);
 
 /// Makes a new, empty paper layout with its block, at the end.
 /// @return DuplicateName, InvalidName, NameReserved.
 TvStatusCode addLayout(TvDbDatabase& database, const TvString& name, TvDbObjectId& out);
+
+/// Makes a paper layout like @p source: its page setup and a copy of all that is on it, viewports
+/// and what things own included. Its tab is the last one. What only shows the layout (its picture)
+/// stays behind.
+/// @return DuplicateName, InvalidName, NameReserved; NotApplicable for the model layout;
+///         NotThatObject for what is no layout; NotUnderstood when something on it is kept as
+///         bytes, and so cannot be copied: lastFailure() of the drawing names it. Then nothing was
+///         changed.
+TvStatusCode copyLayout(TvDbObjectId source, const TvString& name, TvDbObjectId& out);
+
+/// Makes a layout the @p place th tab of the sheets, counted from 1, and the others keep their
+/// order; a place behind the last one is the last. All tabs are numbered without gaps then.
+/// @return NotApplicable for the model layout, which is always the first tab; OutOfRange below 1.
+TvStatusCode placeLayout(TvDbObjectId layout, int place);
 
 /// The viewport by which a sheet as a whole is looked at; made when the sheet has none, as one that
 /// was never shown. Null for the model layout, and what is no layout.

@@ -21,7 +21,8 @@ enum CommandLineText : int {
 ///
 /// A blank or the end of a line ends a word. Commands run one after the other, never within each
 /// other: what a command posts comes after it, unless the command asks for it. The escape character
-/// cancels the command that asks, and the word that is being typed; otherwise it is nothing.
+/// cancels the command that asks, and the word that is being typed; otherwise it is nothing. A
+/// command that is cancelled ends the script that it came from.
 class CommandLine
 {
 public:
@@ -33,9 +34,15 @@ public:
     CommandLine& operator=(const CommandLine&) = delete;
 
     void post(const TvString& text);
+    /// Puts the text of a script in front of all that was posted. While it is being run, files are
+    /// asked for at the command line.
+    /// @return false, and nothing taken, while another script runs.
+    bool startScript(const TvString& text);
+    /// Something of a script is left, or its last command runs.
+    bool isScripting() const { return !m_script.empty() || m_isRunningScript; }
     /// Runs all that was posted. Nothing while a command runs.
     void work();
-    bool isIdle() const { return m_input.empty() && !m_running; }
+    bool isIdle() const { return m_input.empty() && m_script.empty() && !m_running; }
     /// The global name of the command that runs; empty when none does.
     TvString running() const;
 
@@ -51,9 +58,12 @@ private:
     bool takeWord(TvString& out);
     void perform(const TvString& word);
     void run(TvEdCommand& command);
-    bool setVariable(const TvString& name);
+    void stopScript();
 
     std::deque<TvChar> m_input;
+    std::deque<TvChar> m_script; // taken before the input
+    bool m_isRunningScript = false;
+    bool m_isAnswerOfScript = false; // the one that was taken last
     TvEdCommand* m_running = nullptr;
     bool m_isWorking = false;
     bool m_isCancelled = false;
@@ -61,5 +71,10 @@ private:
 
 /// The program's, or null before it made one.
 CommandLine* commandLine();
+
+/// Asks for a new value of a system variable, telling the one that it has; a read-only one is
+/// shown.
+/// @return false, and nothing asked, when there is no such variable here.
+bool askVariable(const TvString& name);
 
 } // namespace ed

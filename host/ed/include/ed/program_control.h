@@ -18,6 +18,12 @@ public:
     virtual void recentFilesChanged() = 0;
 };
 
+/// Closes all documents, after the user was asked about each that has changes. First all are asked
+/// about, and only then closed: who gives up loses nothing.
+/// @return false, and all that was not saved is as it was, when the user gave up, there is nobody
+///         to ask, or a drawing could not be saved or is locked.
+bool closeAllDocuments();
+
 /// Null before the program supplied one.
 ProgramControl* programControl();
 /// Not owned. Null takes it away.

@@ -5,6 +5,7 @@
 
 #include <db/tv_db_database.h>
 #include <ed/tv_ap_document.h>
+#include <ed/tv_db_layout_manager.h>
 
 class TvRxDynamicLinkerImp;
 
@@ -63,6 +64,9 @@ class TvApDocManager : public TvRxObject, private db::OpenDocuments
 
     /// A new, empty drawing that has no file yet.
     TvApDocument* newDocument();
+    /// The same, beginning as the drawing @p path is; that is read only.
+    /// @param out  null when it fails; lastFailure() says why.
+    TvStatusCode newDocument(const TvString& path, TvApDocument*& out);
     /// Opens a drawing; one that is open already is made active.
     /// @param out  null when it fails; lastFailure() says why.
     /// @return Ok; FileInUse when somebody else is editing it; FileReadOnly when it may not be
@@ -107,6 +111,7 @@ private:
     void makeCurrent(TvApDocument* document);
 
     TvRxDynamicLinkerImp* m_linker;
+    TvDbLayoutManager m_layoutManager;
     std::vector<std::unique_ptr<TvApDocument>> m_documents; // in the order of their opening
     std::vector<TvApDocument*> m_activated;                 // the latest last
     TvApDocument* m_current = nullptr;

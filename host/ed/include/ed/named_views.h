@@ -1,0 +1,20 @@
+#pragma once
+
+#include <ed/drawing_view.h>
+
+#include <db/tv_db_database.h>
+
+namespace ed {
+
+/// Keeps what is shown now under a name; a view of that name is replaced, and keeps its category.
+/// @return InvalidName; what the view's record answers.
+TvStatusCode saveNamedView(TvDbDatabase& database, const TvString& name);
+/// Shows a named view: its layout first, where it notes one.
+/// @return KeyNotFound; NotApplicable when it cannot be shown.
+TvStatusCode restoreNamedView(TvDbDatabase& database, const TvString& name);
+/// @return KeyNotFound; what erasing answers.
+TvStatusCode deleteNamedView(TvDbDatabase& database, const TvString& name);
+/// The view that a record of the table holds.
+View viewOf(const class TvDbViewTableRecord& record);
+
+} // namespace ed
