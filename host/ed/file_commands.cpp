@@ -188,11 +188,12 @@ void runClose()
 
 void runQuit()
 {
-    if (closeAllDocuments())
-        if (ProgramControl* program = programControl())
-            program->quit();
-        else
-            say(Wording::CannotQuit);
+    if (!closeAllDocuments())
+        return;
+    if (ProgramControl* program = programControl())
+        program->quit();
+    else
+        say(Wording::CannotQuit);
 }
 
 } // namespace ed

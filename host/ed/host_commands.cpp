@@ -62,8 +62,9 @@ bool addHostCommands(TvEdCommandStack& stack)
 
 TvString aliasedCommand(const TvString& typed)
 {
+    const TvString name = typed.startsWith(u"_") ? typed.substr(1) : typed;
     for (const auto& alias : kAliases)
-        if (typed.compareNoCase(alias.name) == 0)
+        if (name.compareNoCase(alias.name) == 0)
             return alias.command;
     return {};
 }

@@ -23,7 +23,7 @@ Wish askWish(const TvApDocument& document)
     question.commands = {{kSave, {static_cast<int>(Wording::ChoiceSave), {}}},
                          {kDiscard, {static_cast<int>(Wording::ChoiceDiscard), {}}}};
     question.standard = kSave;
-    const TvUserMessages::TaskAnswer answer = tvrxShowTask(question);
+    const TvUserMessages::TaskAnswer answer = tvrxShowTaskDialog(question);
     if (answer.hasFailed)
         return Wish::Keep;
     return answer.button == kSave      ? Wish::Save

@@ -7,7 +7,6 @@
 
 #include <base/kv_file_system.h>
 
-#include "command_texts.h"
 #include "ed/command_line.h"
 
 namespace ed {
@@ -71,7 +70,7 @@ base::Status runScript(const TvString& path)
 {
     CommandLine* line = commandLine();
     if (!line || line->isScripting())
-        return {base::Failure::Usage, static_cast<base::Reason>(Wording::ScriptNested), {path}};
+        return {base::Failure::Usage, base::Reason::None, {path}};
     const base::Result<std::vector<std::byte>> bytes = KvFileSystem::readFile(path, kLongestScript);
     if (!bytes)
         return bytes.status();

@@ -4,6 +4,7 @@
 #include <db/ge_values.h>
 #include <db/tv_db_database.h>
 #include <db/tv_db_host_application_services.h>
+#include <ge/tv_ge_matrix3d.h>
 
 #include "ed/prompts.h"
 #include "ed/system_variables.h"

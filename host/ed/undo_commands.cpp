@@ -12,7 +12,7 @@ namespace ed {
 
 namespace {
 
-constexpr TvChar kUndoOptions[] = u"Begin End Mark Back";
+constexpr TvChar kUndoOptions[] = u"BEgin End Mark Back";
 constexpr TvChar kRedoOptions[] = u"All Last";
 
 void tell(const UndoOutcome& outcome, Wording done, Wording nothing)
@@ -65,7 +65,7 @@ void runUndo()
     default: return;
     }
     const TvString option = tvedGetInput();
-    if (option == u"Begin")
+    if (option == u"BEgin")
         beginUndoGroup(*database);
     else if (option == u"Mark")
         setUndoMark(*database);

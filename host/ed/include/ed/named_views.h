@@ -4,6 +4,8 @@
 
 #include <db/tv_db_database.h>
 
+class TvDbViewTableRecord;
+
 namespace ed {
 
 /// Keeps what is shown now under a name; a view of that name is replaced, and keeps its category.
@@ -15,6 +17,6 @@ TvStatusCode restoreNamedView(TvDbDatabase& database, const TvString& name);
 /// @return KeyNotFound; what erasing answers.
 TvStatusCode deleteNamedView(TvDbDatabase& database, const TvString& name);
 /// The view that a record of the table holds.
-View viewOf(const class TvDbViewTableRecord& record);
+View viewOf(const TvDbViewTableRecord& record);
 
 } // namespace ed
