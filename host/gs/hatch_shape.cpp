@@ -1,7 +1,6 @@
 #include "gs/hatch_shape.h"
 
 #include <algorithm>
-#include <memory>
 #include <numbers>
 
 #include <db/ge_values.h>
@@ -18,10 +17,6 @@ constexpr std::uint32_t kMostFamilies = 200, kMostDashes = 200;
 constexpr std::int64_t kUserPattern = 0; // "pattern_type"
 // Of the area between two lines, as much as a tint shows for each whole line.
 constexpr double kTintOfLine = 0.35;
-
-struct ChainEnd {
-    void operator()(resbuf* chain) const { tvutRelRb(chain); }
-};
 
 IslandStyle styleOf(const db::RecordView& fields)
 {
@@ -112,7 +107,7 @@ Gradient gradientOf(const db::RecordView& fields)
 OwnColor backgroundOf(const TvDbHatch& hatch)
 {
     constexpr int kLong = 1071;
-    const std::unique_ptr<resbuf, ChainEnd> chain(hatch.xData(TvString(u"HATCHBACKGROUNDCOLOR")));
+    const TvResbufPtr chain(hatch.xData(TvString(u"HATCHBACKGROUNDCOLOR")));
     for (const resbuf* item = chain.get(); item; item = item->rbnext)
         if (item->restype == kLong)
             return OwnColor::fromRecord(item->resval.rlong);

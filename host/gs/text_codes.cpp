@@ -143,6 +143,17 @@ std::optional<char32_t> takeCharacterCode(std::u16string_view& rest)
     return isHighHalf(*code) || isLowHalf(*code) ? kNoCharacter : char32_t(*code);
 }
 
+std::optional<char16_t> takePercentLine(std::u16string_view& rest)
+{
+    if (rest.size() < 3 || rest[0] != u'%' || rest[1] != u'%')
+        return std::nullopt;
+    const auto what = static_cast<char16_t>(rest[2] | 0x20); // in small letters
+    if (what != u'u' && what != u'o' && what != u'k')
+        return std::nullopt;
+    rest.remove_prefix(3);
+    return what;
+}
+
 std::vector<LineCharacter> decodedLine(std::u16string_view text, std::size_t most)
 {
     std::vector<LineCharacter> line;
@@ -152,14 +163,11 @@ std::vector<LineCharacter> decodedLine(std::u16string_view text, std::size_t mos
             state.character = *sign;
         } else if (const auto code = takeCharacterCode(text)) {
             state.character = *code;
-        } else if (text.size() >= 3 && text[0] == u'%' && text[1] == u'%' &&
-                   std::u16string_view(u"uUoOkK").find(text[2]) != std::u16string_view::npos) {
-            const char16_t what = text[2] | 0x20;
-            bool& flag = what == u'u'   ? state.isUnderlined
-                         : what == u'o' ? state.isOverlined
-                                        : state.isStruck;
+        } else if (const auto what = takePercentLine(text)) {
+            bool& flag = *what == u'u'   ? state.isUnderlined
+                         : *what == u'o' ? state.isOverlined
+                                         : state.isStruck;
             flag = !flag;
-            text.remove_prefix(3);
             continue;
         } else {
             state.character = takeCharacter(text);

@@ -17,6 +17,9 @@ std::optional<char32_t> takePercentCharacter(std::u16string_view& rest);
 /// "\U+XXXX" (two of them for a pair), "\M+nXXXX".
 std::optional<char32_t> takeCharacterCode(std::u16string_view& rest);
 
+/// "%%u", "%%o", "%%k": the small letter.
+std::optional<char16_t> takePercentLine(std::u16string_view& rest);
+
 /// A character of a line, and the lines at it.
 struct LineCharacter {
     char32_t character = 0;

@@ -205,6 +205,14 @@ private:
             return letter(*sign);
         if (const auto code = takeCharacterCode(m_rest))
             return letter(*code);
+        if (const auto what = takePercentLine(m_rest)) {
+            LetterLook& look = m_look.letters;
+            bool& flag = *what == u'u'   ? look.isUnderlined
+                         : *what == u'o' ? look.isOverlined
+                                         : look.isStruck;
+            flag = !flag;
+            return;
+        }
         switch (m_rest.front()) {
         case u'\\': take(); return code();
         case u'{': take(); return open();

@@ -1,7 +1,5 @@
 #include "text_style.h"
 
-#include <memory>
-
 #include <db/resbuf.h>
 #include <db/tv_db_symbol_table.h>
 
@@ -9,17 +7,13 @@ namespace gs {
 
 namespace {
 
-struct ChainEnd {
-    void operator()(resbuf* chain) const { tvutRelRb(chain); }
-};
-
 // Extended data of a style with an outline font: the family, and bits beside other ones.
 constexpr int kFamilyCode = 1000, kFlagsCode = 1071;
 constexpr std::int32_t kItalic = 0x1000000, kBold = 0x2000000;
 
 void readFamily(const TvDbTextStyleTableRecord& record, FontName& font)
 {
-    const std::unique_ptr<resbuf, ChainEnd> chain(record.xData(TvString(u"ACAD")));
+    const TvResbufPtr chain(record.xData(TvString(u"ACAD")));
     for (const resbuf* item = chain.get(); item; item = item->rbnext) {
         if (item->restype == kFamilyCode && item->resval.rstring[0] != 0) {
             font.name = item->resval.rstring;

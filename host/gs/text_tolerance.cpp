@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include <db/ge_values.h>
-#include <db/tv_db_symbol_table.h>
 
+#include "dimension_style.h"
 #include "gs/text_shape.h"
 #include "text_mtext.h"
 #include "text_setting.h"
@@ -51,21 +51,39 @@ struct FrameLook {
     OwnColor text, line;
 };
 
+// Group codes of the variables
+enum : int {
+    kScale = 40,
+    kTextHeight = 140,
+    kGap = 147,
+    kLineColor = 176,
+    kTextColor = 178,
+    kTextStyle = 340
+};
+
+OwnColor colorOf(const DimensionStyle& style, const char* field, int code)
+{
+    if (const auto own = style.ownInteger(code))
+        return OwnColor::fromIndex(*own);
+    return OwnColor::fromRecord(style.colorOfStyle(field).integer("value"));
+}
+
 FrameLook lookOf(const TvDbFcf& tolerance)
 {
     FrameLook look;
-    const TvDbObjectPointer<TvDbDimStyleTableRecord> record(tolerance.dimensionStyle(),
-                                                            TvDb::kForNotify);
-    if (!record)
+    const DimensionStyle style(tolerance, tolerance.dimensionStyle());
+    const double ownScale = style.real("DIMSCALE", kScale);
+    const double scale = ownScale > 0 ? ownScale : 1;
+    look.style = textStyleOf(style.object("DIMTXSTY", kTextStyle));
+    const double height =
+        look.style.height > 0 ? look.style.height : style.real("DIMTXT", kTextHeight);
+    if (height == 0) // no style at all
         return look;
-    const db::RecordView fields = record->fields();
-    const double scale = fields.real("DIMSCALE") > 0 ? fields.real("DIMSCALE") : 1;
-    look.style = textStyleOf(record->idOf(fields.handle("DIMTXSTY")));
-    look.height = (look.style.height > 0 ? look.style.height : fields.real("DIMTXT")) * scale;
+    look.height = height * scale;
     // Below 0 it asks for a box around a dimension's text; here there is one anyway.
-    look.gap = std::abs(fields.real("DIMGAP")) * scale;
-    look.text = OwnColor::fromRecord(fields.structure("DIMCLRT").integer("value"));
-    look.line = OwnColor::fromRecord(fields.structure("DIMCLRD").integer("value"));
+    look.gap = std::abs(style.real("DIMGAP", kGap)) * scale;
+    look.text = colorOf(style, "DIMCLRT", kTextColor);
+    look.line = colorOf(style, "DIMCLRD", kLineColor);
     return look;
 }
 

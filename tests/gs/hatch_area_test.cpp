@@ -46,6 +46,10 @@ TEST(HatchArea, FollowsBulges)
     negative.solid().polyline({{{0, 0}, -1}, {{4, 0}, 0}});
     EXPECT_TRUE(isFilled(negative.shape(), {2, 1.9}));
     EXPECT_FALSE(isFilled(negative.shape(), {2, -0.1}));
+    HatchSample corner; // goes on from where the arc ends
+    corner.solid().polyline({{{0, 0}, -1}, {{4, 0}, 0}, {{4, -4}, 0}});
+    EXPECT_TRUE(isFilled(corner.shape(), {3, -1}));
+    EXPECT_TRUE(isFilled(corner.shape(), {2, 1.9}));
 }
 
 TEST(HatchArea, LeavesIslandsOutByStyle)

@@ -49,6 +49,7 @@ TEST(MText, ReplacesCodesByTheirCharacters)
         {u"{\\C1;a}{\\c255;b}{\\fArial|b1|i0;c}{\\Ftxt.shx|c0;d}", u"abcd"},
         {u"\\H2;a\\H0.5x;b\\W2;c\\Q10;d\\T2;e\\A1;f", u"abcdef"},
         {u"\\pi1,l2,r3,qc,t4,8;a", u"a"},
+        {u"%%ua%%u%%Ob%%o", u"ab"},
         {u"\\S1/2;\\S1#2;\\S+1^-2;", u"1/21/2+1/-2"},
         {u"\\S a ^ b ;", u"a/b"},
         {u"\\Splain;", u"plain"},
@@ -217,6 +218,30 @@ TEST(MText, StacksFractions)
               mtextShape(u"\\S1^1;").parts.at(0).path.points().size() + 2);
     EXPECT_NEAR(mtextShape(u"\\S1#1;").extents.height(), 2, 0.01);
     EXPECT_LT(mtextShape(u"\\S111#222;").extents.width(), inkWidth(u"111222") + 0.3);
+}
+
+TEST(MText, PutsSmallLettersWhereItIsToldToBesideLargeOnes)
+{
+    const auto low = [](std::u16string_view code) {
+        const gs::TextShape shape = mtextShape(u"\\H3;H{\\H1;\\C1;" + std::u16string(code) + u"H}");
+        return gs::boxOf(shape.parts.at(1).path).lowY + 3; // above the baseline
+    };
+    EXPECT_NEAR(low(u"\\A0;"), 0, kNear);
+    EXPECT_NEAR(low(u"\\A1;"), 1, kNear);
+    EXPECT_NEAR(low(u"\\A2;"), 2, kNear);
+}
+
+TEST(MText, DrawsLinesAtItsLettersInOneGo)
+{
+    // Between pieces of one look, too, but not behind the last letter.
+    const gs::TextShape shape = mtextShape(u"\\LHH HH\\l");
+    gs::Box lines;
+    for (const TvGePoint2d& point : shape.parts.at(0).path.points())
+        if (point.y < -1.1)
+            lines.add(point);
+    EXPECT_NEAR(lines.lowX, 0, kNear);
+    EXPECT_NEAR(lines.highX, shape.runs.at(0).width, kNear);
+    EXPECT_NEAR(lines.highX, shape.extents.highX, kNear);
 }
 
 TEST(MText, FillsColumnsFromLeftToRight)

@@ -74,14 +74,9 @@ TEST(TextStyle, TellsFamilyBoldAndItalicInExtendedData)
     scene.addStyle(u"txt.shx");
     const auto setFamily = [&](std::int32_t flags) {
         scene.changeStyle([&](TvDbTextStyleTableRecord& style) {
-            resbuf* application = tvutNewRb(1001);
-            tvutSetText(*application, u"ACAD");
-            application->rbnext = tvutNewRb(1000);
-            tvutSetText(*application->rbnext, u"DejaVu Sans");
-            application->rbnext->rbnext = tvutNewRb(1071);
-            application->rbnext->rbnext->resval.rlong = flags;
-            EXPECT_EQ(style.setXData(application), TvStatus::Ok);
-            tvutRelRb(application);
+            const TvResbufPtr family(
+                tvutBuildList(1001, u"ACAD", 1000, u"DejaVu Sans", 1071, flags, 0));
+            EXPECT_EQ(style.setXData(family.get()), TvStatus::Ok);
         });
         return scene.lineInStyle();
     };
@@ -148,6 +143,12 @@ TEST(Tolerance, TakesItsSizesFromTheDimensionStyle)
 
     EXPECT_NEAR(shape.extents.height(), 12, 1e-9);
     EXPECT_EQ(shape.parts.at(0).color, gs::OwnColor::fromIndex(1));
+
+    // Its own say counts first.
+    const TvResbufPtr own(tvutBuildList(1001, u"ACAD", 1000, u"DSTYLE", 1002, u"{", 1070, 140, 1040,
+                                        4.0, 1002, u"}", 0));
+    ASSERT_EQ(open->setXData(own.get()), TvStatus::Ok);
+    EXPECT_NEAR(shapeOf(*open, testFonts()).extents.height(), 18, 1e-9);
 }
 
 TEST(Linetypes, TellTheirDashesAndTexts)
