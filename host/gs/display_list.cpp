@@ -8,11 +8,19 @@ namespace {
 
 constexpr std::uint32_t kFanOut = 16;
 
-template <class T>
-std::size_t bytesOf(const std::vector<T>& values)
+template <class Row>
+std::size_t bytesOf(const Row& values)
 {
-    return values.capacity() * sizeof(T);
+    return values.capacity() * sizeof(*values.begin());
 }
+
+/// An item by a place on one axis.
+struct Placed {
+    float at;
+    std::uint32_t item;
+
+    friend bool operator<(const Placed& a, const Placed& b) { return a.at < b.at; }
+};
 
 } // namespace
 
@@ -31,18 +39,21 @@ void DisplayList::buildIndex()
 {
     for (std::uint32_t i = 0; i < m_items.size(); ++i)
         (m_items[i].box.isEmpty() ? m_everywhere : m_order).push_back(i);
-    const auto middle = [this](std::uint32_t item) { return m_items[item].box.center(); };
-    const auto byX = [&](std::uint32_t a, std::uint32_t b) { return middle(a).x < middle(b).x; };
-    const auto byY = [&](std::uint32_t a, std::uint32_t b) { return middle(a).y < middle(b).y; };
-    std::sort(m_order.begin(), m_order.end(), byX);
-    const std::size_t leaves = (m_order.size() + kFanOut - 1) / kFanOut;
+    std::vector<Placed> placed(m_order.size());
+    for (std::size_t i = 0; i < placed.size(); ++i)
+        placed[i] = {static_cast<float>(m_items[m_order[i]].box.center().x), m_order[i]};
+    std::sort(placed.begin(), placed.end());
+    const std::size_t leaves = (placed.size() + kFanOut - 1) / kFanOut;
     const auto strips = static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(leaves))));
     const std::size_t perStrip = std::max<std::size_t>(strips, 1) * kFanOut;
-    for (std::size_t at = 0; at < m_order.size(); at += perStrip)
-        std::sort(m_order.begin() + static_cast<std::ptrdiff_t>(at),
-                  m_order.begin() +
-                      static_cast<std::ptrdiff_t>(std::min(at + perStrip, m_order.size())),
-                  byY);
+    for (Placed& one : placed)
+        one.at = static_cast<float>(m_items[one.item].box.center().y);
+    for (std::size_t at = 0; at < placed.size(); at += perStrip)
+        std::sort(placed.begin() + static_cast<std::ptrdiff_t>(at),
+                  placed.begin() +
+                      static_cast<std::ptrdiff_t>(std::min(at + perStrip, placed.size())));
+    for (std::size_t i = 0; i < placed.size(); ++i)
+        m_order[i] = placed[i].item;
     for (std::uint32_t at = 0; at < m_order.size(); at += kFanOut) {
         Node& leaf = m_nodes.emplace_back();
         leaf.first = at;

@@ -29,9 +29,31 @@ bool isUpright(PathView path)
 
 } // namespace
 
-std::optional<PathRange> ListWriter::store(const SpacePath& path, const TvGeMatrix3d& map, Box& box)
+namespace {
+
+/// The two rows of a map that make places in the list's plane.
+struct FlatRows {
+    explicit FlatRows(const TvGeMatrix3d& map) : e(map.entry) {}
+
+    TvGePoint2d operator()(const TvGePoint3d& p) const
+    {
+        return {e[0][0] * p.x + e[0][1] * p.y + e[0][2] * p.z + e[0][3],
+                e[1][0] * p.x + e[1][1] * p.y + e[1][2] * p.z + e[1][3]};
+    }
+    TvGePoint2d operator()(const TvGePoint2d& p) const
+    {
+        return {e[0][0] * p.x + e[0][1] * p.y + e[0][3], e[1][0] * p.x + e[1][1] * p.y + e[1][3]};
+    }
+
+    const double (&e)[4][4];
+};
+
+} // namespace
+
+template <class AnyPath>
+std::optional<PathRange> ListWriter::store(const AnyPath& path, const TvGeMatrix3d& map, Box& box)
 {
-    std::vector<TvGePoint2d>& points = m_list.m_points;
+    GrowingBuffer<TvGePoint2d>& points = m_list.m_points;
     PathRange range;
     range.verb = static_cast<std::uint32_t>(m_list.m_verbs.size());
     range.verbCount = static_cast<std::uint32_t>(path.verbs().size());
@@ -44,25 +66,29 @@ std::optional<PathRange> ListWriter::store(const SpacePath& path, const TvGeMatr
         m_list.m_isCut = true;
         return std::nullopt;
     }
-    const auto& e = map.entry;
-    for (const TvGePoint3d& p : path.points()) {
-        const double x = e[0][0] * p.x + e[0][1] * p.y + e[0][2] * p.z + e[0][3];
-        const double y = e[1][0] * p.x + e[1][1] * p.y + e[1][2] * p.z + e[1][3];
-        if (!isUsable(x, y)) {
-            points.resize(range.point);
-            return std::nullopt;
-        }
-        points.emplace_back(x, y);
-        box.add(points.back());
+    const FlatRows flat(map);
+    TvGePoint2d* to = points.grow(path.points().size());
+    Box around;
+    bool areUsable = true;
+    for (const auto& point : path.points()) {
+        const TvGePoint2d there = flat(point);
+        areUsable = areUsable && isUsable(there.x, there.y);
+        around.add(there);
+        *to++ = there;
     }
-    m_list.m_verbs.insert(m_list.m_verbs.end(), path.verbs().begin(), path.verbs().end());
+    if (!areUsable) {
+        points.shrinkTo(range.point);
+        return std::nullopt;
+    }
+    box.addBox(around);
+    m_list.m_verbs.append(path.verbs().data(), path.verbs().size());
     return range;
 }
 
 void ListWriter::forget(const PathRange& range)
 {
-    m_list.m_verbs.resize(range.verb);
-    m_list.m_points.resize(range.point);
+    m_list.m_verbs.shrinkTo(range.verb);
+    m_list.m_points.shrinkTo(range.point);
 }
 
 bool ListWriter::isCutAway(std::uint32_t clip, const Box& box) const
@@ -72,6 +98,19 @@ bool ListWriter::isCutAway(std::uint32_t clip, const Box& box) const
 
 void ListWriter::add(const ItemLook& look, const SpacePath& path, const TvGeMatrix3d& map,
                      const SpacePath* coarse)
+{
+    addAny(look, path, map, coarse);
+}
+
+void ListWriter::add(const ItemLook& look, const Path& path, const TvGeMatrix3d& map,
+                     const SpacePath* coarse)
+{
+    addAny(look, path, map, coarse);
+}
+
+template <class AnyPath>
+void ListWriter::addAny(const ItemLook& look, const AnyPath& path, const TvGeMatrix3d& map,
+                        const SpacePath* coarse)
 {
     if (m_list.m_items.size() >= m_limits.items) {
         m_list.m_isCut = true;
@@ -125,7 +164,7 @@ void ListWriter::addMarker(const ItemLook& look, const TvGePoint3d& place, const
     item.box.add(m_list.m_points[item.path.point]);
     if (isCutAway(item.clip, item.box)) {
         forget(item.path);
-        m_list.m_items.pop_back();
+        m_list.m_items.shrinkTo(before);
     }
 }
 
@@ -203,9 +242,6 @@ void ListWriter::finish()
                                       : item.box.common(m_list.m_clips[item.clip].box);
                 !shown.isEmpty())
                 m_list.m_extents.addBox(shown);
-    m_list.m_verbs.shrink_to_fit();
-    m_list.m_points.shrink_to_fit();
-    m_list.m_items.shrink_to_fit();
     m_list.buildIndex();
 }
 

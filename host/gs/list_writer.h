@@ -33,6 +33,8 @@ public:
     /// @param coarse  what is drawn of it where its details are too small; null: none.
     void add(const ItemLook& look, const SpacePath& path, const TvGeMatrix3d& map,
              const SpacePath* coarse = nullptr);
+    void add(const ItemLook& look, const Path& path, const TvGeMatrix3d& map,
+             const SpacePath* coarse = nullptr);
     /// Adds a marker at @p place (before @p map): @p figure is in parts of the view's height.
     void addMarker(const ItemLook& look, const TvGePoint3d& place, const TvGeMatrix3d& map,
                    const SpacePath& figure);
@@ -58,7 +60,11 @@ public:
 
 private:
     /// nullopt for what cannot be drawn; then nothing was stored.
-    std::optional<PathRange> store(const SpacePath& path, const TvGeMatrix3d& map, Box& box);
+    template <class AnyPath>
+    std::optional<PathRange> store(const AnyPath& path, const TvGeMatrix3d& map, Box& box);
+    template <class AnyPath>
+    void addAny(const ItemLook& look, const AnyPath& path, const TvGeMatrix3d& map,
+                const SpacePath* coarse);
     void forget(const PathRange& range);
     bool isCutAway(std::uint32_t clip, const Box& box) const;
 

@@ -189,15 +189,11 @@ bool Scene::strokeDashed(const ItemLook& look, const TvGeMatrix3d& map, bool res
         return false;
     ItemLook lines = look;
     lines.detail = static_cast<float>(pattern.length() * options.scale);
-    SpacePath cut;
-    cut.append(pieces.lines, 0);
-    m_writer.add(lines, cut, {}, &solid);
+    m_writer.add(lines, pieces.lines, {}, &solid);
     for (const TextPart& part : pieces.texts) {
         ItemLook letters = lines;
         letters.kind = part.isFilled ? Item::Kind::Fill : Item::Kind::Stroke;
-        cut.clear();
-        cut.append(part.path, 0);
-        m_writer.add(letters, cut, {});
+        m_writer.add(letters, part.path, {});
     }
     return true;
 }
@@ -205,9 +201,7 @@ bool Scene::strokeDashed(const ItemLook& look, const TvGeMatrix3d& map, bool res
 void Scene::add(const ItemLook& look, const Path& flat, const TvGeMatrix3d& place,
                 const SpacePath* coarse)
 {
-    m_path.clear();
-    m_path.append(flat, 0);
-    m_writer.add(look, m_path, m_frame->map * place, coarse);
+    m_writer.add(look, flat, m_frame->map * place, coarse);
 }
 
 void Scene::fill(const TvGeMatrix3d& place, Item::Kind kind)

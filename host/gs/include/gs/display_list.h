@@ -11,6 +11,7 @@
 #include <ge/tv_ge_matrix3d.h>
 #include <gs/box.h>
 #include <gs/color.h>
+#include <gs/growing_buffer.h>
 #include <gs/path.h>
 
 class TvDbDatabase;
@@ -125,15 +126,15 @@ public:
     static DisplayList ofBlock(TvDbObjectId block, const ListLimits& limits = {});
 
     /// In the order in which they are drawn.
-    std::span<const Item> items() const { return m_items; }
+    std::span<const Item> items() const { return m_items.span(); }
     std::span<const Clip> clips() const { return m_clips; }
     std::span<const Layer> layers() const { return m_layers; }
     std::span<const PlacedText> texts() const { return m_texts; }
     std::span<const PictureFrame> pictures() const { return m_pictures; }
     PathView path(const PathRange& range) const
     {
-        return {std::span(m_verbs).subspan(range.verb, range.verbCount),
-                std::span(m_points).subspan(range.point, range.pointCount)};
+        return {m_verbs.span().subspan(range.verb, range.verbCount),
+                m_points.span().subspan(range.point, range.pointCount)};
     }
 
     /// Around everything that is drawn, what is cut off left out; empty when that is nothing.
@@ -173,9 +174,9 @@ private:
     void buildIndex();
     void mark(const Node& node, const Box& window, std::vector<std::uint64_t>& marks) const;
 
-    std::vector<Path::Verb> m_verbs;
-    std::vector<TvGePoint2d> m_points;
-    std::vector<Item> m_items;
+    GrowingBuffer<Path::Verb> m_verbs;
+    GrowingBuffer<TvGePoint2d> m_points;
+    GrowingBuffer<Item> m_items;
     std::vector<Clip> m_clips;
     std::vector<Layer> m_layers;
     std::vector<PlacedText> m_texts;
