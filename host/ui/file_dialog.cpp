@@ -59,7 +59,11 @@ Start startOf(const ed::UserPrompts::FileQuestion& question, const TvString& key
     if (const TvString kept = rememberedText(key);
         !kept.isEmpty() && folderAnswers(kept, kPatienceMs))
         return {kept, {}};
-    return {fromQt(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation)), {}};
+    const TvString documents =
+        fromQt(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    if (folderAnswers(documents, kPatienceMs))
+        return {documents, {}};
+    return {fromQt(QStandardPaths::writableLocation(QStandardPaths::HomeLocation)), {}};
 }
 
 QStringList filtersOf(const std::vector<TvString>& extensions)

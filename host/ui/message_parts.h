@@ -16,7 +16,8 @@ constexpr int kOkText = 23300, kCancelText = 23301, kYesText = 23302, kNoText = 
 QString titleOf(int number);
 /// A null icon for Icon::None.
 QIcon pictureOf(TvUserMessages::Icon icon);
-/// With what would make a window larger than the screen shortened in its middle.
+/// With what would make a window larger than the screen shortened in its middle, and with control
+/// characters and marks of direction made visible.
 std::vector<TvString> shortened(std::span<const TvString> arguments);
 
 } // namespace ui

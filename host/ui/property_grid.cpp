@@ -41,12 +41,7 @@ protected:
         return at >= 0 && at < m_grid.rowCount() ? m_grid.m_rows[static_cast<std::size_t>(at)].get()
                                                  : nullptr;
     }
-    void written() const override
-    {
-        // The editor that wrote is still there: the rows are read once it has gone.
-        QMetaObject::invokeMethod(
-            &m_grid, [this] { m_grid.refresh(); }, Qt::QueuedConnection);
-    }
+    void written() const override { m_grid.refresh(); }
 
 private:
     PropertyGrid& m_grid;
@@ -120,7 +115,7 @@ void PropertyGrid::fill()
         auto* item = new QTreeWidgetItem(category);
         item->setData(0, Qt::UserRole, static_cast<int>(at));
         m_items.push_back(item);
-        show(*item, row);
+        showRow(*item, row);
     }
     dress();
     m_tree->resizeColumnToContents(0);
@@ -128,7 +123,7 @@ void PropertyGrid::fill()
         m_tree->setCurrentItem(m_items.front());
 }
 
-void PropertyGrid::show(QTreeWidgetItem& item, const ed::PropertyRow& row)
+void PropertyGrid::showRow(QTreeWidgetItem& item, const ed::PropertyRow& row)
 {
     item.setText(0, toQt(row.name()));
     item.setText(1, shownValue(row));
@@ -143,7 +138,7 @@ void PropertyGrid::show(QTreeWidgetItem& item, const ed::PropertyRow& row)
 void PropertyGrid::refresh()
 {
     for (std::size_t at = 0; at < m_rows.size(); ++at)
-        show(*m_items[at], *m_rows[at]);
+        showRow(*m_items[at], *m_rows[at]);
     describeCurrent();
     m_tree->viewport()->update();
 }
@@ -217,7 +212,7 @@ void PropertyGrid::dress()
         category->setBackground(1, color(ColorRole::Raised));
     }
     for (std::size_t at = 0; at < m_rows.size() && at < m_items.size(); ++at)
-        show(*m_items[at], *m_rows[at]);
+        showRow(*m_items[at], *m_rows[at]);
 }
 
 } // namespace ui

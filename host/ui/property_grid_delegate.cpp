@@ -60,31 +60,37 @@ bool PropertyDelegate::isButton(const QPoint& at) const
 
 bool PropertyDelegate::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_tree && event->type() == QEvent::KeyPress) {
-        const auto& key = static_cast<QKeyEvent&>(*event);
-        const bool isEnter = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
-        if (isEnter && (key.modifiers() & Qt::ControlModifier)) {
-            m_wished(Wish::Dialog);
-            return true;
-        }
-        const QString typed = key.text();
-        const bool isTyping =
-            !typed.isEmpty() && typed.at(0).isPrint() && typed.at(0) != QLatin1Char(' ');
-        if ((isEnter || key.key() == Qt::Key_F2 || isTyping) && rowAt(m_tree->currentIndex())) {
-            m_wished(Wish::Edit);
-            if (auto* edit = dynamic_cast<QLineEdit*>(m_tree->viewport()->focusWidget());
-                isTyping && edit)
-                edit->setText(typed);
-            return true;
-        }
+    if (!m_tree || (watched != m_tree && watched != m_tree->viewport()))
+        return QStyledItemDelegate::eventFilter(watched, event); // an editor
+    if (watched == m_tree && event->type() == QEvent::KeyPress)
+        return takesKey(static_cast<QKeyEvent&>(*event));
+    const bool isButtonClick = watched == m_tree->viewport() &&
+                               event->type() == QEvent::MouseButtonRelease &&
+                               isButton(static_cast<QMouseEvent&>(*event).pos());
+    if (isButtonClick)
+        m_wished(Wish::Dialog);
+    return isButtonClick;
+}
+
+/// Keys that an editor left over come here too; those are its own affair.
+bool PropertyDelegate::takesKey(const QKeyEvent& key)
+{
+    if (m_editor || !rowAt(m_tree->currentIndex()))
         return false;
-    }
-    if (m_tree && watched == m_tree->viewport() && event->type() == QEvent::MouseButtonRelease &&
-        isButton(static_cast<QMouseEvent&>(*event).pos())) {
+    const bool isEnter = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+    if (isEnter && (key.modifiers() & Qt::ControlModifier)) {
         m_wished(Wish::Dialog);
         return true;
     }
-    return QStyledItemDelegate::eventFilter(watched, event);
+    const QString typed = key.text();
+    const bool isTyping =
+        !typed.isEmpty() && typed.at(0).isPrint() && typed.at(0) != QLatin1Char(' ');
+    if (!isEnter && key.key() != Qt::Key_F2 && !isTyping)
+        return false;
+    m_wished(Wish::Edit);
+    if (auto* edit = dynamic_cast<QLineEdit*>(m_editor.data()); isTyping && edit)
+        edit->setText(typed);
+    return true;
 }
 
 QWidget* PropertyDelegate::createEditor(QWidget* parent, const QStyleOptionViewItem&,
@@ -97,6 +103,7 @@ QWidget* PropertyDelegate::createEditor(QWidget* parent, const QStyleOptionViewI
         auto* edit = new QLineEdit(parent);
         edit->setFrame(false);
         edit->setAutoFillBackground(true);
+        m_editor = edit;
         return edit;
     }
     auto* box = new QComboBox(parent);
@@ -106,6 +113,7 @@ QWidget* PropertyDelegate::createEditor(QWidget* parent, const QStyleOptionViewI
         emit self->commitData(box);
         emit self->closeEditor(box);
     });
+    m_editor = box;
     QTimer::singleShot(0, box, &QComboBox::showPopup);
     return box;
 }

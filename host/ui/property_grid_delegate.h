@@ -2,10 +2,13 @@
 
 #include <functional>
 
+#include <QPointer>
 #include <QStyledItemDelegate>
+#include <QWidget>
 
 #include <ed/property_source.h>
 
+class QKeyEvent;
 class QTreeWidget;
 
 namespace ui {
@@ -42,7 +45,9 @@ protected:
 
 private:
     bool isButton(const QPoint& at) const;
-    QTreeWidget* m_tree = nullptr; // not owned; owns us
+    bool takesKey(const QKeyEvent& key);
+    QTreeWidget* m_tree = nullptr;      // not owned; owns us
+    mutable QPointer<QWidget> m_editor; // not owned; the one that is open
     std::function<void(Wish)> m_wished;
 };
 

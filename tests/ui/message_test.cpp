@@ -145,6 +145,20 @@ TEST_F(MessageTest, AVeryLongNameIsShortened)
     m_windows.show(longOne);
 }
 
+TEST_F(MessageTest, MarksThatHideLettersAreShown)
+{
+    Messages::Message tricky = message(Buttons::Ok, Answer::Ok);
+    tricky.arguments[1] = u"plan\u202Egwd.exe\nnext\tline";
+    whenWaiting([] {
+        const QString words = runningDialog<QMessageBox>()->text();
+        EXPECT_FALSE(words.contains(QChar(0x202E)));
+        EXPECT_TRUE(words.contains(QLatin1String("202")));
+        EXPECT_EQ(words.count(QLatin1Char('\n')), 1);
+        QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
+    });
+    m_windows.show(tricky);
+}
+
 TEST_F(MessageTest, ATaskShowsEachTextInItsPlace)
 {
     for (const ui::Theme theme : {ui::Theme::Dark, ui::Theme::Light}) {

@@ -12,7 +12,7 @@ public:
     /// Escape and the window's cross answer Cancel, No where there is no Cancel, else Ok.
     Answer show(const Message& message) override;
     /// Up and Down, Tab and Enter go along the answers. A line feed in a command's text stands
-    /// before what explains it.
+    /// before what explains it; an & is one.
     TaskAnswer showTask(const TaskDialog& dialog) override;
 };
 

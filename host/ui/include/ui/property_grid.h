@@ -50,7 +50,7 @@ private:
     class Delegate;
     void build();
     void fill();
-    void show(QTreeWidgetItem& item, const ed::PropertyRow& row);
+    void showRow(QTreeWidgetItem& item, const ed::PropertyRow& row);
     void describeCurrent();
     ed::PropertyRow* rowOf(const QTreeWidgetItem* item) const;
     void dress();
