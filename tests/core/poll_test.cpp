@@ -103,20 +103,36 @@ TEST_F(PollTest, AFileThatWentIsWrittenAgainFromMemory)
     EXPECT_TRUE(host.told.empty()) << "our own write is no outside change";
 }
 
-TEST_F(PollTest, WhatCannotBeWrittenAgainIsTriedOnceUntilItIsBack)
+TEST_F(PollTest, WhatCannotBeWrittenAgainIsTriedOnceAndTakenOverWhenItIsBack)
 {
     const std::string text = folder.read("a.dst");
     for (const auto& entry : fs::directory_iterator(folder.path()))
         if (entry.is_regular_file())
             fs::remove(entry);
-    g_watchTable.at(database).isGivenUp = true;
+    ops.failKind(base::FaultyFileOps::Kind::Write, ENOSPC);
     PollWatchTable();
     EXPECT_FALSE(fs::exists(folder.path() / "a.dst"));
+    ops.reset();
+    PollWatchTable();
+    EXPECT_FALSE(fs::exists(folder.path() / "a.dst")) << "not ten times a second";
     folder.write("a.dst", text);
     replaceOutside("BACK");
     PollWatchTable();
     EXPECT_EQ(nameOf(database), u"BACK");
-    EXPECT_FALSE(g_watchTable.at(database).isGivenUp);
+    fs::remove(folder.path() / "a.dst");
+    PollWatchTable();
+    EXPECT_TRUE(fs::exists(folder.path() / "a.dst")) << "and it can be lost again";
+}
+
+TEST_F(PollTest, WhileATransmitRunsAnOutsideChangeWaits)
+{
+    database->setTransmitting(true);
+    replaceOutside("OTHER");
+    PollWatchTable();
+    EXPECT_EQ(nameOf(database), u"PLAN");
+    database->setTransmitting(false);
+    PollWatchTable();
+    EXPECT_EQ(nameOf(database), u"OTHER");
 }
 
 TEST_F(PollTest, ASetThatWasNeverSavedIsNotWritten)

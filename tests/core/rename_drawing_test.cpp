@@ -87,6 +87,15 @@ TEST_F(RenameDrawingTest, UnderTheCallersLockTheSetIsHisToKeep)
     EXPECT_EQ(drawings().front(), u"new.dwg");
 }
 
+TEST_F(RenameDrawingTest, ASetThatCannotBeWrittenBringsTheDrawingBack)
+{
+    ops.failKind(base::FaultyFileOps::Kind::Rename, EIO);
+    EXPECT_FALSE(rename());
+    ops.reset();
+    EXPECT_FALSE(isThere("new.dwg"));
+    expectNothingDone();
+}
+
 TEST_F(RenameDrawingTest, AnExistingFileIsNeverOverwritten)
 {
     EXPECT_FALSE(rename("third.dwg"));

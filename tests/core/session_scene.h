@@ -63,7 +63,7 @@ protected:
     void SetUp() override
     {
         m_former = sm::environment();
-        sm::environment().files = &m_ops;
+        sm::environment().files = &ops;
         tarvSetConfig(&config);
         core::setSessionHost(&host);
     }
@@ -96,8 +96,8 @@ protected:
     TempFolder folder;
     TarvikConfig config{folder.file("config")};
     NotingHost host;
+    QuickFileOps ops{base::systemFileOps()}; ///< of the sheet sets' files
 
 private:
-    QuickFileOps m_ops{base::systemFileOps()};
     sm::Environment m_former;
 };

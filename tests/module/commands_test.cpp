@@ -92,8 +92,15 @@ TEST_F(Commands, ArchiveWithoutTheTransmitModuleIsSilent)
 
 TEST_F(Commands, LabelsNeverChangeTheSet)
 {
+    struct Events : TvSmEvents {
+        void onEvent(int code, TvSmPersist*) override { codes.push_back(code); }
+        std::vector<int> codes;
+    } events;
     TvSmDatabase* database = activated();
+    const int cookie = database->registerEventHandler(&events);
     type(u"VIEWLABEL");
+    database->unregisterEventHandler(cookie);
+    EXPECT_EQ(events.codes, std::vector<int>{SmEventLockEnded}) << "rolled back";
     EXPECT_EQ(database->getLockStatus(), 0);
     ASSERT_TRUE(database->lockDb(database));
     type(u"CALLOUT");
