@@ -18,6 +18,7 @@
 
 #include "byte_stream.h"
 #include "coded_container.h"
+#include "lz2007.h"
 #include "object_layout.h"
 #include "preview_block.h"
 
@@ -314,7 +315,9 @@ private:
     {
         const auto sections = sectionMap();
         assert(sections.size() == m_sectionsSize);
-        const std::uint64_t sectionsRoom = mapPageSize(sections.size());
+        const std::size_t packedSize = pack2007(sections).size(); // 0: it stays as it is
+        const std::uint64_t sectionsRoom =
+            mapPageSize(packedSize != 0 ? packedSize : sections.size());
         const MapPage sectionsPage = writeMap(sections, sectionsRoom);
         const auto map = pageMap(sectionsRoom);
         const MapPage mapPage = writeMap(map, m_mapRoom);

@@ -11,7 +11,15 @@ namespace {
 
 base::Status objectFailure(base::Failure failure, std::uint64_t handle)
 {
-    return {failure, base::Reason::DwgObjectDamaged, {base::hexText(handle)}};
+    const auto reason = [&] {
+        switch (failure) {
+        case base::Failure::Unsupported: return base::Reason::DwgCheckObjectUnreadable;
+        case base::Failure::TooLarge:
+        case base::Failure::Usage: return base::Reason::DwgRecordInvalid;
+        default: return base::Reason::DwgObjectDamaged;
+        }
+    };
+    return {failure, reason(), {base::hexText(handle)}};
 }
 
 // What must hold when the table has been run: nothing is left over, except less than a byte of

@@ -13,7 +13,10 @@ constexpr std::size_t kLargestRecord = 64 * 1024;
 
 base::Status headerFailure(base::Failure failure)
 {
-    return {failure, base::Reason::DwgSectionDamaged, {u"AcDb:Header"}};
+    const bool isRead = failure == base::Failure::Damaged || failure == base::Failure::Unsupported;
+    return {failure,
+            isRead ? base::Reason::DwgSectionDamaged : base::Reason::DwgSectionNotWritten,
+            {u"AcDb:Header"}};
 }
 
 const db::ClassDef& headerClass()

@@ -24,6 +24,11 @@ constexpr std::size_t kCutStep = 1, kDamageStep = 3, kSaveStep = 7 * kDamageStep
 #else
 constexpr std::size_t kCutStep = 5, kDamageStep = 61, kSaveStep = 7 * kDamageStep;
 #endif
+#if defined(KV_SANITIZED)
+constexpr std::size_t kSmallestCutStep = kCutStep;
+#else
+constexpr std::size_t kSmallestCutStep = 1; // of the smallest drawing of each version
+#endif
 
 /// Everything is asked for; each answer is a value or a status.
 void readEverything(const db::DrawingFile& file)
@@ -142,12 +147,14 @@ constexpr std::size_t kPagesOf = 8, kPageSizeOf = 12;
 
 TEST(FileHostile, ADrawingThatBreaksOffAnywhereGivesAStatus)
 {
-    for (const auto& [name, whole] : minimalDrawings())
-        for (std::size_t size = 0; size < whole.size(); size += kCutStep) {
+    for (const auto& [name, whole] : minimalDrawings()) {
+        const std::size_t step = name.starts_with("empty-") ? kSmallestCutStep : kCutStep;
+        for (std::size_t size = 0; size < whole.size(); size += step) {
             SCOPED_TRACE(name + " cut at " + std::to_string(size));
             openOrRefuse(Buffer(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)),
                          size % (37 * kCutStep) == 0);
         }
+    }
 }
 
 TEST(FileHostile, ADrawingWithAWrongByteGivesAStatusOrReadsAndSaves)

@@ -134,6 +134,29 @@ TEST(ObjectEdit, OfAReadRecordChangesOnlyWhatWasEdited)
     EXPECT_TRUE(again == read);
 }
 
+TEST(ObjectEdit, WhatCannotBeStoredOrReadIsNotCalledDamaged)
+{
+    const dwg::ObjectContext context = contextOf(dwg::Version::Ac1018);
+    db::Record text = make("TEXT", dwg::Version::Ac1018);
+    // Each letter becomes an escape of seven bytes, more than a text has.
+    ASSERT_TRUE(db::RecordEditor(text).setText("text", std::u16string(20'000, u'\u4E2D')));
+    const base::Status tooLarge = dwg::encodeObject(text, context).status();
+    EXPECT_EQ(tooLarge.failure(), base::Failure::TooLarge);
+    EXPECT_EQ(tooLarge.reason(), base::Reason::DwgRecordInvalid);
+
+    db::Record noType = make("TEXT", dwg::Version::Ac1018);
+    noType.setTypeNumber(0);
+    EXPECT_EQ(dwg::encodeObject(noType, context).status().reason(), base::Reason::DwgRecordInvalid);
+
+    const auto bytes = dwg::encodeObject(make("MLEADERSTYLE", dwg::Version::Ac1018), context);
+    ASSERT_TRUE(bytes);
+    const dwg::ObjectClasses none;
+    const auto unknown =
+        dwg::decodeObject(*dwg::parseRecord(dwg::Version::Ac1018, *bytes),
+                          {dwg::Version::Ac1018, none, dwg::CodePage::numbered(30)});
+    EXPECT_EQ(unknown.status().reason(), base::Reason::DwgCheckObjectUnreadable);
+}
+
 TEST(ObjectEdit, CharactersThatTheCodePageLacksBecomeEscapes)
 {
     db::Record text = make("TEXT", dwg::Version::Ac1018);
