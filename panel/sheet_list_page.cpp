@@ -38,9 +38,8 @@ void SheetListPage::ReloadDatabase()
     if (m_tree.database() != m_displayedDb || !m_tree.root())
         return RebuildTree();
     m_statusTimer.treeCleared();
-    m_pass.reset(); // it knows the former items only
     m_window.suspendPainting();
-    m_tree.Merge();
+    m_tree.Merge(); // a status pass goes on: it knows handles, not items
     m_tree.RestoreSelection(m_memory.find(m_displayedDb->getFileName())->selection);
     m_statusTimer.treeFilled();
     m_window.resumePainting();

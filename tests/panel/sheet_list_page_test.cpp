@@ -289,6 +289,22 @@ TEST_F(SheetListPageTest, APassGoesOnInIdleTimeUntilTheTreeChanges)
     EXPECT_EQ(slices, 5) << "seven items, the first of them at once, the last ends it";
 }
 
+TEST_F(SheetListPageTest, APassThatTheUserAskedForGoesOnAfterAReload)
+{
+    SlowClock slow;
+    panel::SheetListPage slowPage(window, slow);
+    SetCurrentDatabase(database);
+    slowPage.SwitchDatabase(true);
+    slowPage.UpdateStatusImages();
+    change([&](TvSmSheetSet&) { ground->removeSheet(section); });
+    slowPage.ReloadDatabase();
+    EXPECT_FALSE(slowPage.workOnStatus());
+    while (!slowPage.workOnStatus()) {
+    }
+    EXPECT_EQ(slowPage.tree().itemOf(handleOf(cover))->image(),
+              core::SheetImage::ImageSheetMissing);
+}
+
 TEST_F(SheetListPageTest, TheTimerStopsBeforeARebuildAndStartsBehindIt)
 {
     status(2);

@@ -242,6 +242,32 @@ TEST_F(TreeDragTest, ATreeThatShowsAnotherSetMeanwhileGivesUp)
     EXPECT_EQ(order(ground).front(), u"Plan");
 }
 
+TEST_F(TreeDragTest, ItemsOfAnotherSetWithTheSameHandlesAreNotMeant)
+{
+    TvSmDatabase* other = made("other.dst");
+    ASSERT_TRUE(other->lockDb(other));
+    TvSmSubset* subset = addSubset(other->getSheetSet(), u"Subset");
+    while (!other->findObject(handleOf(roof)))
+        addSheet(subset, u"", u"Sheet");
+    ASSERT_TRUE(other->unlockDb(other, true));
+    const std::vector<TvString> before = childrenOf(subset);
+    ASSERT_TRUE(take({plan}));
+    over(ground);
+    tree.ClearTree();
+    tree.setDatabase(other);
+    tree.Merge();
+    ASSERT_TRUE(itemOf(ground));
+    const std::string shown = outline();
+    EXPECT_FALSE(drag.drop());
+    EXPECT_EQ(outline(), shown);
+    EXPECT_EQ(childrenOf(subset), before);
+    EXPECT_EQ(database->getLockStatus(), 0);
+    EXPECT_EQ(order(ground).front(), u"Plan");
+    tree.ClearTree();
+    tree.setDatabase(nullptr);
+    manager().closeDatabase(other);
+}
+
 TEST(TreeDragScroll, WaitsLessTheFurtherThePointerIsBeyondTheEdge)
 {
     using panel::TreeDrag;
