@@ -87,6 +87,18 @@ void HostStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* opti
     }
 }
 
+void HostStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                            const QWidget* widget) const
+{
+    const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+    // A large button of a task dialog has an edge at all times, so that it is seen to be one.
+    if (element == CE_PushButtonBevel && button &&
+        (button->features & QStyleOptionButton::CommandLinkButton))
+        paintButton(*painter, *option);
+    else
+        QProxyStyle::drawControl(element, option, painter, widget);
+}
+
 void HostStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                    QPainter* painter, const QWidget* widget) const
 {

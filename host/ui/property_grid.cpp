@@ -19,7 +19,7 @@ namespace {
 
 constexpr int kNameText = 23345, kValueText = 23346;
 constexpr std::int16_t kDialogStyle = 2;
-constexpr int kDescriptionLines = 2;
+constexpr int kDescriptionLines = 2, kColumnRoomPx = 12;
 
 bool wantsDialogStyle()
 {
@@ -119,6 +119,7 @@ void PropertyGrid::fill()
     }
     dress();
     m_tree->resizeColumnToContents(0);
+    m_tree->setColumnWidth(0, m_tree->columnWidth(0) + kColumnRoomPx);
     if (!m_items.empty())
         m_tree->setCurrentItem(m_items.front());
 }

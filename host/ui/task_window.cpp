@@ -108,7 +108,6 @@ void TaskWindow::addCommands(const Messages::TaskDialog& dialog, QBoxLayout& col
         button->setIcon(icon(QStringLiteral("arrow-right")));
         button->setIconSize({kArrowPx, kArrowPx});
         button->setAutoDefault(true);
-        button->setFlat(false); // an edge, so that it is seen to be a button
         if (command.result == dialog.standard) {
             button->setDefault(true);
             button->setFocus();
