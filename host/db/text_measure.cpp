@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include <db/resbuf.h>
 #include <db/tv_db_symbol_table.h>
 
 namespace db {
@@ -21,6 +22,24 @@ double estimatedWidth(char16_t unit)
     if (std::u16string_view(u" .,:;'|!iljtI()[]").find(unit) != std::u16string_view::npos)
         return kNarrowWidth;
     return kAverageWidth;
+}
+
+// Extended data of a style with an outline font: the family, and bits beside other ones.
+constexpr int kFamilyCode = 1000, kFlagsCode = 1071;
+constexpr std::int32_t kItalic = 0x1000000, kBold = 0x2000000;
+
+void readFamily(const TvDbTextStyleTableRecord& record, TextLook& look)
+{
+    const TvResbufPtr chain(record.xData(TvString(u"ACAD")));
+    for (const resbuf* item = chain.get(); item; item = item->rbnext) {
+        if (item->restype == kFamilyCode && item->resval.rstring[0] != 0) {
+            look.font = TvString(item->resval.rstring);
+            look.isFamily = true;
+        } else if (item->restype == kFlagsCode && look.isFamily) {
+            look.isBold = (item->resval.rlong & kBold) != 0;
+            look.isItalic = (item->resval.rlong & kItalic) != 0;
+        }
+    }
 }
 
 } // namespace
@@ -47,6 +66,7 @@ TextLook lookOfStyle(TvDbObjectId style, double height, double widthFactor)
     look.widthFactor = widthFactor;
     if (const TvDbObjectPointer<TvDbTextStyleTableRecord> record(style, TvDb::kForNotify); record) {
         look.font = TvString(record->fields().text("font"));
+        readFamily(*record, look);
         look.bigFont = TvString(record->fields().text("bigfont"));
         look.oblique = record->fields().real("oblique");
     }

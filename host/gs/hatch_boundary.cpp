@@ -14,10 +14,13 @@ namespace {
 
 constexpr std::int64_t kPolylinePath = 2; // "flags" of a path
 constexpr std::size_t kMostCorners = 1'000'000;
+// Of a cubic curve, an eighth of a circle: 64 are off by 1/50,000 of the radius. When a hatch has
+// many edges, each gets fewer, so that none must be left out.
+constexpr std::size_t kMostChords = 64, kFewestChords = 2, kChordsOfHatch = 100'000;
 // Comparisons for finding out which loops lie within others; above that none does.
 constexpr double kMostNestingWork = 5e7;
 
-HatchLoop loopOfEdges(const std::vector<HatchEdge>& edges)
+HatchLoop loopOfEdges(const std::vector<HatchEdge>& edges, std::size_t chords)
 {
     HatchLoop loop;
     TvGePoint2d at;
@@ -33,7 +36,7 @@ HatchLoop loopOfEdges(const std::vector<HatchEdge>& edges)
         }
         loop.corners.push_back(edge.start());
         edge.appendTo(loop.path);
-        edge.appendChords(loop.corners);
+        edge.appendChords(loop.corners, chords);
         at = edge.end();
     }
     if (!edges.empty())
@@ -122,12 +125,16 @@ std::vector<HatchLoop> hatchLoops(const db::RecordView& fields)
 {
     std::vector<HatchLoop> loops;
     const db::ArrayView paths = fields.array("paths");
-    std::size_t corners = 0;
+    std::size_t edges = 1, corners = 0;
+    for (std::uint32_t i = 0; i < paths.size(); ++i)
+        edges += paths[i].array("segs").size() + paths[i].array("pts").size();
+    const std::size_t chords = std::clamp(kChordsOfHatch / edges, kFewestChords, kMostChords);
     for (std::uint32_t i = 0; i < paths.size() && corners < kMostCorners; ++i) {
         const db::RecordView path = paths[i];
         const bool isPolyline = (path.integer("flags") & kPolylinePath) != 0;
         HatchLoop loop = loopOfEdges(isPolyline ? polylineEdges(path)
-                                                : hatchEdges(path, kMostCorners - corners));
+                                                : hatchEdges(path, kMostCorners - corners, chords),
+                                     chords);
         corners += loop.corners.size();
         if (loop.corners.size() >= 2 && isFinite(loop))
             loops.push_back(std::move(loop));

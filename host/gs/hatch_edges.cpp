@@ -17,8 +17,7 @@ enum : std::int64_t { kLine = 1, kArc = 2, kEllipse = 3, kSpline = 4 };
 
 // Of one cubic curve: off a circle by no more than 1/200,000 of its radius.
 constexpr double kWidestCurve = kPi / 4;
-// Chords of one cubic curve: off by 1/50,000.
-constexpr int kChords = 64;
+constexpr std::size_t kCurvesOfCircle = 8;
 constexpr int kMostDegree = 20;
 constexpr std::uint32_t kSamplesPerSpan = 24;
 
@@ -154,15 +153,15 @@ void HatchEdge::appendTo(Path& path) const
         path.curveTo(m_points[i], m_points[i + 1], m_points[i + 2]);
 }
 
-void HatchEdge::appendChords(std::vector<TvGePoint2d>& corners) const
+void HatchEdge::appendChords(std::vector<TvGePoint2d>& corners, std::size_t chords) const
 {
     if (!m_isCurved) {
         corners.insert(corners.end(), m_points.begin() + 1, m_points.end() - 1);
         return;
     }
     for (std::size_t i = 0; i + 3 < m_points.size(); i += 3) {
-        for (int k = i == 0 ? 1 : 0; k < kChords; ++k) {
-            const double t = static_cast<double>(k) / kChords, s = 1 - t;
+        for (std::size_t k = i == 0 ? 1 : 0; k < chords; ++k) {
+            const double t = static_cast<double>(k) / static_cast<double>(chords), s = 1 - t;
             const double a = s * s * s, b = 3 * s * s * t, c = 3 * s * t * t, d = t * t * t;
             const TvGePoint2d* p = &m_points[i];
             corners.emplace_back(a * p[0].x + b * p[1].x + c * p[2].x + d * p[3].x,
@@ -185,7 +184,8 @@ HatchEdge bulgeEdge(const TvGePoint2d& from, const TvGePoint2d& to, double bulge
     return edge;
 }
 
-std::vector<HatchEdge> hatchEdges(const db::RecordView& path, std::size_t mostCorners)
+std::vector<HatchEdge> hatchEdges(const db::RecordView& path, std::size_t mostCorners,
+                                  std::size_t chords)
 {
     std::vector<HatchEdge> edges;
     const db::ArrayView stored = path.array("segs");
@@ -200,14 +200,14 @@ std::vector<HatchEdge> hatchEdges(const db::RecordView& path, std::size_t mostCo
         case kArc: {
             const double radius = edge.real("radius");
             edges.push_back(bowOf(edge, {radius, 0}, {0, radius}));
-            corners += 8 * kChords;
+            corners += kCurvesOfCircle * chords;
             break;
         }
         case kEllipse: {
             const TvGePoint2d end = db::asPoint2d(edge.point("major"));
             const double ratio = edge.real("ratio");
             edges.push_back(bowOf(edge, {end.x, end.y}, {-end.y * ratio, end.x * ratio}));
-            corners += 8 * kChords;
+            corners += kCurvesOfCircle * chords;
             break;
         }
         case kSpline: {

@@ -23,8 +23,8 @@ public:
     void reverse();
     /// Without its start.
     void appendTo(Path& path) const;
-    /// Without its ends.
-    void appendChords(std::vector<TvGePoint2d>& corners) const;
+    /// Without its ends. @param chords  of each curve.
+    void appendChords(std::vector<TvGePoint2d>& corners, std::size_t chords) const;
 
 private:
     std::vector<TvGePoint2d> m_points;
@@ -33,7 +33,9 @@ private:
 
 /// From one corner of a polyline to the next.
 HatchEdge bulgeEdge(const TvGePoint2d& from, const TvGePoint2d& to, double bulge);
-/// The edges of a path that is no polyline; no more than about @p mostCorners chords.
-std::vector<HatchEdge> hatchEdges(const db::RecordView& path, std::size_t mostCorners);
+/// The edges of a path that is no polyline; no more than about @p mostCorners corners, were each
+/// curve of as many @p chords.
+std::vector<HatchEdge> hatchEdges(const db::RecordView& path, std::size_t mostCorners,
+                                  std::size_t chords);
 
 } // namespace gs

@@ -1,15 +1,14 @@
 #include "gs/exact_text_measure.h"
 #include "text_codes.h"
 #include "text_pen.h"
+#include "text_style.h"
 
 namespace gs {
 
 double ExactTextMeasure::width(std::u16string_view line, const db::TextLook& look)
 {
-    FontName name;
-    name.name = std::u16string(look.font.view());
     LetterLook letters;
-    letters.font = &m_fonts.find(name);
+    letters.font = &m_fonts.find(fontOf(look));
     letters.height = look.height;
     letters.widthFactor = std::abs(soundFactor(look.widthFactor));
     std::u32string text;

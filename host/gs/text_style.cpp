@@ -1,31 +1,13 @@
 #include "text_style.h"
 
-#include <db/resbuf.h>
 #include <db/tv_db_symbol_table.h>
 
 namespace gs {
 
-namespace {
-
-// Extended data of a style with an outline font: the family, and bits beside other ones.
-constexpr int kFamilyCode = 1000, kFlagsCode = 1071;
-constexpr std::int32_t kItalic = 0x1000000, kBold = 0x2000000;
-
-void readFamily(const TvDbTextStyleTableRecord& record, FontName& font)
+FontName fontOf(const db::TextLook& look)
 {
-    const TvResbufPtr chain(record.xData(TvString(u"ACAD")));
-    for (const resbuf* item = chain.get(); item; item = item->rbnext) {
-        if (item->restype == kFamilyCode && item->resval.rstring[0] != 0) {
-            font.name = item->resval.rstring;
-            font.isFamily = true;
-        } else if (item->restype == kFlagsCode && font.isFamily) {
-            font.isBold = (item->resval.rlong & kBold) != 0;
-            font.isItalic = (item->resval.rlong & kItalic) != 0;
-        }
-    }
+    return {std::u16string(look.font.view()), look.isFamily, look.isBold, look.isItalic};
 }
-
-} // namespace
 
 TextStyle textStyleOf(TvDbObjectId id)
 {
@@ -33,8 +15,7 @@ TextStyle textStyleOf(TvDbObjectId id)
     const TvDbObjectPointer<TvDbTextStyleTableRecord> record(id, TvDb::kForNotify);
     if (!record)
         return style;
-    style.font.name = record->fields().text("font");
-    readFamily(*record, style.font);
+    style.font = fontOf(db::lookOfStyle(id, 0, 1));
     style.height = record->fields().real("height");
     style.widthFactor = record->fields().real("width_factor");
     style.oblique = record->fields().real("oblique");

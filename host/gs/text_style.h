@@ -1,6 +1,6 @@
 #pragma once
 
-#include <db/tv_db_object_id.h>
+#include <db/text_measure.h>
 
 #include "gs/fonts.h"
 
@@ -15,6 +15,7 @@ struct TextStyle {
     bool isVertical = false;
 };
 
+FontName fontOf(const db::TextLook& look);
 /// A null id, and one of no style: a stroke font.
 TextStyle textStyleOf(TvDbObjectId style);
 

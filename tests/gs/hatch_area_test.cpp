@@ -171,6 +171,21 @@ TEST(HostileHatchArea, TakesSplinesThatMakeNoSenseByTheirPoints)
     EXPECT_TRUE(isFilled(weights.shape(), {0, -4.4}));
 }
 
+TEST(HatchArea, LeavesNoCircleOutWhereThereAreThousands)
+{
+    HatchSample hatch;
+    hatch.square({-1, -1}, 3002).lines(0, {0, 0.5}, {0, 100}, {});
+    for (int i = 0; i < 3000; ++i)
+        hatch.circle({i + 0.5, 0.5}, 0.4);
+    const gs::HatchShape shape = hatch.shape();
+    EXPECT_NEAR(shape.lines.points()[2].x, 0.9, 1e-9); // between the first two
+    double drawn = 0; // on the line through all of them, the first one
+    for (std::size_t i = 0; i + 1 < shape.lines.points().size(); i += 2)
+        if (std::abs(shape.lines.points()[i].y - 0.5) < 0.1)
+            drawn += shape.lines.points()[i + 1].x - shape.lines.points()[i].x;
+    EXPECT_NEAR(drawn, 3002 - 3000 * 0.8, 0.1);
+}
+
 TEST(HostileHatchArea, HasTenThousandLoops)
 {
     HatchSample hatch;

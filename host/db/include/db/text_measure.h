@@ -6,8 +6,10 @@ namespace db {
 
 /// How a piece of text looks, as far as its width depends on it.
 struct TextLook {
-    TvString font;    ///< a file's name, or the family of an outline font
-    TvString bigFont; ///< for the letters that a stroke font lacks
+    TvString font; ///< a file's name, or the family of an outline font
+    bool isFamily = false;
+    bool isBold = false, isItalic = false; ///< of a family
+    TvString bigFont;                      ///< for the letters that a stroke font lacks
     double height = 0;
     double widthFactor = 1;
     double oblique = 0; ///< radians
