@@ -31,11 +31,18 @@ Chosen chooseVerb(const std::vector<std::string>& rest)
     refuseUnknownVerb(rest);
 }
 
-/// Whether a group of verbs is asked for its help.
+/// Whether a group of verbs is asked for its help; only the form of the answer may stand beside it.
 bool asksForGroup(const std::vector<std::string>& rest)
 {
     const std::size_t words = groupWords(rest);
-    return words > 0 && words < rest.size() && (rest[words] == "-h" || rest[words] == "--help");
+    bool asks = false;
+    for (std::size_t i = words; i < rest.size(); ++i) {
+        const bool isHelp = rest[i] == "-h" || rest[i] == "--help";
+        if (!isHelp && rest[i] != "--json")
+            return false;
+        asks = asks || isHelp;
+    }
+    return words > 0 && asks;
 }
 
 void enterFolder(const std::string& folder)
@@ -104,6 +111,7 @@ int runRequest(std::span<const std::string> arguments, std::string& verb, Ports&
         return static_cast<int>(ExitCode::Usage);
     }
     if (asksForGroup(rest)) {
+        invocation.json = invocation.json || wantsJson(rest);
         rest.resize(groupWords(rest));
         return runHelp({rest, false, true}, invocation, ports);
     }

@@ -2,6 +2,7 @@
 
 #include <base/kv_file_system.h>
 #include <base/path_rules.h>
+#include <db/drawing_inventory.h>
 
 #include "cli/drawing_session.h"
 #include "cli/session.h"
@@ -101,7 +102,10 @@ ExitCode copy(const DrawingCopyRequest& request, Console& console)
     TvDbDatabase& database = opened.database();
     const DrawingForm from{formatOf(database), database.originalFileVersion()};
     to.mustBeNew = !request.overwrite;
+    const auto leftOut = static_cast<int>(db::picturesLeftOut(database, to.format, to.version));
     writeCopy(database, path, to, request.change, console);
+    if (leftOut > 0)
+        console.warn(messageOf(Word::WarnPicturesLeftOut, leftOut));
     if (to.version == 0)
         to.version = from.version;
     const bool isSame = to.format == from.format && to.version == from.version;
@@ -110,6 +114,7 @@ ExitCode copy(const DrawingCopyRequest& request, Console& console)
     console.document()["file"] = jsonText(opened.path());
     console.document()["to"] = jsonText(path);
     console.document()["converted"] = !isSame;
+    console.document()["picturesLeftOut"] = leftOut;
     tellForm(to, request.change.dryRun, console);
     return ExitCode::Ok;
 }

@@ -1,6 +1,6 @@
 #include "db/drawing_inventory.h"
 
-#include "database_impl.h"
+#include "database_extras.h"
 
 namespace db {
 
@@ -91,6 +91,20 @@ DrawingInventory inventoryOf(TvDbDatabase& database)
     else if (impl.file())
         counts.preview = impl.file()->preview().kind;
     return counts;
+}
+
+std::size_t picturesLeftOut(const TvDbDatabase& database, FileFormat format, int version)
+{
+    const DatabaseImpl& impl = database.impl();
+    const auto wanted = versionOfCode(database, version);
+    const bool keepsAll = format == FileFormat::Dwg && wanted && *wanted >= Version::Ac1027;
+    if (!impl.file() || keepsAll)
+        return 0;
+    std::size_t count = 0;
+    impl.forEach([&](const ObjectSlot& slot) {
+        count += slot.isStored && impl.file()->thumbnail(slot.handle).kind != Preview::Kind::None;
+    });
+    return count;
 }
 
 FileFormat fileFormatOf(const TvDbDatabase& database)

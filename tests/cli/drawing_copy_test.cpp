@@ -164,6 +164,23 @@ TEST(DrawingCopy, OfARealDrawingIsWholeOrRefusedWithItsClasses)
     }
 }
 
+TEST(DrawingCopy, TellsHowManyPicturesOfLayoutsHaveNoPlaceInTheNewForm)
+{
+    const DrawingFolder folder;
+    const std::string from = folder.put("layouts-ac1032.dwg"); // eight layouts, each with a picture
+    if (from.empty())
+        GTEST_SKIP() << "no real drawings at " << drawingsFolder();
+    for (const auto& [as, pictures] : {std::pair("AC1027", 0), {"AC1032", 0}, {"dxf", 8}}) {
+        const std::string to = folder.path(std::string(as) == "dxf" ? "out.dxf" : "out.dwg");
+        const Json told = drawingJson({"copy", from, to, "--as", as, "--overwrite"});
+        ASSERT_EQ(told["ok"], true) << told;
+        EXPECT_EQ(told["picturesLeftOut"], pictures) << as;
+        EXPECT_EQ(told["warnings"].size(), pictures > 0 ? 1u : 0u) << told["warnings"];
+    }
+    const Said said = drawing({"copy", from, folder.path("again.dxf"), "--as", "dxf"});
+    EXPECT_NE(said.err.find("8 left out"), std::string::npos) << said.err;
+}
+
 TEST(DrawingCopy, TellsTheClassesThatStandInTheWay)
 {
     const DrawingFolder folder;
@@ -274,9 +291,9 @@ TEST(DrawingCopy, HasExactlyTheDocumentedFields)
     const DrawingFolder folder;
     const Json told = drawingJson({"copy", folder.put("line-ac1032.dwg"), folder.path("to.dxf")});
     EXPECT_EQ(told["schema"], "kvsheetset.drawing-copy/1");
-    EXPECT_EQ(fieldsOf(told),
-              (std::vector<std::string>{"schema", "ok", "exitCode", "file", "to", "converted",
-                                        "format", "version", "dryRun", "warnings"}));
+    EXPECT_EQ(fieldsOf(told), (std::vector<std::string>{"schema", "ok", "exitCode", "file", "to",
+                                                        "converted", "picturesLeftOut", "format",
+                                                        "version", "dryRun", "warnings"}));
     EXPECT_EQ(told["format"], "dxf");
     EXPECT_EQ(told["version"], "AC1032");
     EXPECT_EQ(told["converted"], true);

@@ -121,6 +121,20 @@ TEST(Help, AFirstWordGivesAllItsVerbs)
     EXPECT_EQ(runLine({"prop", "--help"}).out, said.out);
 }
 
+TEST(Help, OfAGroupIsADocumentTooWhereverItIsAskedFor)
+{
+    for (const std::vector<std::string>& line :
+         {std::vector<std::string>{"--json", "prop", "--help"},
+          {"prop", "--help", "--json"},
+          {"prop", "--json", "-h"}}) {
+        const auto json = runLine(line).json();
+        EXPECT_EQ(json["schema"], "kvsheetset.help/1");
+        EXPECT_EQ(json["verbs"], runLine({"help", "prop", "--json"}).json()["verbs"]);
+        EXPECT_GT(json["verbs"].size(), 1u);
+    }
+    EXPECT_EQ(runLine({"prop", "--json", "--help", "more"}).code, ExitCode::Usage);
+}
+
 TEST(Help, TheDocumentListsVerbsAndOptions)
 {
     const auto json = runLine({"help", "tree", "--json"}).json();

@@ -349,6 +349,7 @@
     X(NotADstPath, 22938)                               \
     X(LayoutsDamaged, 22939)                            \
     X(WarnSheetDataNoLayout, 22940)                     \
+    X(WarnPicturesLeftOut, 22941)                       \
     /* advice */                                        \
     X(AdviceDrawingNotFound, 22960)                     \
     X(AdviceDrawingInUse, 22961)                        \

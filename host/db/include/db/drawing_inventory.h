@@ -33,6 +33,11 @@ struct DrawingInventory {
 /// Counts the objects that are not erased. Reads each once without keeping it.
 DrawingInventory inventoryOf(TvDbDatabase& database);
 
+/// How many pictures of layouts and views a file of another form has no place for: they stand
+/// outside of the objects, in drawings of AC1027 and later.
+/// @param version  TvDb::TvDbDwgVersion; 0: the drawing's own.
+std::size_t picturesLeftOut(const TvDbDatabase& database, FileFormat format, int version);
+
 /// The format of the file that the drawing was read from; of a new one, DWG.
 FileFormat fileFormatOf(const TvDbDatabase& database);
 
