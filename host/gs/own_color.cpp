@@ -25,4 +25,12 @@ OwnColor OwnColor::fromRecord(std::int64_t value)
     }
 }
 
+OwnColor OwnColor::fromRecord(const db::RecordView& color, db::Version version)
+{
+    const OwnColor wide = fromRecord(color.integer("value"));
+    return version == db::Version::Ac1015 && wide.kind == Kind::ByLayer
+               ? fromIndex(color.integer("index"))
+               : wide;
+}
+
 } // namespace gs

@@ -48,11 +48,20 @@ Painter::~Painter()
 
 double Painter::reach() const
 {
-    const double mm = m_options.weights == PlayOptions::Weights::Hairlines ? 0 : kLargestWeightMm;
-    const double pixels = m_options.weights == PlayOptions::Weights::Paper
-                              ? mm / m_list.mmPerUnit() * m_scale
-                              : mm * m_options.pixelsPerMm;
-    return (pixels / 2 + 1) / m_scale;
+    return (kLargestWeightMm * pixelsPerMm() / 2 + 1) / m_scale;
+}
+
+double Painter::pixelsPerMm() const
+{
+    switch (m_options.weights) {
+    case PlayOptions::Weights::Hairlines: return 0;
+    case PlayOptions::Weights::Paper:
+        if (m_list.isPaper())
+            return m_scale / m_list.mmPerUnit();
+        break; // model space is on no paper
+    case PlayOptions::Weights::Pixels: break;
+    }
+    return m_options.pixelsPerMm;
 }
 
 bool Painter::isNear(const Box& box) const
@@ -237,10 +246,8 @@ double Painter::strokeWidth(const Item& item) const
     double pixels = 1;
     if (item.widthUnits > 0)
         pixels = item.widthUnits * m_scale;
-    else if (m_options.weights == PlayOptions::Weights::Pixels)
-        pixels = item.weightMm * m_options.pixelsPerMm;
-    else if (m_options.weights == PlayOptions::Weights::Paper)
-        pixels = item.weightMm / m_list.mmPerUnit() * m_scale;
+    else
+        pixels = item.weightMm * pixelsPerMm();
     return std::clamp(pixels, 1.0, kWidestPixels);
 }
 

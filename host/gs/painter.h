@@ -59,6 +59,7 @@ private:
     void drawDot(const Item& item);
     void drawSheet();
     double strokeWidth(const Item& item) const;
+    double pixelsPerMm() const; ///< of line weights
     /// Within what cairo can count.
     bool isNear(const Box& box) const;
 

@@ -180,8 +180,9 @@ TextShape shapeOf(const TvDbMLeader& leader, Fonts& fonts)
     look.usesPaperColor = fields.flag("bg_mask");
     look.hasFrame = leader.fields().flag("text_frame");
     look.backgroundScale = fields.real("bg_scale");
-    look.background = OwnColor::fromRecord(fields.structure("bg_color").integer("value"));
-    look.color = OwnColor::fromRecord(fields.structure("color").integer("value"));
+    const db::Version version = leader.record().version();
+    look.background = OwnColor::fromRecord(fields.structure("bg_color"), version);
+    look.color = OwnColor::fromRecord(fields.structure("color"), version);
     look.placement =
         textPlane(db::asPoint(fields.point("location")), db::asVector(fields.point("direction")),
                   db::asVector(fields.point("normal")));

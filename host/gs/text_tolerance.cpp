@@ -65,7 +65,7 @@ OwnColor colorOf(const DimensionStyle& style, const char* field, int code)
 {
     if (const auto own = style.ownInteger(code))
         return OwnColor::fromIndex(*own);
-    return OwnColor::fromRecord(style.colorOfStyle(field).integer("value"));
+    return OwnColor::fromRecord(style.colorOfStyle(field), style.version());
 }
 
 FrameLook lookOf(const TvDbFcf& tolerance)

@@ -229,7 +229,7 @@ TEST(Player, LineWeightsAreMillimetresOfPaperOrScreen)
     };
     EXPECT_EQ(thickness(gs::PlayOptions::Weights::Hairlines), 1);
     EXPECT_EQ(thickness(gs::PlayOptions::Weights::Pixels), 6);
-    EXPECT_EQ(thickness(gs::PlayOptions::Weights::Paper), 1); // a unit is a millimetre and a pixel
+    EXPECT_EQ(thickness(gs::PlayOptions::Weights::Paper), 6); // model space has no paper
 }
 
 TEST(Player, LinesWithoutEndCrossTheWholeView)

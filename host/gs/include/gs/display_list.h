@@ -57,8 +57,9 @@ struct Item {
     std::uint32_t clip = kNoClip; ///< among clips()
     PathRange path;
     PathRange coarse;
-    std::uint64_t handle = 0; ///< of the entity of the layout or model that it belongs to
-    Box box;                  ///< around the path; of lines without end, empty
+    /// Of the entity of the layout or model that it belongs to; of the model's, in a viewport.
+    std::uint64_t handle = 0;
+    Box box; ///< around the path; of lines without end, empty
 };
 
 /// What cuts items off.

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include <db/record.h>
+
 namespace gs {
 
 /// A colour that a piece of an object has in place of the object's own.
@@ -17,6 +19,8 @@ struct OwnColor {
     static OwnColor fromRgb(std::uint32_t rgb) { return {Kind::Rgb, rgb & 0xFFFFFF}; }
     /// From a colour as records of objects keep it ("value"; its highest byte says the kind).
     static OwnColor fromRecord(std::int64_t value);
+    /// The same of a colour's structure; records of AC1015 have the number of the palette alone.
+    static OwnColor fromRecord(const db::RecordView& color, db::Version version);
 
     friend bool operator==(const OwnColor&, const OwnColor&) = default;
 };

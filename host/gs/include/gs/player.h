@@ -18,7 +18,7 @@ struct PlayOptions {
     enum class Weights : std::uint8_t {
         Hairlines, ///< every line one pixel
         Pixels,    ///< millimetres by pixelsPerMm, whatever the scale: model space on a screen
-        Paper,     ///< as wide as they will be on the paper that is seen
+        Paper,     ///< as wide as they will be on the paper that is seen; of a model, as Pixels
     };
     Weights weights = Weights::Hairlines;
     double pixelsPerMm = 4;

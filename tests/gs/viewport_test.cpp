@@ -1,0 +1,176 @@
+// What a window in a sheet shows of the model, and the sheet itself.
+
+#include <cmath>
+#include <numbers>
+
+#include <db/tv_db_curves.h>
+#include <db/tv_db_layout.h>
+#include <db/tv_db_viewport.h>
+#include <gs/picture.h>
+
+#include "scene_tools.h"
+
+namespace {
+
+/// A sheet with one window of 100 by 100 around (100,100), which shows 50 units of the model.
+class ViewportTest : public testing::Test
+{
+protected:
+    ViewportTest()
+    {
+        EXPECT_EQ(db::addLayout(scene.database(), u"Plan", layout), TvStatus::Ok);
+        block = TvDbObjectPointer<TvDbLayout>(layout, TvDb::kForNotify)->getBlockTableRecordId();
+        if (TvDbObjectPointer<TvDbLayout>(layout, TvDb::kForNotify)->getViewportArray().empty())
+            scene.addTo(block, new TvDbViewport); // the one that shows the sheet
+        auto* window = new TvDbViewport;
+        window->setCenterPoint({100, 100, 0});
+        window->setWidth(100);
+        window->setHeight(100);
+        window->setViewHeight(50);
+        viewport = scene.addTo(block, window);
+    }
+    template <class Change>
+    void change(Change change)
+    {
+        TvDbObjectPointer<TvDbViewport> window(viewport, TvDb::kForWrite);
+        change(*window);
+    }
+    gs::DisplayList list() { return gs::DisplayList::ofLayout(layout); }
+    /// The items of the model's entity.
+    std::vector<gs::Item> shown(TvDbObjectId id)
+    {
+        std::vector<gs::Item> found;
+        const gs::DisplayList all = list();
+        for (const gs::Item& item : all.items())
+            if (item.clip != gs::Item::kNoClip &&
+                (id.isNull() || item.handle == id.handle().value()))
+                found.push_back(item);
+        return found;
+    }
+
+    DrawingScene scene;
+    TvDbObjectId layout, block, viewport;
+};
+
+void expectBox(const gs::Box& box, double lowX, double lowY, double highX, double highY)
+{
+    EXPECT_NEAR(box.lowX, lowX, 1e-9);
+    EXPECT_NEAR(box.lowY, lowY, 1e-9);
+    EXPECT_NEAR(box.highX, highX, 1e-9);
+    EXPECT_NEAR(box.highY, highY, 1e-9);
+}
+
+} // namespace
+
+TEST_F(ViewportTest, ShowsTheModelAtItsScaleAndPlace)
+{
+    scene.add(new TvDbLine({0, 0, 0}, {10, 5, 0}));
+    change([](TvDbViewport& window) { window.setViewCenter({10, 0}); });
+    const auto items = shown({});
+    ASSERT_EQ(items.size(), 1u);
+    expectBox(items[0].box, 80, 100, 100, 110);
+}
+
+TEST_F(ViewportTest, TurnsAndTargetsWhatItShows)
+{
+    scene.add(new TvDbLine({7, 3, 0}, {17, 3, 0}));
+    change([](TvDbViewport& window) {
+        window.setViewTarget({7, 3, 0});
+        window.setTwistAngle(std::numbers::pi / 2);
+    });
+    const auto items = shown({});
+    ASSERT_EQ(items.size(), 1u);
+    expectBox(items[0].box, 100, 100, 100, 120);
+}
+
+TEST_F(ViewportTest, LooksFromItsDirection)
+{
+    scene.add(new TvDbLine({0, 0, 0}, {0, 4, 6}));
+    change([](TvDbViewport& window) { window.setViewDirection({1, 0, 0}); });
+    const auto items = shown({}); // from the right: y is to the right, z upwards
+    ASSERT_EQ(items.size(), 1u);
+    expectBox(items[0].box, 100, 100, 108, 112);
+}
+
+TEST_F(ViewportTest, LeavesOutWhatLiesBeyondItsEdges)
+{
+    scene.add(new TvDbLine({1000, 0, 0}, {1010, 5, 0}));
+    scene.add(new TvDbLine({-1000, 0, 0}, {1000, 0, 0}));
+    const auto items = shown({});
+    ASSERT_EQ(items.size(), 1u);
+    const gs::DisplayList all = list();
+    ASSERT_FALSE(all.clips().empty());
+    expectBox(all.clips()[0].box, 50, 50, 150, 150);
+    EXPECT_TRUE(all.clips()[0].isRectangle);
+    EXPECT_LE(all.extents().highX, std::max(150.0, all.sheet() ? all.sheet()->highX : 0));
+    gs::PlayOptions options;
+    options.background = gs::Background::Light;
+    const gs::Picture picture = gs::pictureOf(all, {{100, 100}, 1, 200, 200}, options);
+    EXPECT_EQ(picture.at(20, 100), 0xFFFFFFFFu);
+    EXPECT_NE(picture.at(100, 99) & picture.at(100, 100), 0xFFFFFFFFu);
+}
+
+TEST_F(ViewportTest, DrawsNothingOfTheModelWhenItIsOff)
+{
+    scene.add(new TvDbLine({0, 0, 0}, {10, 5, 0}));
+    change([](TvDbViewport& window) { window.setOn(false); });
+    EXPECT_TRUE(shown({}).empty());
+}
+
+TEST_F(ViewportTest, HidesTheLayersThatItFroze)
+{
+    const TvDbObjectId layer = scene.addLayer(u"furniture", 3);
+    const TvDbObjectId line = scene.add(new TvDbLine({0, 0, 0}, {10, 5, 0}));
+    TvDbObjectPointer<TvDbEntity>(line, TvDb::kForWrite)->setLayer(layer);
+    EXPECT_EQ(shown(line).size(), 1u);
+    change([&](TvDbViewport& window) { window.freezeLayers({layer}); });
+    EXPECT_TRUE(shown({}).empty());
+    EXPECT_EQ(scene.list().items().size(), 1u); // the model has it still
+}
+
+TEST_F(ViewportTest, IsCutOutByAnotherEntity)
+{
+    scene.add(new TvDbLine({-20, 0, 0}, {20, 0, 0}));
+    auto* round = new TvDbCircle;
+    round->setCenter({100, 100, 0});
+    round->setRadius(10);
+    const TvDbObjectId circle = scene.addTo(block, round);
+    change([&](TvDbViewport& window) {
+        db::RecordEditor edit = window.edit();
+        edit.setInteger("status", window.fields().integer("status") | 0x10000);
+        edit.setHandle("clip_boundary", circle.handle().value());
+    });
+    const gs::DisplayList all = list();
+    ASSERT_EQ(all.clips().size(), 1u);
+    expectBox(all.clips()[0].box, 90, 90, 110, 110);
+    EXPECT_FALSE(all.clips()[0].isRectangle);
+    gs::PlayOptions options;
+    options.background = gs::Background::Light;
+    const gs::Picture picture = gs::pictureOf(all, {{100, 100}, 1, 200, 200}, options);
+    EXPECT_EQ(picture.at(80, 99) & picture.at(80, 100), 0xFFFFFFFFu);
+    EXPECT_NE(picture.at(100, 99) & picture.at(100, 100), 0xFFFFFFFFu);
+}
+
+TEST_F(ViewportTest, TheSheetIsThePaperWithItsMargins)
+{
+    TvDbObjectPointer<TvDbLayout> sheet(layout, TvDb::kForWrite);
+    db::RecordEditor edit = sheet->edit();
+    edit.setReal("paper_width", 210);
+    edit.setReal("paper_height", 297);
+    edit.setReal("margin_left", 5);
+    edit.setReal("margin_bottom", 6);
+    edit.setReal("margin_right", 7);
+    edit.setReal("margin_top", 8);
+    edit.setInteger("paper_units", 1);
+    edit.setInteger("rotation", 1); // a quarter turn
+    sheet.close();
+    const gs::DisplayList all = list();
+    ASSERT_TRUE(all.sheet() && all.printable());
+    EXPECT_TRUE(all.isPaper());
+    EXPECT_NEAR(all.mmPerUnit(), 1, 1e-9);
+    EXPECT_NEAR(all.sheet()->width(), 297, 1e-9);
+    EXPECT_NEAR(all.sheet()->height(), 210, 1e-9);
+    expectBox(*all.printable(), 0, 0, 297 - 8 - 6, 210 - 5 - 7);
+    EXPECT_NEAR(all.sheet()->lowX, -8, 1e-9); // turned, its top is to the left
+    EXPECT_NEAR(all.sheet()->lowY, -5, 1e-9);
+}
