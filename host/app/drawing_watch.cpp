@@ -30,8 +30,11 @@ DrawingWatch::~DrawingWatch()
 
 void DrawingWatch::watch(TvDbDatabase* database)
 {
-    if (database && m_counts.emplace(database, Counts()).second)
-        database->addReactor(this);
+    if (!database || !m_counts.emplace(database, Counts{m_next, m_next}).second)
+        return;
+    constexpr std::uint64_t kMostChanges = 1ull << 40;
+    m_next += kMostChanges;
+    database->addReactor(this);
 }
 
 void DrawingWatch::forget(TvDbDatabase* database)

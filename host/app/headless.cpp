@@ -1,7 +1,7 @@
 #include "app/headless.h"
 
-#include <base/kv_file_system.h>
-#include <db/version.h>
+#include <ed/program_control.h>
+#include <ed/script.h>
 
 #include "app/console_prompts.h"
 #include "app/program.h"
@@ -10,8 +10,6 @@
 namespace app {
 
 namespace {
-
-constexpr std::int64_t kLongestScript = 16 << 20;
 
 /// What happened so far, from which the exit code follows.
 struct Tally {
@@ -40,22 +38,22 @@ void openAll(Program& program, const Options& options, Tally& tally)
         program.documents().activateDocument(first);
 }
 
-void runScript(Program& program, const Options& options, const HeadlessPorts& ports, Tally& tally)
+/// A script may end the program.
+class EndOfScript : public ed::ProgramControl
 {
-    if (options.script.isEmpty())
-        return;
-    const base::Result<TvString> script = options.script == u"-"
-                                              ? ports.readStandardInput()
-                                              : readScript(absolutePath(options.script));
-    if (!script) {
-        ed::userPrompts()->say(static_cast<int>(script.status().reason()),
-                               script.status().arguments());
-        tally.failed(exitCodeOf(script.status().failure()));
-        return;
+public:
+    EndOfScript() { ed::setProgramControl(this); }
+    ~EndOfScript() override { ed::setProgramControl(nullptr); }
+    EndOfScript(const EndOfScript&) = delete;
+    EndOfScript& operator=(const EndOfScript&) = delete;
+    void quit() override
+    {
+        if (ed::CommandLine* line = ed::commandLine())
+            line->stopScript();
     }
-    program.commandLine().post(*script + u"\n");
-    program.commandLine().work();
-}
+    bool showHelp(const TvString&) override { return false; }
+    void recentFilesChanged() override {}
+};
 
 void tellOpen(TvApDocManager& documents, ConsolePrompts& prompts)
 {
@@ -76,27 +74,22 @@ ExitCode codeOf(const Tally& tally, bool hasFailures)
 
 } // namespace
 
-TvString scriptText(std::string_view utf8)
+base::Failure runStartScript(const Options& options, const HeadlessPorts& ports)
 {
-    constexpr std::string_view kMark = "\xEF\xBB\xBF";
-    if (utf8.starts_with(kMark))
-        utf8.remove_prefix(kMark.size());
-    std::string text;
-    text.reserve(utf8.size());
-    for (std::size_t at = 0; at < utf8.size(); ++at)
-        if (utf8[at] != '\r')
-            text += utf8[at];
-        else if (at + 1 == utf8.size() || utf8[at + 1] != '\n')
-            text += '\n';
-    return TvString(std::string_view(text));
-}
-
-base::Result<TvString> readScript(const TvString& path)
-{
-    const auto bytes = KvFileSystem::readFile(path, kLongestScript);
-    if (!bytes)
-        return bytes.status();
-    return scriptText({reinterpret_cast<const char*>(bytes->data()), bytes->size()});
+    if (options.script.isEmpty())
+        return base::Failure::None;
+    base::Status status;
+    if (options.script == u"-") {
+        const base::Result<std::vector<std::byte>> bytes = ports.readStandardInput();
+        status = bytes.status();
+        if (bytes && ed::commandLine()->startScript(ed::scriptText(*bytes)))
+            ed::commandLine()->work();
+    } else {
+        status = ed::runScript(absolutePath(options.script));
+    }
+    if (!status)
+        ed::userPrompts()->say(static_cast<int>(status.reason()), status.arguments());
+    return status.failure();
 }
 
 ExitCode runHeadless(const Options& options, const ProgramFolders& folders,
@@ -108,7 +101,10 @@ ExitCode runHeadless(const Options& options, const ProgramFolders& folders,
     const int ofModules = prompts.failures(); // the work goes on without them
     Tally tally;
     openAll(program, options, tally);
-    runScript(program, options, ports, tally);
+    const EndOfScript control;
+    if (const base::Failure failure = runStartScript(options, ports);
+        failure != base::Failure::None)
+        tally.failed(exitCodeOf(failure));
     prompts.endLine();
     tellOpen(program.documents(), prompts);
     program.stop();

@@ -36,7 +36,7 @@ constexpr MenuRow kRows[] = {
     {W::MenuLayout, W::NextLayout,      nullptr,        "Ctrl+PgDown",    nullptr,          A::NextLayout},
     {W::MenuLayout, W::PreviousLayout,  nullptr,        "Ctrl+PgUp",      nullptr,          A::PreviousLayout},
     {W::MenuLayout, kSeparator,         nullptr,        nullptr,          nullptr},
-    {W::MenuLayout, W::NewLayout,       "layout",       nullptr,          u"_LAYOUT _New"},
+    {W::MenuLayout, W::NewLayout,       "layout",       nullptr,          u"_LAYOUT New"},
     {W::MenuTools,  W::SheetSets,       "sheet-set",    "Ctrl+4",         u"_SHEETSET",     A::None, true},
     {W::MenuTools,  W::OpenSheetSet,    "folder",       nullptr,          u"_OPENSHEETSET"},
     {W::MenuTools,  W::NewSheetSet,     nullptr,        nullptr,          u"_NEWSHEETSET"},

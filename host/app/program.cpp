@@ -4,9 +4,14 @@
 
 #include <base/path_rules.h>
 #include <db/file_open_info_tip_manager.h>
+#include <db/tv_db_layout.h>
 #include <dwg/dwg_codec.h>
 #include <dxf/dxf_codec.h>
+#include <ed/drawing_view.h>
+#include <ed/host_commands.h>
+#include <ed/recent_files.h>
 #include <ed/user_prompts.h>
+#include <gs/display_list.h>
 #include <rx/tv_rx_dictionary.h>
 #include <rx/tv_user_messages.h>
 
@@ -46,6 +51,26 @@ void sayWhoUses(const TvString& path)
         sayWord(Word::InUseBy, {base::PathRules::native().fileNameOf(path), user, host});
 }
 
+/// The box around what is drawn there, in world coordinates.
+TvDbExtents measured(TvDbObjectId where)
+{
+    if (!where.isValid())
+        return {};
+    const TvDbObjectPointer<TvDbLayout> layout(where, TvDb::kForNotify);
+    const bool isLayout = static_cast<bool>(layout);
+    const gs::DisplayList list =
+        isLayout ? gs::DisplayList::ofLayout(where) : gs::DisplayList::ofModel(*where.database());
+    const std::optional<TvGeMatrix3d> toWorld = list.fromWorld().inverse();
+    gs::Box all = list.extents();
+    if (isLayout && list.sheet())
+        all.addBox(*list.sheet());
+    TvDbExtents extents;
+    if (toWorld && !all.isEmpty())
+        extents =
+            TvDbExtents({all.lowX, all.lowY, 0}, {all.highX, all.highY, 0}).transformed(*toWorld);
+    return extents;
+}
+
 } // namespace
 
 Program::Program(const Setup& setup)
@@ -64,6 +89,9 @@ Program::Program(const Setup& setup)
     registry.atPut(kTvEditor, &m_editor);
     registry.atPut(kTvRegisteredCommands, &m_commands);
     m_documents = std::make_unique<TvApDocManager>(m_linker.get());
+    ed::setRecentFilesFolder(m_folders.state);
+    ed::setExtentsSource(measured);
+    ed::addHostCommands(m_commands);
 }
 
 Program::~Program()
@@ -88,6 +116,9 @@ void Program::stop()
         m_documents->closeDocument(each->document());
     }
     m_linker->unloadAll();
+    m_commands.removeGroup(ed::kHostCommandGroup);
+    ed::setExtentsSource({});
+    ed::setRecentFilesFolder({});
     m_documents.reset();
     TvRxDictionary& registry = *tvrxSysRegistry();
     registry.remove(kTvRegisteredCommands);
@@ -105,8 +136,10 @@ TvStatusCode Program::open(const TvString& path, bool orReadOnly, TvApDocument*&
 {
     const TvStatusCode status = m_documents->openDocument(path, false, out);
     const bool isRefusal = status == TvStatus::FileInUse || status == TvStatus::FileReadOnly;
-    if (status == TvStatus::Ok)
+    if (status == TvStatus::Ok) {
+        ed::addRecentFile(path);
         return status;
+    }
     sayFailure(path, m_documents->lastFailure());
     if (status == TvStatus::FileInUse)
         sayWhoUses(path);

@@ -148,6 +148,11 @@ void RecoveryKeeper::end()
 {
     if (!m_folder.isEmpty())
         removeFolder(m_folder, m_ops);
+    leave();
+}
+
+void RecoveryKeeper::leave()
+{
     m_folder.setEmpty();
     if (m_lock != base::FileOps::kNone)
         m_ops.close(m_lock);

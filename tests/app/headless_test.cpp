@@ -2,6 +2,10 @@
 
 #include <app/headless.h>
 #include <app/words.h>
+#include <db/tv_db_layout.h>
+#include <db/tv_db_symbol_table.h>
+#include <dwg/dwg_codec.h>
+#include <gs/display_list.h>
 
 namespace {
 
@@ -72,6 +76,51 @@ TEST_F(HeadlessTest, AMissingScriptIsTold)
     EXPECT_NE(ran.err.find("none.scr"), std::string::npos) << ran.err;
 }
 
+TEST_F(HeadlessTest, AScriptWorksOnADrawingFromItsOpeningToItsEnd)
+{
+    const Ran ran = run({"--headless", "--script",
+                         script("OPEN\n" + path("a.dwg") +
+                                "\n"
+                                "LAYOUT Set Layout1\n"
+                                "LAYOUT New Plan\n"
+                                "LAYOUT Rename Plan\nGround floor\n"
+                                "-VIEW Save Whole\n"
+                                "LAYOUT New Draft\n"
+                                "U\n"
+                                "QSAVE\n"
+                                "CLOSE\n"
+                                "QUIT\n"
+                                "NOTREACHED\n")});
+    EXPECT_EQ(ran.code, 0) << ran.err;
+    EXPECT_EQ(ran.err.find("NOTREACHED"), std::string::npos);
+    dwg::install();
+    TvDbDatabase drawing(false, true);
+    ASSERT_EQ(drawing.readDwgFile(folder.file("a.dwg")), TvStatus::Ok);
+    std::vector<std::string> names;
+    for (const TvDbObjectId id : db::layoutsInTabOrder(drawing))
+        names.push_back(TvDbObjectPointer<TvDbLayout>(id)->getLayoutName().utf8());
+    EXPECT_EQ(names, (std::vector<std::string>{"Model", "Layout1", "Ground floor"}));
+    TvDbViewTable* views = nullptr;
+    ASSERT_EQ(drawing.getSymbolTable(views), TvStatus::Ok);
+    EXPECT_TRUE(views->has(u"Whole"));
+    views->close();
+}
+
+TEST_F(HeadlessTest, ZoomingToTheExtentsShowsWhatIsDrawn)
+{
+    const Ran ran = run({"--headless", "--script", script("ZOOM Extents\nQSAVE\n"), path("a.dwg")});
+    EXPECT_EQ(ran.code, 0) << ran.err;
+    dwg::install();
+    TvDbDatabase drawing(false, true);
+    ASSERT_EQ(drawing.readDwgFile(folder.file("a.dwg")), TvStatus::Ok);
+    const gs::DisplayList list = gs::DisplayList::ofModel(drawing);
+    ASSERT_TRUE(list.savedWindow());
+    EXPECT_LE(list.savedWindow()->lowX, list.extents().lowX + 1e-6);
+    EXPECT_GE(list.savedWindow()->highY, list.extents().highY - 1e-6);
+    EXPECT_LT(list.savedWindow()->height(),
+              list.extents().height() * 3 + list.extents().width() * 3);
+}
+
 TEST_F(HeadlessTest, WhatIsNotSavedIsGoneAndThatIsSaid)
 {
     const std::string before = folder.read("a.dwg");
@@ -99,13 +148,6 @@ TEST_F(HeadlessTest, LeavesNothingBesideTheDrawings)
     run({"--headless", "--script", script("CTAB\nLayout1\n"), path("a.dwg"), path("b.dwg")});
     for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
         EXPECT_NE(entry.path().filename().string()[0], '.') << entry.path();
-}
-
-TEST(Script, LineEndsOfAllKindsAreLineFeeds)
-{
-    EXPECT_EQ(app::scriptText("\xEF\xBB\xBF"
-                              "A\r\nB\rC\n"),
-              u"A\nB\nC\n");
 }
 
 TEST(ConsolePrompts, NothingThatATerminalObeysGetsThrough)

@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <fstream>
 
 #include <gtest/gtest.h>
 
@@ -56,6 +57,15 @@ TEST(Options, HelpNamesEachOption)
          {"--headless", "--script FILE", "--new-instance", "--version", "--help"})
         EXPECT_NE(help.find(option), std::string::npos) << option;
     EXPECT_EQ(help.find("--hidden"), std::string::npos);
+}
+
+TEST(Options, TheManualNamesEachOption)
+{
+    std::ifstream in(std::string(KV_DOCS) + "/man/tarvik.1");
+    const std::string manual{std::istreambuf_iterator<char>(in), {}};
+    for (const char* option :
+         {"\\-\\-headless", "\\-\\-script", "\\-\\-new\\-instance", "\\-\\-version", "\\-\\-help"})
+        EXPECT_NE(manual.find(option), std::string::npos) << option;
 }
 
 TEST(AbsolutePath, IsSeenFromTheCurrentFolder)

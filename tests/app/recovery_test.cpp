@@ -132,6 +132,36 @@ TEST_F(RecoveryTest, AnOrderlyEndLeavesNothing)
     EXPECT_TRUE(KvFileSystem::listFolder(sessions()).empty());
 }
 
+TEST_F(RecoveryTest, WhatIsLeftIsThereForTheNextStart)
+{
+    change(open("a.dwg"));
+    {
+        app::RecoveryKeeper keeper(sessions());
+        ASSERT_TRUE(keeper.keep(program.documents(), watch));
+        keeper.leave();
+    }
+    const auto lost = app::lostSessions(sessions());
+    ASSERT_EQ(lost.size(), 1u);
+    EXPECT_FALSE(lost[0].drawings.at(0).copy.isEmpty());
+}
+
+TEST_F(RecoveryTest, ADrawingAtTheSamePlaceInMemoryIsAnotherOne)
+{
+    app::RecoveryKeeper keeper(sessions());
+    for (const char* name : {"a.dwg", "b.dwg", "a.dwg"}) {
+        TvApDocument* document = open(name);
+        change(document);
+        ASSERT_TRUE(keeper.keep(program.documents(), watch));
+        const auto lost = afterACrash(keeper);
+        ASSERT_EQ(lost.at(0).drawings.size(), 1u);
+        TvDbDatabase copy(false, true);
+        ASSERT_EQ(copy.readDwgFile(lost[0].drawings[0].copy), TvStatus::Ok);
+        EXPECT_EQ(ed::currentLayoutName(copy), u"Layout1");
+        app::discard(lost[0]);
+        ASSERT_EQ(program.documents().closeDocument(document), TvStatus::Ok);
+    }
+}
+
 TEST_F(RecoveryTest, OthersCannotLookIntoIt)
 {
     app::RecoveryKeeper keeper(sessions());

@@ -61,6 +61,8 @@ void DrawingCanvas::setList(std::shared_ptr<const gs::DisplayList> list)
 
 void DrawingCanvas::setBackground(gs::Background background)
 {
+    if (m_background == background)
+        return;
     m_background = background;
     m_raster.setBackground(background);
     m_slices.start();
@@ -69,8 +71,11 @@ void DrawingCanvas::setBackground(gs::Background background)
 
 void DrawingCanvas::setView(const app::ViewTransform& view)
 {
-    m_view = view;
-    m_view.resize(width(), height());
+    app::ViewTransform sized = view;
+    sized.resize(width(), height());
+    if (sized == m_view)
+        return;
+    m_view = sized;
     m_raster.setView(m_view, devicePixelRatioF());
     m_slices.start();
     update();

@@ -34,10 +34,10 @@ void err(std::string_view text)
     writeAll(STDERR_FILENO, text);
 }
 
-base::Result<TvString> readStandardInput()
+base::Result<std::vector<std::byte>> readStandardInput()
 {
     constexpr std::size_t kLongest = 16 << 20, kPiece = 64 << 10;
-    std::string text;
+    std::vector<std::byte> text;
     while (true) {
         const std::size_t before = text.size();
         text.resize(before + kPiece);
@@ -46,7 +46,7 @@ base::Result<TvString> readStandardInput()
         if (got < 0 && errno != EINTR)
             return base::Status::fromSystem(errno, u"-");
         if (got == 0)
-            return app::scriptText(text);
+            return text;
         if (text.size() > kLongest)
             return base::Status(base::Failure::TooLarge, base::Reason::FileTooLarge, {u"-"});
     }

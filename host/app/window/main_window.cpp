@@ -7,6 +7,7 @@
 #include <QDragEnterEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QStatusBar>
@@ -19,6 +20,7 @@
 #include <base/kv_file_system.h>
 #include <db/tv_db_layout.h>
 #include <ed/layouts.h>
+#include <ed/recent_files.h>
 #include <ed/system_variables.h>
 #include <ed/tarv_sheet_set_internal.h>
 #include <rx/tv_product.h>
@@ -167,8 +169,12 @@ void MainWindow::makeActions()
             menu->addSeparator();
             continue;
         }
-        if (row.own == app::WindowAction::RecentFiles)
+        if (row.own == app::WindowAction::RecentFiles) {
+            QMenu* recent = menu->addMenu(words(row.label));
+            QObject::connect(recent, &QMenu::aboutToShow, this,
+                             [this, recent] { fillRecent(*recent); });
             continue;
+        }
         QAction* action = menu->addAction(row.icon ? ui::icon(QLatin1String(row.icon)) : QIcon(),
                                           words(row.label));
         if (row.keys)
@@ -182,6 +188,20 @@ void MainWindow::makeActions()
         if (row.isOnToolBar)
             bar->addAction(action);
     }
+}
+
+void MainWindow::fillRecent(QMenu& menu)
+{
+    menu.clear();
+    for (const TvString& path : ed::recentFiles()) {
+        const QString name = ui::toQt(base::PathRules::native().fileNameOf(path));
+        QAction* action = menu.addAction(ui::icon(isSheetSet(path) ? u"sheet-set" : u"drawing"),
+                                         ui::withoutMnemonics(name));
+        action->setStatusTip(ui::toQt(path));
+        QObject::connect(action, &QAction::triggered, this, [this, path] { openFiles({path}); });
+    }
+    if (menu.isEmpty())
+        menu.addAction(words(app::Word::NoRecent))->setEnabled(false);
 }
 
 void MainWindow::perform(app::WindowAction action)
@@ -335,9 +355,9 @@ void MainWindow::layoutMenu(TvDbObjectId layout, const QPoint& at)
     menu.add(kRename, app::textOf(app::Word::RenameLayout), !isModel);
     menu.add(kDelete, app::textOf(app::Word::DeleteLayout), !isModel);
     switch (ed::popupMenu(menu, at.x(), at.y())) {
-    case kNew: return m_commands->run(u"_LAYOUT _New");
-    case kRename: return m_commands->run(u"_LAYOUT _Rename\n" + name);
-    case kDelete: return m_commands->run(u"_LAYOUT _Delete\n" + name);
+    case kNew: return m_commands->run(u"_LAYOUT New");
+    case kRename: return m_commands->run(u"_LAYOUT Rename\n" + name);
+    case kDelete: return m_commands->run(u"_LAYOUT Delete\n" + name);
     default: break;
     }
 }
@@ -404,6 +424,14 @@ void MainWindow::autosave()
         m_commands->say(static_cast<int>(app::Word::AutosaveFailed), {});
         m_commands->say(static_cast<int>(status.reason()), status.arguments());
     }
+}
+
+bool MainWindow::hasUnsavedChanges() const
+{
+    for (int i = 0; i < m_tabs->count(); ++i)
+        if (static_cast<DocumentPage*>(m_tabs->widget(i))->document().database()->isModified())
+            return true;
+    return false;
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)

@@ -139,20 +139,10 @@ private:
     std::vector<app::LostSession> m_lost;
 };
 
-void openAtStart(MainWindow& window, app::Program& program, const app::Options& options,
-                 const app::HeadlessPorts& ports)
+void openAtStart(MainWindow& window, const app::Options& options, const app::HeadlessPorts& ports)
 {
     window.openFiles(options.files);
-    if (options.script.isEmpty())
-        return;
-    const base::Result<TvString> script = options.script == u"-"
-                                              ? ports.readStandardInput()
-                                              : app::readScript(app::absolutePath(options.script));
-    if (!script)
-        return window.commandPanel().say(static_cast<int>(script.status().reason()),
-                                         script.status().arguments());
-    program.commandLine().post(*script + u"\n");
-    program.commandLine().work();
+    app::runStartScript(options, ports);
     window.synchronise();
 }
 
@@ -197,12 +187,16 @@ app::ExitCode runProgram(QApplication& application, SingleInstance& instance,
         };
         QTimer::singleShot(0, &window, [&] {
             former.tell(window);
-            openAtStart(window, program, options, ports);
+            openAtStart(window, options, ports);
             obeyHidden(window, options.hidden);
         });
         code = QApplication::exec();
         instance.onHandover = nullptr;
         window.commandPanel().refuseAll();
+        if (code == static_cast<int>(app::ExitCode::Interrupted) && window.hasUnsavedChanges()) {
+            window.autosave();
+            recovery.leave();
+        }
         program.stop();
         ed::setUserPrompts(nullptr);
     }

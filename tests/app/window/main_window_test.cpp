@@ -131,6 +131,40 @@ TEST_F(WindowTest, ADrawingThatNobodyToldOfIsShownAfterTheNextCommand)
     EXPECT_EQ(tabs().count(), 1);
 }
 
+TEST_F(WindowTest, ClosingTheWindowAsksAboutUnsavedChanges)
+{
+    open("a.dwg");
+    type("CTAB Layout1");
+    main->close();
+    settle();
+    EXPECT_EQ(messages.tasks, 1);
+    EXPECT_TRUE(main->isVisible());
+    EXPECT_EQ(program.documents().documentCount(), 1);
+
+    program.documents().closeDocument(program.documents().mdiActiveDocument());
+    main->close();
+    settle();
+    EXPECT_FALSE(main->isVisible());
+}
+
+TEST_F(WindowTest, LayoutsAreMadeAndTakenBackByCommands)
+{
+    DocumentPage& page = open("a.dwg");
+    type("LAYOUT New Plan");
+    EXPECT_EQ(page.layoutTabs().count(), 3);
+    type("U");
+    EXPECT_EQ(page.layoutTabs().count(), 2);
+}
+
+TEST_F(WindowTest, ZoomingByCommandShows)
+{
+    DocumentPage& page = open("a.dwg");
+    page.canvas().zoomBy(1e-3);
+    const double far = page.canvas().view().scale();
+    type("ZOOM Extents");
+    EXPECT_GT(page.canvas().view().scale(), far * 100);
+}
+
 TEST_F(WindowTest, SheetSetsWithoutTheirModuleAreTold)
 {
     folder.write("set.dst", "<x/>");

@@ -25,7 +25,14 @@ public:
         asked.push_back(message.text);
         return message.buttons == Buttons::YesNo ? answer : Answer::Ok;
     }
+    TaskAnswer showTask(const TaskDialog&) override
+    {
+        ++tasks;
+        return task;
+    }
     std::vector<int> asked;
+    int tasks = 0;
+    TaskAnswer task; // Cancel
     Answer answer = Answer::Yes;
 };
 

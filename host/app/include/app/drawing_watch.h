@@ -42,6 +42,7 @@ private:
     Counts countsOf(const TvDbDatabase* database) const;
 
     std::map<const TvDbDatabase*, Counts> m_counts;
+    std::uint64_t m_next = 1; ///< where the next drawing's counts begin: no two ever share one
 };
 
 } // namespace app

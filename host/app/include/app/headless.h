@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string_view>
+#include <vector>
 
 #include <app/exit_codes.h>
 #include <app/options.h>
@@ -12,7 +13,7 @@ namespace app {
 /// Where a program without a window writes, and what it reads.
 struct HeadlessPorts {
     std::function<void(std::string_view)> out, err; ///< UTF-8
-    std::function<base::Result<TvString>()> readStandardInput;
+    std::function<base::Result<std::vector<std::byte>>()> readStandardInput;
 };
 
 /// Opens the drawings, runs the script, and ends: all that the program does without a window.
@@ -24,9 +25,8 @@ struct HeadlessPorts {
 ExitCode runHeadless(const Options& options, const ProgramFolders& folders,
                      const HeadlessPorts& ports);
 
-/// The text of a script, its line ends made line feeds. At most a few megabytes.
-base::Result<TvString> readScript(const TvString& path);
-/// The same of what is in memory.
-TvString scriptText(std::string_view utf8);
+/// Runs the script that the options name, if they name one. Says why it cannot be read.
+/// @return that reason's kind.
+base::Failure runStartScript(const Options& options, const HeadlessPorts& ports);
 
 } // namespace app

@@ -50,6 +50,9 @@ public:
     base::Status keep(TvApDocManager& documents, const DrawingWatch& watch);
     /// Takes the folder away.
     void end();
+    /// Leaves the folder to the next start, as a crash would: for an end that nobody could be asked
+    /// about.
+    void leave();
     /// Empty when it could not be made.
     const TvString& folder() const { return m_folder; }
 

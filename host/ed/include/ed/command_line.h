@@ -40,6 +40,8 @@ public:
     bool startScript(const TvString& text);
     /// Something of a script is left, or its last command runs.
     bool isScripting() const { return !m_script.empty() || m_isRunningScript; }
+    /// Drops what is left of the script.
+    void stopScript();
     /// Runs all that was posted. Nothing while a command runs.
     void work();
     bool isIdle() const { return m_input.empty() && m_script.empty() && !m_running; }
@@ -58,7 +60,6 @@ private:
     bool takeWord(TvString& out);
     void perform(const TvString& word);
     void run(TvEdCommand& command);
-    void stopScript();
 
     std::deque<TvChar> m_input;
     std::deque<TvChar> m_script; // taken before the input

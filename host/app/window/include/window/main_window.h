@@ -16,6 +16,7 @@
 #include <window/program_view.h>
 
 class QLabel;
+class QMenu;
 class QTabWidget;
 
 namespace window {
@@ -51,6 +52,7 @@ public:
     void takeOver(const std::vector<TvString>& files);
     /// Keeps copies of unsaved changes now. Nothing while a command runs.
     void autosave();
+    bool hasUnsavedChanges() const;
     bool isQuitting() const { return m_isQuitting; }
 
     // ed::ProgramControl
@@ -68,6 +70,7 @@ private:
     class Reactor;
     void makeActions();
     void makePanels();
+    void fillRecent(QMenu& menu);
     void openFile(const TvString& path);
     void addPage(TvApDocument& document);
     void removePage(const TvDbDatabase* database);
