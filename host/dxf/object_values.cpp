@@ -6,6 +6,8 @@
 #include "object_reader.h"
 #include "units.h"
 
+#include <db/guard.h>
+
 namespace dxf {
 
 namespace {
@@ -203,15 +205,8 @@ void ObjectReader::openGuards(const Level& level, const Item& item)
     const auto defaults = item.holder->defaults.begin() + offset;
     if (std::equal(value, value + item.field->width, defaults))
         return;
-    for (const db::Guard& guard : item.field->guards) {
-        std::uint64_t& word = words()[level.base + item.holderBase + guard.slot];
-        const auto bits = static_cast<std::uint64_t>(guard.value);
-        switch (guard.rule) {
-        case db::Guard::Rule::SetBits: word |= (word & bits) != 0 ? 0 : bits; break;
-        case db::Guard::Rule::ClearBits: word &= ~bits; break;
-        case db::Guard::Rule::Equal: word = bits; break;
-        }
-    }
+    for (const db::Guard& guard : item.field->guards)
+        db::open(guard, words()[level.base + item.holderBase + guard.slot]);
 }
 
 // ---- arrays of plain values

@@ -110,6 +110,18 @@ TEST(RecordEditor, KeepsNumbersAsReadingGivesThem)
     EXPECT_EQ(header.date("TDCREATE"), (std::array<std::int64_t, 2>{2460000, 1234}));
 }
 
+TEST(RecordEditor, LeavesAConditionThatHoldsAlreadyAsItIs)
+{
+    db::Record record(*db::classNamed("MTEXT"));
+    db::RecordEditor edit(record);
+    edit.setInteger("columns", 2); // dynamic
+    edit.setReal("col_width", 5);
+    EXPECT_EQ(record.integer("columns"), 2);
+    edit.setInteger("columns", 0);
+    edit.setReal("gutter", 1);
+    EXPECT_EQ(record.integer("columns"), 1);
+}
+
 TEST(RecordEditor, BringsAboutTheConditionOfAField)
 {
     db::Record text = make("TEXT");

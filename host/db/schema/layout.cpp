@@ -8,6 +8,8 @@
 #include "schema/table_library.h"
 #include "schema/text_cut.h"
 
+#include "db/guard.h"
+
 namespace db {
 
 using Code = Expression::Code;
@@ -113,7 +115,7 @@ private:
     {
         const auto rule = wished ? Guard::Rule::SetBits : Guard::Rule::ClearBits;
         if (condition.kind == Condition::Kind::Name)
-            return addGuard(condition.name, rule, wished ? 1 : -1);
+            return addGuard(condition.name, rule, kAnythingSet); // or nothing of it
         const bool onConstant = condition.parts.size() == 2 && condition.parts[1].isConstant() &&
                                 condition.parts[0].kind == Condition::Kind::Name;
         if (!onConstant)

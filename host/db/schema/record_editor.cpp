@@ -4,6 +4,8 @@
 #include <bit>
 #include <cmath>
 
+#include "db/guard.h"
+
 namespace db {
 
 namespace {
@@ -75,15 +77,8 @@ void RecordEditor::openGuards(const FieldDef& field)
 {
     if (isDefault(field))
         return;
-    for (const Guard& guard : field.guards) {
-        std::uint64_t& word = m_edited->words().data()[m_base + guard.slot];
-        const auto value = static_cast<std::uint64_t>(guard.value);
-        switch (guard.rule) {
-        case Guard::Rule::SetBits: word |= (word & value) != 0 ? 0 : value; break;
-        case Guard::Rule::ClearBits: word &= ~value; break;
-        case Guard::Rule::Equal: word = value; break;
-        }
-    }
+    for (const Guard& guard : field.guards)
+        open(guard, m_edited->words().data()[m_base + guard.slot]);
 }
 
 bool RecordEditor::setInteger(FieldKey key, std::int64_t value)
