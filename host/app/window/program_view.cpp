@@ -4,6 +4,22 @@
 
 namespace window {
 
+namespace {
+
+/// What the page's window shows of a view: all of it, and more along one side.
+ed::View fittedTo(DocumentPage& page, ed::View view)
+{
+    const QSize size = page.canvas().size();
+    if (size.isEmpty())
+        return view;
+    const double width = view.width();
+    view.aspect = static_cast<double>(size.width()) / size.height();
+    view.height = std::max(view.height, width / view.aspect);
+    return view;
+}
+
+} // namespace
+
 ProgramView::ProgramView(std::function<DocumentPage*(const TvDbDatabase*)> pageOf)
     : m_pageOf(std::move(pageOf))
 {
@@ -22,22 +38,19 @@ DocumentPage* ProgramView::pageFor(TvDbObjectId where) const
 
 std::optional<ed::View> ProgramView::view(TvDbObjectId where) const
 {
-    if (const DocumentPage* page = pageFor(where))
+    DocumentPage* page = pageFor(where);
+    if (page)
         if (const std::optional<ed::View> shown = page->shownView(where))
             return shown;
-    return StoredDrawingView::view(where);
+    const std::optional<ed::View> stored = StoredDrawingView::view(where);
+    return page && stored ? fittedTo(*page, *stored) : stored;
 }
 
 bool ProgramView::setView(TvDbObjectId where, const ed::View& view)
 {
     DocumentPage* page = pageFor(where);
-    ed::View fitted = view;
-    if (page && page->shownView(where)) {
-        const QSize size = page->canvas().size();
-        fitted.aspect = static_cast<double>(size.width()) / std::max(1, size.height());
-        fitted.height = std::max(view.height, view.width() / fitted.aspect);
-    }
-    if (!ed::isUsable(view) || !StoredDrawingView::setView(where, fitted))
+    if (!ed::isUsable(view) ||
+        !StoredDrawingView::setView(where, page ? fittedTo(*page, view) : view))
         return false;
     if (page)
         page->showStoredView(where);

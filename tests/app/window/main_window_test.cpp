@@ -165,6 +165,19 @@ TEST_F(WindowTest, ZoomingByCommandShows)
     EXPECT_GT(page.canvas().view().scale(), far * 100);
 }
 
+TEST_F(WindowTest, ALayoutThatWasNeverShownHasTheShapeOfTheWindowAlready)
+{
+    DocumentPage& page = open("a.dwg");
+    main->resize(1500, 500);
+    settle();
+    TvDbDatabase& database = *program.documents().mdiActiveDocument()->database();
+    ASSERT_EQ(ed::setCurrentLayout(database, u"Layout1"), TvStatus::Ok); // as within a script
+    const std::optional<ed::View> view = ed::drawingView().view(ed::currentLayout(database));
+    ASSERT_TRUE(view);
+    const QSize size = page.canvas().size();
+    EXPECT_DOUBLE_EQ(view->aspect, static_cast<double>(size.width()) / size.height());
+}
+
 TEST_F(WindowTest, SheetSetsWithoutTheirModuleAreTold)
 {
     folder.write("set.dst", "<x/>");
