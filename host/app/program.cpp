@@ -12,6 +12,7 @@
 #include <ed/recent_files.h>
 #include <ed/user_prompts.h>
 #include <gs/display_list.h>
+#include <gs/exact_text_measure.h>
 #include <rx/tv_rx_dictionary.h>
 #include <rx/tv_user_messages.h>
 
@@ -83,6 +84,9 @@ Program::Program(const Setup& setup)
     ed::setUserPrompts(setup.prompts);
     tvrxSetUserMessages(setup.messages);
     rx::setModuleLoader(&m_loader);
+    m_fonts = std::make_unique<gs::Fonts>();
+    m_textMeasure = std::make_unique<gs::ExactTextMeasure>(*m_fonts);
+    db::setTextMeasure(m_textMeasure.get());
     m_linker = std::make_unique<TvRxDynamicLinkerImp>(m_loader, sayStatus);
     TvRxDictionary& registry = *tvrxSysRegistry();
     registry.atPut(kLinkerKey, m_linker.get());
@@ -125,6 +129,7 @@ void Program::stop()
     registry.remove(kTvEditor);
     registry.remove(kLinkerKey);
     m_linker.reset();
+    db::setTextMeasure(nullptr);
     rx::setModuleLoader(nullptr);
     tvrxSetUserMessages(nullptr);
     ed::setUserPrompts(nullptr);

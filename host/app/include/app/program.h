@@ -3,6 +3,7 @@
 #include <memory>
 
 #include <app/program_folders.h>
+#include <app/workspace_manager.h>
 #include <base/tarvik_config.h>
 #include <db/tv_db_host_application_services.h>
 #include <ed/command_line.h>
@@ -17,6 +18,11 @@ class TvUserMessages;
 namespace ed {
 class UserPrompts;
 } // namespace ed
+
+namespace gs {
+class ExactTextMeasure;
+class Fonts;
+} // namespace gs
 
 namespace app {
 
@@ -71,6 +77,9 @@ private:
     TarvikConfig m_config;
     rx::FolderModuleLoader m_loader;
     TvDbHostApplicationServices m_services;
+    std::unique_ptr<gs::Fonts> m_fonts;
+    std::unique_ptr<gs::ExactTextMeasure> m_textMeasure;
+    WorkspaceManager m_workspaces;
     TvEditor m_editor;
     TvEdCommandStackImp m_commands;
     ed::CommandLine m_commandLine;
