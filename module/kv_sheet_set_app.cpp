@@ -53,7 +53,7 @@ int KvSheetSetApp::onInitApp(void* appId)
     noteStep("initialise base");
     const int answer = TvRxTrxApp::onInitApp(appId);
     supplyRoomsBelow();
-    module::registerSheetSetModule();
+    module::RegisterSheetSetModule();
     noteStep("register adapter provider");
     registerAdapterProvider();
     return answer;
@@ -67,7 +67,7 @@ int KvSheetSetApp::onUnloadApp(void* appId)
         answer = TvRxTrxApp::onUnloadApp(appId);
         noteStep("unregister adapter provider");
         unregisterAdapterProvider();
-        module::unregisterSheetSetModule();
+        module::UnregisterSheetSetModule();
         leaveRoomsBelow();
     }
     noteStep("free resource module");

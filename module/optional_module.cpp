@@ -26,13 +26,13 @@ void OptionalModule::load()
     if (m_handle)
         return;
     m_handle = loadedOrNull(*loader, name);
-    m_isLoadedByUs = m_handle != nullptr;
+    m_loadedByUs = m_handle != nullptr;
 }
 
 void OptionalModule::free()
 {
     const rx::ModuleLoader::Handle handle = std::exchange(m_handle, nullptr);
-    const bool isOurs = std::exchange(m_isLoadedByUs, false);
+    const bool isOurs = std::exchange(m_loadedByUs, false);
     if (isOurs && rx::moduleLoader())
         rx::moduleLoader()->free(handle);
 }

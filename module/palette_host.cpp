@@ -73,7 +73,7 @@ bool PaletteHost::hidePanel()
     return true;
 }
 
-void PaletteHost::destroyPanel()
+void PaletteHost::DestroyPalette()
 {
     if (!m_panel)
         return;

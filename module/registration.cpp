@@ -121,7 +121,7 @@ constexpr Step kStart[] = {
 };
 
 constexpr Step kEnd[] = {
-    {"destroy palette", [] { paletteHost().destroyPanel(); }},
+    {"destroy palette", [] { paletteHost().DestroyPalette(); }},
     {"free drawing information", &core::freeDrawingInfoCache},
     {"remove command group", &removeCommands},
     {"delete cuix manager", [] { ours().cuix.reset(); }},
@@ -144,12 +144,12 @@ void runAll(const Step (&steps)[Count])
 
 } // namespace
 
-void registerSheetSetModule()
+void RegisterSheetSetModule()
 {
     runAll(kStart);
 }
 
-void unregisterSheetSetModule()
+void UnregisterSheetSetModule()
 {
     runAll(kEnd);
 }

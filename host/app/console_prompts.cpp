@@ -1,6 +1,9 @@
 #include "app/console_prompts.h"
 
+#include <algorithm>
+
 #include <ed/command_line.h>
+#include <ed/host_commands.h>
 
 #include "app/words.h"
 
@@ -14,7 +17,14 @@ bool isFailure(int text)
     constexpr int kFirstReason = 21000, kLastReason = 21999;
     return (text >= kFirstReason && text <= kLastReason) || text == ed::kUnknownCommand ||
            text == ed::kVariableReadOnly || text == ed::kNoValueFor ||
-           text == ed::kCommandCancelled;
+           text == ed::kCommandCancelled || ed::isRefusal(text);
+}
+
+/// A name or word of any length, as far as it helps.
+TvString shortened(const TvString& argument)
+{
+    constexpr int kMost = 500;
+    return argument.length() <= kMost ? argument : argument.left(kMost) + u"\u2026";
 }
 
 /// With the line ends that a command meant, and nothing else that a terminal obeys.
@@ -63,8 +73,15 @@ void ConsolePrompts::endLine()
 
 void ConsolePrompts::say(int text, const std::vector<TvString>& arguments)
 {
-    const TvString sentence = base::escapedForDisplay(textOf(text, arguments));
-    if (isFailure(text)) {
+    tell(text, arguments, isFailure(text));
+}
+
+void ConsolePrompts::tell(int text, const std::vector<TvString>& arguments, bool isFailure)
+{
+    std::vector<TvString> shown;
+    std::ranges::transform(arguments, std::back_inserter(shown), shortened);
+    const TvString sentence = base::escapedForDisplay(textOf(text, shown));
+    if (isFailure) {
         ++m_failures;
         m_err(textOf(Word::ErrorLine, {TvString().format(u"%05d", text), sentence}).utf8() + "\n");
     } else {
@@ -74,7 +91,8 @@ void ConsolePrompts::say(int text, const std::vector<TvString>& arguments)
 
 ConsolePrompts::Answer ConsolePrompts::show(const Message& message)
 {
-    say(message.text, message.arguments);
+    tell(message.text, message.arguments,
+         message.icon == Icon::Warning || message.icon == Icon::Stop);
     switch (message.buttons) {
     case Buttons::OkCancel: return Answer::Cancel;
     case Buttons::YesNo: return Answer::No;

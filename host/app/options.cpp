@@ -69,8 +69,17 @@ void addRow(CLI::App& parser, const Row& row, Options& into)
     if (row.flag)
         parser.add_flag(row.names, into.*row.flag);
     else
-        parser.add_option_function<std::string>(
-            row.names, [&into, &row](const std::string& value) { into.*row.text = bare(value); });
+        parser.add_option_function<std::string>(row.names, [&into, &row](const std::string& value) {
+            into.*row.text = bare(value);
+            if ((into.*row.text).isEmpty()) // of a variable in a shell that was never set
+                into.error = textOf(Word::OptionNeedsValue, {TvString(row.names)});
+        });
+}
+
+TvString unshielded(std::string text)
+{
+    std::erase(text, kShield);
+    return TvString(text);
 }
 
 TvString wordsFor(const CLI::ParseError& error, const CLI::App& parser)
@@ -83,7 +92,7 @@ TvString wordsFor(const CLI::ParseError& error, const CLI::App& parser)
         return textOf(Word::UnknownOption, {bare(extras.empty() ? std::string() : extras.front())});
     }
     case CLI::ExitCodes::ArgumentMismatch: return textOf(Word::OptionNeedsValue, {subject});
-    default: return textOf(Word::CannotParse, {TvString(std::string_view(what))});
+    default: return textOf(Word::CannotParse, {unshielded(what)});
     }
 }
 

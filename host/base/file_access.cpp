@@ -178,7 +178,14 @@ bool FileAccess::copyFile(const TvString& source, const TvString& destination, i
     const auto to = locate(destination);
     if (!from || !to || isSameFile(source, destination))
         return false;
-    return copyTo(*from, *to, (flags & 1) != 0);
+    const bool mustNotExist = (flags & 1) != 0;
+    // The copy takes the name; a file that a link of that name leads to is none of ours.
+    FileInfo named;
+    const bool isLink =
+        !mustNotExist && m_ops.describeName(*to, named) == 0 && named.kind == FileInfo::Kind::Link;
+    if (isLink && (!isFileExisting(source, 1, 0) || m_ops.remove(*to) != 0))
+        return false;
+    return copyTo(*from, *to, mustNotExist || isLink);
 }
 
 /// The second half of a move: without it there are two files, which nobody asked for.

@@ -47,5 +47,7 @@ private:
 
 /// Whether somebody but @p asking began to use the file, here or elsewhere.
 bool isUsedByAnother(const TvString& path, const TvDbDatabase& asking);
+/// That somebody holds the file, and who.
+base::Status statusOfHeld(const TvString& path);
 
 } // namespace db

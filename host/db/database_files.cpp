@@ -103,7 +103,7 @@ TvStatusCode DatabaseImpl::readFile(const TvString& wanted, int mode)
         return TvStatus::InvalidInput;
     const bool isExclusive = mode == TvDb::kReadAndWrite || mode == TvDb::kShareNoWrite;
     if (isExclusive && isHeldByAnother(wanted, *this))
-        return fail({base::Failure::Locked, base::Reason::LockHeld, {wanted}}, TvStatus::FileInUse);
+        return fail(statusOfHeld(wanted), TvStatus::FileInUse);
     base::Result<base::FileContent> content =
         base::readWhole(databaseFiles(), wanted, kLargestFile);
     if (!content)

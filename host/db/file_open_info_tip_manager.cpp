@@ -66,7 +66,7 @@ base::Status db::beginUse(const TvDbDatabase& database, const TvString& path,
     if (!KvFileSystem::isTouchAllowed(path))
         return {base::Failure::Denied, base::Reason::NetworkNotTouched, {path}};
     if (isHeldByAnother(path, database.impl()))
-        return {base::Failure::Locked, base::Reason::LockHeld, {path}};
+        return statusOfHeld(path);
     if (const auto own = uses().find(&database);
         own != uses().end() && isSameFile(own->second->file(), path))
         return {};
@@ -107,6 +107,15 @@ db::SaveUse::~SaveUse()
         return;
     const base::Status ignored = m_lock->removeSidecar(); // what stays says nothing
     static_cast<void>(ignored);
+}
+
+base::Status db::statusOfHeld(const TvString& path)
+{
+    TvString user, host;
+    const bool isKnown = CFileOpenInfoTipManager::GetInfoFromHideFile(path, user, host);
+    return {base::Failure::Locked,
+            base::Reason::LockHeld,
+            {path, isKnown ? user + u"@" + host : TvString(u"?")}};
 }
 
 bool db::isUsedByAnother(const TvString& path, const TvDbDatabase& asking)

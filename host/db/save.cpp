@@ -51,7 +51,7 @@ TvStatusCode DatabaseImpl::save(const TvString& target, bool backup, FileFormat 
                                 Version version, bool mustBeNew)
 {
     if (isHeldByAnother(target, *this)) // invariant 2
-        return fail({base::Failure::Locked, base::Reason::LockHeld, {target}}, TvStatus::FileInUse);
+        return fail(statusOfHeld(target), TvStatus::FileInUse);
     const bool isThere = KvFileSystem::pathFileExists(target, 1, 0);
     // The file it came from counts as read only, too, when it vanished: whoever took it away had a
     // reason, and what is in memory can be saved elsewhere.

@@ -65,9 +65,9 @@ void open(TvApDocManager& manager, const TvString& path)
 }
 
 /// nullopt when the user gave up.
-std::optional<int> askVersion(const TvDbDatabase& database)
+std::optional<int> askVersion(const TvApDocument& document)
 {
-    const TvString standard = versionName(database.originalFileVersion());
+    const TvString standard = versionName(document.fileVersion());
     const TvString keys = textOf(Wording::KeysVersion);
     tvedInitGet(0, keys.kwszPtr());
     TvString chosen;
@@ -112,7 +112,7 @@ bool saveUnderAskedName(TvApDocument& document)
 {
     int version = 0;
     if (asksFilesInLine()) {
-        const std::optional<int> chosen = askVersion(*document.database());
+        const std::optional<int> chosen = askVersion(document);
         if (!chosen)
             return false;
         version = *chosen;

@@ -129,6 +129,8 @@ std::int16_t standardOf(const Row& row)
 
 std::int16_t userValue(const Row& row)
 {
+    if (const auto unkept = sessionValues().find(&row); unkept != sessionValues().end())
+        return unkept->second;
     TarvikConfig* config = tarvConfig();
     TarvikConfigValue kept;
     if (!config || !config->getValue(kConfigScope, TvString(kConfigFolder) + row.name, kept) ||
@@ -195,14 +197,21 @@ bool writeToDrawing(const Row& row, const VariableValue& value)
     }
 }
 
+/// Where it cannot be kept it holds until the end of the program.
+void writeOfUser(const Row& row, std::int16_t value)
+{
+    TarvikConfig* config = tarvConfig();
+    if (config && config->setValue(kConfigScope, TvString(kConfigFolder) + row.name,
+                                   TarvikConfigValue::ofInt(value)))
+        sessionValues().erase(&row);
+    else
+        sessionValues()[&row] = value;
+}
+
 bool write(const Row& row, const VariableValue& value)
 {
     switch (row.home) {
-    case Home::User: {
-        TarvikConfig* config = tarvConfig();
-        return config && config->setValue(kConfigScope, TvString(kConfigFolder) + row.name,
-                                          TarvikConfigValue::ofInt(std::get<std::int16_t>(value)));
-    }
+    case Home::User: writeOfUser(row, std::get<std::int16_t>(value)); return true;
     case Home::Drawing: return writeToDrawing(row, value);
     default: sessionValues()[&row] = std::get<std::int16_t>(value); return true;
     }

@@ -1,6 +1,7 @@
 #include <base/tv_db_handle.h>
 #include <db/drawing_audit.h>
 #include <db/tv_db_database.h>
+#include <db/tv_status.h>
 #include <resources/texts.h>
 #include <rx/tv_ed_command_stack.h>
 #include <rx/tv_rx_dictionary.h>
@@ -11,6 +12,7 @@
 #include "ed/program_control.h"
 #include "ed/script.h"
 #include "ed/system_variables.h"
+#include "ed/user_prompts.h"
 #include "host_command_list.h"
 
 namespace ed {
@@ -104,12 +106,14 @@ void runHelp()
 
 void runSetVariable()
 {
-    const std::optional<TvString> name = askLine(Wording::AskVariable);
-    if (!name || name->isEmpty())
+    TvString name; // a word: the value may follow on the line
+    if (tvedGetString(0, textOf(Wording::AskVariable).kwszPtr(), name) !=
+            static_cast<int>(TvStatus::Normal) ||
+        name.isEmpty())
         return;
-    if (*name != u"?") {
-        if (!askVariable(*name))
-            say(Wording::NoOption, {*name});
+    if (name != u"?") {
+        if (!askVariable(name))
+            say(Wording::NoOption, {name});
         return;
     }
     for (const VariableInfo& info : systemVariables())

@@ -4,6 +4,7 @@
 
 #include <base/kv_file_system.h>
 #include <base/path_rules.h>
+#include <db/drawing_inventory.h>
 #include <db/file_open_info_tip_manager.h>
 #include <db/tv_db_host_application_services.h>
 #include <rx/tv_rx_dynamic_linker.h>
@@ -18,6 +19,7 @@ TVRX_DEFINE_MEMBERS(TvApDocManager, TvRxObject)
 namespace {
 
 constexpr TvChar kNewName[] = u"Drawing%d.dwg";
+constexpr TvChar kDxfExtension[] = u".dxf";
 
 TvApDocManager* g_manager = nullptr;
 
@@ -29,6 +31,12 @@ TvStatusCode codeOf(const base::Status& status)
     case base::Failure::Denied: return TvStatus::FileReadOnly;
     default: return TvStatus::FileNotReadable;
     }
+}
+
+TvStatusCode write(TvDbDatabase& database, const TvString& path, db::FileFormat format, int version)
+{
+    return format == db::FileFormat::Dxf ? database.dxfOut(path, version)
+                                         : database.saveAs(path, false, version);
 }
 
 } // namespace
@@ -55,6 +63,16 @@ TvString TvApDocument::fileName() const
 TvString TvApDocument::docTitle() const
 {
     return base::PathRules::native().fileNameOf(fileName());
+}
+
+db::FileFormat TvApDocument::fileFormat() const
+{
+    return m_savedFormat.value_or(db::fileFormatOf(*m_database));
+}
+
+int TvApDocument::fileVersion() const
+{
+    return m_savedVersion ? m_savedVersion : m_database->originalFileVersion();
 }
 
 // TvApDocManager
@@ -223,9 +241,15 @@ TvStatusCode TvApDocManager::saveDocument(TvApDocument* document, const TvString
                     TvStatus::FileReadOnly);
     TvDbDatabase& database = *document->database();
     const TvString target = isOwnName ? document->fileName() : path;
+    const db::FileFormat format = isOwnName                              ? document->fileFormat()
+                                  : target.endsWithNoCase(kDxfExtension) ? db::FileFormat::Dxf
+                                                                         : db::FileFormat::Dwg;
+    const int wanted = version ? version : document->fileVersion();
     ed::drawingView().settle(database);
-    if (const TvStatusCode status = database.saveAs(target, false, version); status != TvStatus::Ok)
+    if (const TvStatusCode status = write(database, target, format, wanted))
         return fail(database.lastFailure(), status);
+    document->m_savedFormat = format;
+    document->m_savedVersion = wanted;
     if (!isOwnName)
         document->m_isReadOnly = !db::beginUse(database, target);
     if (TvEditor* editor = tvedEditor())

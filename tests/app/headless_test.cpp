@@ -5,6 +5,7 @@
 #include <db/tv_db_layout.h>
 #include <db/tv_db_symbol_table.h>
 #include <dwg/dwg_codec.h>
+#include <ed/command_line.h>
 #include <gs/display_list.h>
 
 namespace {
@@ -67,6 +68,18 @@ TEST_F(HeadlessTest, AnUnknownCommandMakesItFail)
     const Ran ran = run({"--headless", "--script", script("NOTTHERE\n"), path("a.dwg")});
     EXPECT_EQ(ran.code, 1);
     EXPECT_NE(ran.err.find("E23001"), std::string::npos) << ran.err;
+}
+
+TEST_F(HeadlessTest, WhatACommandRefusesMakesItFail)
+{
+    for (const char* line :
+         {"LAYOUT Delete None", "-VIEW Restore None", "ZOOM 0", "LAYOUT New *"}) {
+        const Ran ran =
+            run({"--headless", "--script", script(std::string(line) + "\n"), path("a.dwg")});
+        EXPECT_EQ(ran.code, 1) << line << ": " << ran.err;
+        EXPECT_NE(ran.err.find("tarvik: E23"), std::string::npos) << line << ": " << ran.err;
+    }
+    EXPECT_EQ(run({"--headless", "--script", script("U\n"), path("a.dwg")}).code, 0);
 }
 
 TEST_F(HeadlessTest, AMissingScriptIsTold)
@@ -158,6 +171,27 @@ TEST(ConsolePrompts, NothingThatATerminalObeysGetsThrough)
     EXPECT_EQ(prompts.out.find('\x1b'), std::string::npos);
     EXPECT_NE(prompts.out.find("\ntwo\n"), std::string::npos);
     EXPECT_EQ(prompts.failures(), 0);
+}
+
+TEST(ConsolePrompts, WordsOfAnyLengthMakeShortMessages)
+{
+    NotingPrompts prompts;
+    prompts.say(ed::kUnknownCommand, {TvString(std::u16string(1 << 20, u'\0'))});
+    EXPECT_LT(prompts.err.size(), 5000u);
+    EXPECT_NE(prompts.err.find("\u2026"), std::string::npos);
+}
+
+TEST(ConsolePrompts, WarningsCountAsFailures)
+{
+    NotingPrompts prompts;
+    TvUserMessages::Message message;
+    message.text = 514;
+    prompts.show(message);
+    EXPECT_EQ(prompts.failures(), 0);
+    message.icon = TvUserMessages::Icon::Warning;
+    prompts.show(message);
+    EXPECT_EQ(prompts.failures(), 1);
+    EXPECT_NE(prompts.err.find("E00514"), std::string::npos) << prompts.err;
 }
 
 } // namespace

@@ -50,6 +50,19 @@ TEST(Options, WhatMakesNoSenseIsNamed)
     EXPECT_NE(parse({"--script"}).error.utf8().find("--script"), std::string::npos);
 }
 
+TEST(Options, AnEmptyValueIsNone)
+{
+    EXPECT_NE(parse({"--headless", "--script", ""}).error.find(u"--script"), TvString::npos);
+    EXPECT_NE(parse({"--headless", "--script="}).error.find(u"--script"), TvString::npos);
+}
+
+TEST(Options, AValueThatAFlagCannotHaveIsToldAsItWasTyped)
+{
+    const TvString error = parse({"--headless=yes"}).error;
+    EXPECT_NE(error.find(u"yes"), TvString::npos);
+    EXPECT_EQ(error.find(u'\x02'), TvString::npos);
+}
+
 TEST(Options, HelpNamesEachOption)
 {
     const std::string help = app::helpText().utf8();

@@ -144,6 +144,17 @@ TEST_F(SessionTest, TheBackupCopyStandsBesideTheFileAndIsOverwritten)
     EXPECT_EQ(folder.read("HOUSE.ds$"), "second");
 }
 
+TEST_F(SessionTest, TheBackupCopyIsNeverWrittenThroughALink)
+{
+    folder.write("house.dst", "content");
+    folder.write("keys", "secret");
+    std::filesystem::create_symlink("keys", folder.path() / "house.ds$");
+    MakeBackupCopy(folder.file("house.dst"));
+    EXPECT_EQ(folder.read("keys"), "secret");
+    EXPECT_EQ(folder.read("house.ds$"), "content");
+    EXPECT_FALSE(std::filesystem::is_symlink(folder.path() / "house.ds$"));
+}
+
 TEST_F(SessionTest, ABackupCopyThatFailsIsNobodysConcern)
 {
     MakeBackupCopy(folder.file("missing.dst"));

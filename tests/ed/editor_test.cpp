@@ -158,6 +158,8 @@ TEST_F(DocumentTest, OfAFileThatSomebodyElseUsesOpensForLookingOnly)
     EXPECT_EQ(open("a.dwg"), nullptr);
     EXPECT_EQ(status, TvStatus::FileInUse);
     EXPECT_EQ(manager.lastFailure().reason(), base::Reason::LockHeld);
+    ASSERT_EQ(manager.lastFailure().arguments().size(), 2u) << "who holds it is told";
+    EXPECT_FALSE(manager.lastFailure().arguments()[1].isEmpty());
     EXPECT_EQ(manager.documentCount(), 0);
     EXPECT_NE(open("a.dwg", true), nullptr);
 }

@@ -1,3 +1,5 @@
+#include <dxf/dxf_codec.h>
+
 #include "host_scene.h"
 
 namespace {
@@ -118,6 +120,30 @@ TEST_F(FileCommandTest, SaveAsksForTheNameOfANewDrawing)
     saved.readDwgFile(path("made.dwg"));
     EXPECT_EQ(saved.originalFileVersion(), TvDb::kAc1018);
     EXPECT_EQ(manager.curDocument()->fileName(), path("made.dwg"));
+}
+
+TEST_F(FileCommandTest, SaveKeepsTheVersionThatSaveAsChose)
+{
+    type(u"OPEN " + path("a.dwg") + u"\nSAVEAS 2004\n" + path("old") + u"\nLTSCALE 4\nQSAVE\n");
+    EXPECT_EQ(folder.read("old.dwg").substr(0, 6), "AC1018");
+    EXPECT_EQ(scaleIn(path("old.dwg")), 4);
+    type(u"SAVEAS\n\n" + path("older") + u"\n"); // what is offered first
+    EXPECT_EQ(folder.read("older.dwg").substr(0, 6), "AC1018");
+}
+
+TEST_F(FileCommandTest, FilesNamedDxfHoldDxfAndStaySoAtASave)
+{
+    dxf::install();
+    const auto isDxf = [&](const char* name) { return folder.read(name).starts_with("  0"); };
+    type(u"OPEN " + path("a.dwg") + u"\nSAVEAS 2010\n" + path("text.DXF") + u"\n");
+    EXPECT_TRUE(isDxf("text.DXF"));
+    type(u"LTSCALE 4\nQSAVE\nCLOSE\n");
+    EXPECT_TRUE(isDxf("text.DXF"));
+    type(u"OPEN " + path("text.DXF") + u"\nLTSCALE 7\nQSAVE\n");
+    EXPECT_TRUE(isDxf("text.DXF"));
+    EXPECT_EQ(scaleIn(path("text.DXF")), 7);
+    type(u"SAVEAS\n\n" + path("back") + u"\n");
+    EXPECT_EQ(folder.read("back.dwg").substr(0, 6), "AC1024");
 }
 
 TEST_F(FileCommandTest, SaveAsReplacesAnotherFileOnlyAfterAYes)

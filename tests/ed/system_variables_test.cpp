@@ -89,6 +89,19 @@ TEST_F(VariablesTest, OfTheUserOutliveTheProgram)
     EXPECT_EQ(ed::variable(u"SSMPOLLTIME"), whole(90));
 }
 
+TEST_F(VariablesTest, OfTheUserHoldUntilTheEndWhereTheyCannotBeKept)
+{
+    folder.write("file", "");
+    TarvikConfig nowhere(folder.file("file") + u"/config");
+    tarvSetConfig(&nowhere);
+    EXPECT_TRUE(ed::setVariable(u"SSMPOLLTIME", whole(90)));
+    EXPECT_EQ(ed::variable(u"SSMPOLLTIME"), whole(90));
+    tarvSetConfig(&config);
+    EXPECT_TRUE(ed::setVariable(u"SSMPOLLTIME", whole(45)));
+    config.setValue(1, u"SystemVariables\\SSMPOLLTIME", TarvikConfigValue::ofInt(50));
+    EXPECT_EQ(ed::variable(u"SSMPOLLTIME"), whole(50)) << "kept again, and seen from others";
+}
+
 TEST_F(VariablesTest, OfTheSessionDoNot)
 {
     EXPECT_TRUE(ed::setVariable(u"_KV_INSPECTORCONTROLSTYLES", whole(2)));

@@ -74,11 +74,15 @@ TEST_F(ToolCommandTest, VariablesAreListedAndSet)
     type(u"SETVAR ltscale\n2.5\n");
     EXPECT_EQ(ed::variable(u"LTSCALE"), ed::VariableValue(2.5));
     EXPECT_TRUE(told().empty());
+    type(u"SETVAR LTSCALE 3.5\nSETVAR CTAB Layout1\n");
+    EXPECT_EQ(ed::variable(u"LTSCALE"), ed::VariableValue(3.5));
+    EXPECT_EQ(ed::variable(u"CTAB"), ed::VariableValue(TvString(u"Layout1")));
+    EXPECT_TRUE(told().empty());
     type(u"SETVAR DWGNAME\nSETVAR nonsense\n");
     EXPECT_EQ(told(), (Names{"say 23002 DWGNAME a.dwg", "say 23160 nonsense"}));
     type(u"SETVAR ?\n");
     const Names lines = told();
-    EXPECT_NE(std::ranges::find(lines, "say 23253 LTSCALE 2.5"), lines.end());
+    EXPECT_NE(std::ranges::find(lines, "say 23253 LTSCALE 3.5"), lines.end());
     EXPECT_NE(std::ranges::find(lines, "say 23254 DWGNAME a.dwg"), lines.end());
 }
 

@@ -24,7 +24,7 @@ public:
     /// Frees it if it was loaded by load().
     void free();
     bool isThere() const { return m_handle != nullptr; }
-    bool isLoadedByUs() const { return m_isLoadedByUs; }
+    bool loadedByUs() const { return m_loadedByUs; }
 
     /// What it exports under that name; null when there is no such export, or no module. Looked up
     /// at each use.
@@ -39,7 +39,7 @@ private:
     const TvChar* m_suffix;
     const TvChar* m_usual;
     rx::ModuleLoader::Handle m_handle = nullptr;
-    bool m_isLoadedByUs = false;
+    bool m_loadedByUs = false;
 };
 
 OptionalModule& plotCommandsModule();

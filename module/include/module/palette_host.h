@@ -25,7 +25,7 @@ public:
     /// Hides it, and tells the program's window. False when there is none.
     bool hidePanel();
     /// Keeps its place for the next run, and deletes it. Nothing when there is none.
-    void destroyPanel();
+    void DestroyPalette();
 
 private:
     std::unique_ptr<core::SheetSetPanel> m_panel;

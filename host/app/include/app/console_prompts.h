@@ -11,7 +11,7 @@ namespace app {
 /// What a program without a window says, and how it answers: it refuses.
 ///
 /// What commands print goes to the output; messages go to the errors, and are counted when they
-/// tell of a failure. Control characters of foreign texts do not get through.
+/// tell of a failure or are a warning. Control characters of foreign texts do not get through.
 class ConsolePrompts : public ed::UserPrompts, public TvUserMessages
 {
 public:
@@ -30,6 +30,8 @@ public:
     void endLine();
 
 private:
+    void tell(int text, const std::vector<TvString>& arguments, bool isFailure);
+
     Write m_out, m_err;
     int m_failures = 0;
     bool m_isInLine = false;

@@ -28,8 +28,8 @@ public:
     static bool pathFileExists(const TvString& path, int tries = 1, int delayMs = 0);
     static bool isDirectory(const TvString& path);
 
-    /// @param flags 0 overwrites; 1 fails when the destination exists. The copy appears whole or
-    /// not at all, with the rights of its source.
+    /// @param flags 0 overwrites, a link itself and not what it leads to; 1 fails when the
+    /// destination exists. The copy appears whole or not at all, with the rights of its source.
     static bool copyFile(const TvString& source, const TvString& destination, int flags);
     /// Never overwrites; false when @p destination exists.
     static bool moveFile(const TvString& source, const TvString& destination);

@@ -20,4 +20,7 @@ bool addHostCommands(TvEdCommandStack& stack);
 /// Without regard to case.
 TvString aliasedCommand(const TvString& typed);
 
+/// Whether the text of that number tells that one of these commands did not do what it was asked.
+bool isRefusal(int text);
+
 } // namespace ed

@@ -72,7 +72,9 @@ class TvApDocManager : public TvRxObject, private db::OpenDocuments
     /// @return Ok; FileInUse when somebody else is editing it; FileReadOnly when it may not be
     ///         written: then opening it read only works.
     TvStatusCode openDocument(const TvString& path, bool readOnly, TvApDocument*& out);
-    /// Saves a document, under its own name when @p path is empty.
+    /// Saves a document, under its own name when @p path is empty: as DXF if that is what it was
+    /// read from or last saved as. Under another name as DXF if that ends with ".dxf", otherwise as
+    /// DWG. @param version  TvDb::TvDbDwgVersion; 0: the one it was read or last saved in.
     /// @return InvalidInput without a name; FileReadOnly for a document that is read only; what
     ///         the drawing's saveAs() answers.
     TvStatusCode saveDocument(TvApDocument* document, const TvString& path = {}, int version = 0);

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include <base/tv_string.h>
+#include <db/drawing_file.h>
 #include <rx/tv_rx_object.h>
 
 class TvDbDatabase;
@@ -25,6 +27,10 @@ class TvApDocument : public TvRxObject
     TvDbDatabase* database() const { return m_database.get(); }
     /// Opened for looking only: it cannot be saved under its own name.
     bool isReadOnly() const { return m_isReadOnly; }
+    /// In what the next save under its own name writes it: as it was read or last saved.
+    db::FileFormat fileFormat() const;
+    /// TvDb::TvDbDwgVersion of that.
+    int fileVersion() const;
     /// How many locks are held on it.
     int lockCount() const { return m_locks; }
 
@@ -35,5 +41,7 @@ private:
     std::unique_ptr<TvDbDatabase> m_database;
     TvString m_title; // of a drawing without a file
     bool m_isReadOnly = false;
+    std::optional<db::FileFormat> m_savedFormat;
+    int m_savedVersion = 0; // 0: never saved in a version that was named
     int m_locks = 0;
 };
