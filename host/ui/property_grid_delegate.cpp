@@ -45,6 +45,7 @@ QString shownValue(const ed::PropertyRow& row)
 void PropertyDelegate::watch(QTreeWidget& tree, std::function<void(Wish)> wished)
 {
     m_tree = &tree;
+    m_viewport = tree.viewport();
     m_wished = std::move(wished);
     tree.installEventFilter(this);
     tree.viewport()->installEventFilter(this);
@@ -60,11 +61,11 @@ bool PropertyDelegate::isButton(const QPoint& at) const
 
 bool PropertyDelegate::eventFilter(QObject* watched, QEvent* event)
 {
-    if (!m_tree || (watched != m_tree && watched != m_tree->viewport()))
+    if (!m_tree || (watched != m_tree && watched != m_viewport))
         return QStyledItemDelegate::eventFilter(watched, event); // an editor
     if (watched == m_tree && event->type() == QEvent::KeyPress)
         return takesKey(static_cast<QKeyEvent&>(*event));
-    const bool isButtonClick = watched == m_tree->viewport() &&
+    const bool isButtonClick = watched == m_viewport &&
                                event->type() == QEvent::MouseButtonRelease &&
                                isButton(static_cast<QMouseEvent&>(*event).pos());
     if (isButtonClick)

@@ -46,8 +46,9 @@ protected:
 private:
     bool isButton(const QPoint& at) const;
     bool takesKey(const QKeyEvent& key);
-    QTreeWidget* m_tree = nullptr;      // not owned; owns us
-    mutable QPointer<QWidget> m_editor; // not owned; the one that is open
+    QTreeWidget* m_tree = nullptr;       // not owned; owns us
+    const QObject* m_viewport = nullptr; // of the tree; at its end it is asked no more
+    mutable QPointer<QWidget> m_editor;  // not owned; the one that is open
     std::function<void(Wish)> m_wished;
 };
 

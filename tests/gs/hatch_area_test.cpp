@@ -143,7 +143,8 @@ TEST(HostileHatchArea, LeavesOutLoopsThatMakeNoSense)
             db::ArrayEditor segments = edges.hatch().edit().array("paths")[0].array("segs");
             segments[1].setReal(field, value);
             segments[3].setReal(field, value);
-            for (const TvGePoint2d& point : edges.shape().area.points())
+            const gs::HatchShape taken = edges.shape();
+            for (const TvGePoint2d& point : taken.area.points())
                 EXPECT_TRUE(std::isfinite(point.x)) << field << value;
         }
     }
