@@ -20,11 +20,25 @@ bool isFailure(int text)
            text == ed::kCommandCancelled || ed::isRefusal(text);
 }
 
-/// A name or word of any length, as far as it helps.
-TvString shortened(const TvString& argument)
+/// A name or word of any length and content, as far as it helps.
+TvString harmless(const TvString& argument)
 {
     constexpr int kMost = 500;
-    return argument.length() <= kMost ? argument : argument.left(kMost) + u"\u2026";
+    return base::escapedForDisplay(argument.length() <= kMost ? argument
+                                                              : argument.left(kMost) + u"\u2026");
+}
+
+/// A text of several paragraphs as one line.
+TvString onOneLine(const TvString& text)
+{
+    std::u16string line;
+    for (const TvChar unit : text.view()) {
+        if (unit != u'\n')
+            line += unit;
+        else if (!line.empty() && line.back() != u' ')
+            line += u' ';
+    }
+    return TvString(line);
 }
 
 /// With the line ends that a command meant, and nothing else that a terminal obeys.
@@ -79,8 +93,8 @@ void ConsolePrompts::say(int text, const std::vector<TvString>& arguments)
 void ConsolePrompts::tell(int text, const std::vector<TvString>& arguments, bool isFailure)
 {
     std::vector<TvString> shown;
-    std::ranges::transform(arguments, std::back_inserter(shown), shortened);
-    const TvString sentence = base::escapedForDisplay(textOf(text, shown));
+    std::ranges::transform(arguments, std::back_inserter(shown), harmless);
+    const TvString sentence = base::escapedForDisplay(onOneLine(textOf(text, shown)));
     if (isFailure) {
         ++m_failures;
         m_err(textOf(Word::ErrorLine, {TvString().format(u"%05d", text), sentence}).utf8() + "\n");

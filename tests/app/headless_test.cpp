@@ -181,6 +181,15 @@ TEST(ConsolePrompts, WordsOfAnyLengthMakeShortMessages)
     EXPECT_NE(prompts.err.find("\u2026"), std::string::npos);
 }
 
+TEST(ConsolePrompts, AMessageIsOneLineWhateverItsTextAndItsNamesHold)
+{
+    NotingPrompts prompts;
+    prompts.say(350, {u"a\nb.dwg", u"c.dst"}); // a text of two paragraphs
+    EXPECT_EQ(std::ranges::count(prompts.err, '\n'), 1);
+    EXPECT_NE(prompts.err.find("a\\x0Ab.dwg"), std::string::npos) << prompts.err;
+    EXPECT_NE(prompts.err.find(". Remove"), std::string::npos) << prompts.err;
+}
+
 TEST(ConsolePrompts, WarningsCountAsFailures)
 {
     NotingPrompts prompts;
