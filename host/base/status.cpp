@@ -57,7 +57,7 @@ std::vector<TvString> argumentsFor(Reason reason, int errorNumber, const TvStrin
     if (reason == Reason::SystemError)
         return {path, TvString(std::string_view(std::generic_category().message(errorNumber)))};
     if (reason == Reason::LockHeld)
-        return {path, TvString()}; // the system does not tell who
+        return {path, u"?"}; // the system does not tell who
     return {path};
 }
 

@@ -68,4 +68,11 @@ TEST(Status, OfNoErrorIsSuccess)
     EXPECT_EQ(Status::fromSystem(0, u"/p/a.dwg").reason(), Reason::None);
 }
 
+TEST(Status, WhoeverHoldsAFileHasAName)
+{
+    const Status status = Status::fromSystem(EAGAIN, u"a.dwg");
+    ASSERT_EQ(status.arguments().size(), 2u);
+    EXPECT_FALSE(status.arguments()[1].isEmpty());
+}
+
 } // namespace
