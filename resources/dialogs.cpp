@@ -10,6 +10,7 @@ namespace {
 
 // clang-format off
 constexpr ControlTemplate kRows[] = {
+#include "dialogs/sheet_panel.inc"
 #include "dialogs/host.inc"
 };
 // clang-format on

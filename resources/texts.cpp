@@ -13,6 +13,7 @@ using text::Row;
 // clang-format off
 constexpr Row kEnglish[] = {
 #include "en/module.inc"
+#include "en/panel_windows.inc"
 #include "en/reasons.inc"
 #include "en/tool.inc"
 #include "en/tool_drawings.inc"

@@ -94,6 +94,7 @@ Program::Program(const Setup& setup)
     registry.atPut(kTvRegisteredCommands, &m_commands);
     m_documents = std::make_unique<TvApDocManager>(m_linker.get());
     ed::setRecentFilesFolder(m_folders.state);
+    m_mainAppService = std::make_unique<MainAppService>(m_folders.config, m_folders.data);
     ed::setExtentsSource(measured);
     ed::addHostCommands(m_commands);
 }
@@ -120,6 +121,7 @@ void Program::stop()
         m_documents->closeDocument(each->document());
     }
     m_linker->unloadAll();
+    m_mainAppService.reset();
     m_commands.removeGroup(ed::kHostCommandGroup);
     ed::setExtentsSource({});
     ed::setRecentFilesFolder({});

@@ -33,10 +33,18 @@ QString fileOf(const QString& name)
     return QLatin1String(kFolder) + name + QLatin1String(kEnding);
 }
 
-QByteArray inColors(QByteArray picture)
+/// On a selected row, lines and areas in the two colours of what is selected.
+ColorRole selectedRole(ColorRole role)
 {
-    for (const Sign& row : kSigns)
-        picture.replace(row.sign, color(row.role).name().toLatin1());
+    return role == ColorRole::IconFill ? ColorRole::Accent : ColorRole::AccentText;
+}
+
+QByteArray inColors(QByteArray picture, QIcon::Mode mode)
+{
+    for (const Sign& row : kSigns) {
+        const ColorRole role = mode == QIcon::Selected ? selectedRole(row.role) : row.role;
+        picture.replace(row.sign, color(role).name().toLatin1());
+    }
     return picture;
 }
 
@@ -57,7 +65,7 @@ public:
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override
     {
-        QSvgRenderer renderer(inColors(contentOf(m_name)));
+        QSvgRenderer renderer(inColors(contentOf(m_name), mode));
         const int side = std::min(rect.width(), rect.height());
         QRect square(0, 0, side, side);
         square.moveCenter(rect.center());
@@ -74,7 +82,7 @@ public:
                                 .arg(m_name)
                                 .arg(size.width())
                                 .arg(size.height())
-                                .arg(mode == QIcon::Disabled)
+                                .arg(static_cast<int>(mode))
                                 .arg(static_cast<int>(theme()));
         QPixmap pixels;
         if (QPixmapCache::find(key, &pixels))

@@ -177,7 +177,7 @@ void CTvUiDialog::scaleToFont()
     if (m_controls->plan.style & text::kFixedSize)
         setFixedSize(m_controls->size());
     else
-        setMinimumSize(m_controls->plan.style & text::kChild ? QSize() : m_controls->size());
+        setMinimumSize(m_controls->plan.style & text::kChild ? QSize(0, 0) : m_controls->size());
     m_controls->place(size());
 }
 

@@ -4,6 +4,7 @@
 #include <bit>
 
 #include <core/session.h>
+#include <core/sheet_set_panel.h>
 #include <core/watch_table.h>
 #include <ed/tarv_palette_prop_manager.h>
 #include <rx/resource_module.h>
@@ -293,7 +294,9 @@ TEST_F(LoadedModule, CommandsThatAreNotBuiltYetSaySo)
     Trace expected;
     for (const std::string& name : names) {
         type(TvString(name));
-        expected.push_back("8900 " + name);
+        // Built with windows, there is a panel to be hidden; it cannot be made without a screen.
+        if (name != "SHEETSETHIDE" || !core::sheetSetPanelMaker())
+            expected.push_back("8900 " + name);
     }
     EXPECT_EQ(said, expected);
 }

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include <app/main_app_service.h>
 #include <app/program_folders.h>
 #include <app/workspace_manager.h>
 #include <base/tarvik_config.h>
@@ -62,6 +63,8 @@ public:
     ed::CommandLine& commandLine() { return m_commandLine; }
     TvEdCommandStack& commands() { return m_commands; }
     TvRxDynamicLinkerImp& linker() { return *m_linker; }
+    /// Gone after stop().
+    MainAppService& mainAppService() { return *m_mainAppService; }
 
     /// Opens a drawing and makes it active; says at the command line why it cannot be opened. A
     /// drawing that somebody else has in use, or that may not be written, is opened read only when
@@ -85,6 +88,7 @@ private:
     ed::CommandLine m_commandLine;
     std::unique_ptr<TvRxDynamicLinkerImp> m_linker;
     std::unique_ptr<TvApDocManager> m_documents;
+    std::unique_ptr<MainAppService> m_mainAppService;
     bool m_isRunning = true;
 };
 

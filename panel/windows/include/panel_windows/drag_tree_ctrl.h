@@ -1,0 +1,76 @@
+#pragma once
+
+#include <QBasicTimer>
+#include <QTreeView>
+
+#include <panel/tree_drag.h>
+#include <panel/tree_mouse.h>
+#include <panel_windows/sheet_tree_model.h>
+
+/// The tree of a sheet set. Which items are selected, and what may be dropped where, is the matter
+/// of the rules; this shows it, and tells them where the mouse is.
+///
+/// The keyboard does what it does in every tree; Shift with the arrows selects a range.
+class CDragTreeCtrl : public QTreeView
+{
+public:
+    /// @param tree  not owned; outlives the window.
+    CDragTreeCtrl(panel::SheetTree& tree, QWidget* parent);
+    ~CDragTreeCtrl() override;
+
+    /// What the page is told; an empty function: nobody.
+    struct Events {
+        std::function<void()> pressed; ///< the left button went down on an item
+        std::function<void()> clicked; ///< and came up
+        /// @param item  null: beside the items. @param at  of the desktop.
+        std::function<void(panel::TreeItem* item, Qt::KeyboardModifiers keys, const QPoint& at)>
+            menuWanted;
+        /// @return whether that was all.
+        std::function<bool(panel::TreeItem* item, bool withCtrl)> doubleClicked;
+        /// Enter, F2 or Delete on the item with the caret. @return whether it meant something.
+        std::function<bool(int key)> key;
+        std::function<QString(panel::TreeItem& item)> tipOf;
+    };
+    Events events;
+
+    panel::SheetTree& tree() { return m_tree; }
+    const panel::SheetTreeModel& items() const { return m_model; }
+    /// The item at the top; null when there is none.
+    panel::TreeItem* firstVisible() const;
+    void scrollToTop(const panel::TreeItem* item);
+    void ensureVisible(const panel::TreeItem* item);
+    /// The row's rectangle from its icon on, in the viewport; empty when it is not shown.
+    QRect rectOf(const panel::TreeItem* item) const { return visualRect(m_model.indexOf(item)); }
+    bool isDragging() const { return m_drag.isDragging(); }
+
+protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void drawBranches(QPainter* painter, const QRect& rect,
+                      const QModelIndex& index) const override;
+    void paintEvent(QPaintEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+
+private:
+    panel::TreeItem* itemUnder(const QPoint& at) const;
+    panel::TreeItem* expandButtonUnder(const QPoint& at) const;
+    void applyExpansion(const panel::TreeItem& item);
+    void showSelection();
+    void beginDrag(const QPoint& at);
+    void track(const QPoint& at);
+    void endDrag();
+    void paintDrag(QPainter& painter) const;
+
+    panel::SheetTree& m_tree;
+    panel::SheetTreeModel m_model;
+    panel::TreeMouse m_mouse;
+    panel::TreeDrag m_drag;
+    panel::DragFeedback m_feedback;
+    QPoint m_downPoint, m_dragPoint;
+    QPixmap m_dragImage;
+    QBasicTimer m_expandTimer, m_scrollTimer;
+};
