@@ -20,7 +20,6 @@ protected:
     {
         ui::setStateStore(&m_state);
         ui::rememberText(u"Theme\\Chosen", u"1");
-        m_theme = std::make_unique<ui::ThemeManager>();
         std::filesystem::copy_file(std::filesystem::path(KV_SAMPLES) / "house.dst",
                                    folder.path() / "house.dst");
         start();
@@ -28,7 +27,6 @@ protected:
     ~PanelProgramTest() override
     {
         end();
-        m_theme.reset();
         ui::setStateStore(nullptr);
     }
     void start()
@@ -36,6 +34,7 @@ protected:
         app::ProgramFolders own = folders();
         own.modules.push_back(base::pathFromNative(KV_BUILD_DIR "/modules"));
         program = std::make_unique<app::Program>(app::Program::Setup{own, nullptr, &messages});
+        m_theme = std::make_unique<ui::ThemeManager>(); // follows the editor's variable
         main = std::make_unique<window::MainWindow>(*program, nullptr, nullptr);
         main->resize(1000, 640);
         main->show();
@@ -49,6 +48,7 @@ protected:
         main->commandPanel().refuseAll();
         program->stop();
         main.reset();
+        m_theme.reset();
         program.reset();
     }
     static void settle()
@@ -118,8 +118,11 @@ TEST_F(PanelProgramTest, AnOpenedSetStandsInTheTree)
     tree().items().tree().ExpandAll(true);
     settle();
     picture(ui::theme() == ui::Theme::Light ? "panel-light" : "panel-dark");
+    const ui::Theme former = ui::theme();
     main->perform(app::WindowAction::Theme);
     settle();
+    EXPECT_NE(ui::theme(), former);
+    EXPECT_EQ(ui::fromQt(root.data().toString()), GetCurrentDatabase()->getSheetSet()->getName());
     picture(ui::theme() == ui::Theme::Light ? "panel-light" : "panel-dark");
 }
 

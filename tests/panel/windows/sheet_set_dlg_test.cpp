@@ -56,15 +56,23 @@ TEST_F(PageTest, ExpansionAndSelectionSurviveACommitOfAnotherProcess)
     EXPECT_EQ(selectedInView(), Labels{"3 - Section"});
 }
 
-TEST_F(PageTest, AClosedSubsetStaysClosedThoughTheSelectedSheetIsInIt)
+TEST_F(PageTest, ASetThatIsShownAgainIsOpenWhereItWasThoughTheSelectionIsHidden)
 {
+    TvSmDatabase* other = made("other.dst");
     items().setExpanded(at(details), true);
     click(stair);
+    ActivateSheetSet(other);
+    EXPECT_EQ(rows(), "\n");
+    ActivateSheetSet(database);
+    const char* open = "House\n Ground\n  1 - Plan\n  Details\n   2 - Stair\n  3 - Section\n Roof\n"
+                       " Cover\n";
+    EXPECT_EQ(rows(), open);
+    EXPECT_EQ(selectedInView(), Labels{"2 - Stair"});
     items().setExpanded(at(details), false);
-    changeElsewhere(
-        [this](TvSmDatabase& copy) { inCopy<TvSmSheet>(copy, plan)->setTitle(u"Floor"); });
-    PollWatchTable();
-    EXPECT_EQ(rows(), "House\n Ground\n  1 - Floor\n  Details\n  3 - Section\n Roof\n Cover\n");
+    ActivateSheetSet(other);
+    ActivateSheetSet(database);
+    settle();
+    EXPECT_EQ(rows(), "House\n Ground\n  1 - Plan\n  Details\n  3 - Section\n Roof\n Cover\n");
     EXPECT_EQ(items().caret(), at(stair));
 }
 
