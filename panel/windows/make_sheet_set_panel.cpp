@@ -6,7 +6,6 @@
 #include <panel_windows/sheet_set_dlg.h>
 #include <panel_windows/sheet_set_palette_set.h>
 #include <ui/main_frame.h>
-#include <ui/qt_text.h>
 
 namespace panel {
 
@@ -33,8 +32,8 @@ public:
     void setSheetStatusMode(short mode) override { page().statusTimer().SetSheetStatusMode(mode); }
     void importLayoutsAsSheets(const TvString&, const std::vector<TvString>&) override
     {
-        core::sayNotAvailableYet(
-            ui::fromQt(QString::fromLatin1(PanelCommands::nameOf(kImportLayout))));
+        const TvString text(commandText(kImportLayout));
+        core::sayNotAvailableYet(text.endsWithNoCase(u"...") ? text.left(text.length() - 3) : text);
     }
 
 private:

@@ -20,7 +20,7 @@ CIconButton::CIconButton(QWidget* parent) : QToolButton(parent)
     setIconSize(QSize(16, 16));
 }
 
-void CIconButton::show(const char16_t* name, const QString& words)
+void CIconButton::setLook(const char16_t* name, const QString& words)
 {
     setIcon(ui::icon(TvString(name)));
     setToolTip(words);

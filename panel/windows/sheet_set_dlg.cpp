@@ -142,9 +142,9 @@ QWidget* CSheetSetDlg::MakeControl(const text::ControlTemplate& row, QWidget* pa
 
 bool CSheetSetDlg::OnInitDialog()
 {
-    Item<CIconButton>(kPublishMenu)->show(u"print", ui::textOf(kPublishTip));
-    Item<CIconButton>(kSelections)->show(u"selection", ui::textOf(kSelectionsTip));
-    Item<CIconButton>(kRefresh)->show(u"refresh", ui::textOf(kRefreshTip));
+    Item<CIconButton>(kPublishMenu)->setLook(u"print", ui::textOf(kPublishTip));
+    Item<CIconButton>(kSelections)->setLook(u"selection", ui::textOf(kSelectionsTip));
+    Item<CIconButton>(kRefresh)->setLook(u"refresh", ui::textOf(kRefreshTip));
     m_tree->setAccessibleName(ui::textOf(795));
     showPublishFormat(m_page->publishFormat());
     showButtons();
@@ -256,10 +256,10 @@ void CSheetSetDlg::OnCommand(int id)
 void CSheetSetDlg::showButtons()
 {
     const bool isCollapsed = m_page->isCollapsed();
-    Item<CIconButton>(kExpand)->show(isCollapsed ? u"expand-all" : u"collapse-all",
-                                     ui::textOf(isCollapsed ? kExpandTip : kCollapseTip));
-    Item<CIconButton>(kTips)->show(m_showTips ? u"tips" : u"tips-off",
-                                   ui::textOf(m_showTips ? kTipsOnTip : kTipsOffTip));
+    Item<CIconButton>(kExpand)->setLook(isCollapsed ? u"expand-all" : u"collapse-all",
+                                        ui::textOf(isCollapsed ? kExpandTip : kCollapseTip));
+    Item<CIconButton>(kTips)->setLook(m_showTips ? u"tips" : u"tips-off",
+                                      ui::textOf(m_showTips ? kTipsOnTip : kTipsOffTip));
 }
 
 void CSheetSetDlg::showPublishFormat(int format)
@@ -268,7 +268,7 @@ void CSheetSetDlg::showPublishFormat(int format)
     if (!button || format < 1 || format > static_cast<int>(std::size(kFormats)))
         return;
     const Format& row = kFormats[format - 1];
-    button->show(row.icon, ui::textOf(row.tip));
+    button->setLook(row.icon, ui::textOf(row.tip));
 }
 
 void CSheetSetDlg::enableControls(bool enabled)

@@ -10,7 +10,7 @@ class CIconButton : public QToolButton
 public:
     explicit CIconButton(QWidget* parent);
     /// @param name  of a picture. @param words  the tip, and what is read aloud.
-    void show(const char16_t* name, const QString& words);
+    void setLook(const char16_t* name, const QString& words);
 };
 
 /// A button with a menu: all of it opens it, or the arrow at its right alone.
