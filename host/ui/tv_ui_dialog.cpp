@@ -1,5 +1,7 @@
 #include "ui/tv_ui_dialog.h"
 
+#include <bit>
+
 #include <QAbstractButton>
 #include <QButtonGroup>
 #include <QComboBox>
@@ -9,6 +11,10 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QRadioButton>
+
+#include <resources/resource_dialogs.h>
+#include <rx/module_loader.h>
+#include <rx/resource_module.h>
 
 #include "make_control.h"
 #include "ui/main_frame.h"
@@ -87,10 +93,27 @@ struct CTvUiDialog::Controls {
     }
 };
 
+namespace {
+
+/// The dialog of the module whose resources are current, else the program's own.
+const text::DialogTemplate* currentDialog(int number)
+{
+    const TvString name = rx::currentResourceName();
+    if (rx::ModuleLoader* loader = name.isEmpty() ? nullptr : rx::moduleLoader()) {
+        const auto find = std::bit_cast<text::ResourceDialog>(
+            loader->symbol(loader->loaded(name), text::kResourceDialogName));
+        if (const text::DialogTemplate* plan = find ? find(number) : nullptr)
+            return plan;
+    }
+    return text::findDialog(number);
+}
+
+} // namespace
+
 CTvUiDialog::CTvUiDialog(int number, QWidget* parent)
     : QDialog(parent ? parent : ui::dialogParent()), m_controls(std::make_unique<Controls>())
 {
-    prepare(text::findDialog(number));
+    prepare(currentDialog(number));
 }
 
 CTvUiDialog::CTvUiDialog(const text::DialogTemplate& plan, QWidget* parent)

@@ -1,3 +1,4 @@
+#include <bit>
 #include <stdexcept>
 
 #include <QCheckBox>
@@ -8,6 +9,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include <resources/resource_dialogs.h>
 #include <resources/texts.h>
 #include <rx/resource_module.h>
 #include <ui/qt_text.h>
@@ -81,6 +83,40 @@ class DialogTest : public Program
 QPushButton* button(const CTvUiDialog& dialog, int id)
 {
     return dialog.Item<QPushButton>(id);
+}
+
+/// One module, with dialogs of its own.
+class DialogModule : public rx::ModuleLoader
+{
+public:
+    DialogModule() { rx::setModuleLoader(this); }
+    ~DialogModule() override { rx::setModuleLoader(nullptr); }
+    Handle loaded(const TvString& name) override { return name == u"Own.dll" ? this : nullptr; }
+    base::Result<Handle> load(const TvString& name) override { return loaded(name); }
+    void free(Handle) override {}
+    void* symbol(Handle module, const char* symbol) override
+    {
+        const bool isAsked = module && std::string_view(symbol) == text::kResourceDialogName;
+        return isAsked ? std::bit_cast<void*>(&dialogOf) : nullptr;
+    }
+    static const text::DialogTemplate* dialogOf(int number)
+    {
+        return number == kPlan.number ? &kPlan : nullptr;
+    }
+};
+
+TEST_F(DialogTest, OfAModuleIsMadeWhileThatModulesResourcesAreCurrent)
+{
+    const DialogModule module;
+    EXPECT_FALSE(Dialog(kPlan.number, nullptr).Create());
+    {
+        const rx::ResourceContext ours(u"Own.dll");
+        EXPECT_TRUE(Dialog(kPlan.number, nullptr).Create());
+        const int known = text::allDialogs().front().number; // the module lacks it
+        EXPECT_TRUE(Dialog(known, nullptr).Create());
+    }
+    const rx::ResourceContext missing(u"Missing.dll");
+    EXPECT_FALSE(Dialog(kPlan.number, nullptr).Create());
 }
 
 } // namespace

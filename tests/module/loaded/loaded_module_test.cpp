@@ -7,6 +7,7 @@
 #include <core/sheet_set_panel.h>
 #include <core/watch_table.h>
 #include <ed/tarv_palette_prop_manager.h>
+#include <resources/resource_dialogs.h>
 #include <rx/resource_module.h>
 
 #include "host_scene.h"
@@ -135,6 +136,24 @@ TEST_F(LoadedModule, WithoutItsResourcesCommandsHaveTheirGlobalNames)
     for (const TvEdCommand* command : stack.commands())
         EXPECT_EQ(command->localName(), command->globalName());
     EXPECT_TRUE(linker.unloadModule(kModule, 0));
+}
+
+TEST_F(LoadedModule, ItsResourcesHaveItsDialogsAndNoOthers)
+{
+    ASSERT_TRUE(load());
+    const auto dialogOf = std::bit_cast<text::ResourceDialog>(
+        loader.symbol(loader.loaded(u"KvSheetSetRes.dll"), text::kResourceDialogName));
+    ASSERT_TRUE(dialogOf);
+    constexpr int kFirstOfTheHost = 10001;
+    for (const text::DialogTemplate& dialog : text::allDialogs()) {
+        const text::DialogTemplate* const ours = dialogOf(dialog.number);
+        ASSERT_EQ(ours != nullptr, dialog.number < kFirstOfTheHost) << dialog.number;
+        if (ours) {
+            EXPECT_EQ(ours->controls.size(), dialog.controls.size());
+            EXPECT_EQ(ours->title, dialog.title);
+        }
+    }
+    ASSERT_TRUE(dialogOf(700)); // the sheet list
 }
 
 TEST_F(LoadedModule, MissingOptionalModulesAreSilent)
