@@ -77,11 +77,21 @@ TvEdCommand* TvEdCommandStackImp::lookupLocalCmd(const TvString& name) const
 
 TvEdCommand* TvEdCommandStackImp::lookupCmd(const TvString& typed) const
 {
-    const std::u16string_view text = typed;
-    if (text.starts_with(u'_'))
-        return lookupGlobalCmd(TvString(text.substr(1)));
-    TvEdCommand* local = lookupLocalCmd(typed);
-    return local ? local : lookupGlobalCmd(typed);
+    std::u16string_view name = typed;
+    bool isGlobal = false;
+    bool isFirst = false;
+    for (; !name.empty() && (name[0] == u'_' || name[0] == u'.'); name.remove_prefix(1))
+        (name[0] == u'_' ? isGlobal : isFirst) = true;
+    const auto isMeant = [&](const std::unique_ptr<TvEdCommand>& command) {
+        return base::equalNoCase(command->m_globalName, name) ||
+               (!isGlobal && base::equalNoCase(command->m_localName, name));
+    };
+    if (isFirst) {
+        const auto found = std::ranges::find_if(m_commands, isMeant);
+        return found == m_commands.end() ? nullptr : found->get();
+    }
+    TvEdCommand* local = isGlobal ? nullptr : lookupLocalCmd(TvString(name));
+    return local ? local : lookupGlobalCmd(TvString(name));
 }
 
 std::vector<TvEdCommand*> TvEdCommandStackImp::commands() const

@@ -46,6 +46,19 @@ TEST(TvEdCommandStack, AnUnderscoreAsksForTheGlobalName)
     EXPECT_EQ(stack.lookupCmd(u"_LINIE"), nullptr);
 }
 
+TEST(TvEdCommandStack, ADotAsksForTheCommandThatWasThereFirst)
+{
+    TvEdCommandStackImp stack;
+    stack.addCommand(u"G", u"LINE", u"LINIE", 0, &run);
+    stack.addCommand(u"H", u"LINE", u"LINIE", 0, &other);
+    EXPECT_EQ(stack.lookupCmd(u"LINIE")->functionAddr(), &other);
+    for (const TvChar* typed : {u".LINIE", u".line", u"_.LINE", u"._LINE"})
+        EXPECT_EQ(stack.lookupCmd(typed)->functionAddr(), &run) << TvString(typed).utf8();
+    EXPECT_EQ(stack.lookupCmd(u"_.LINIE"), nullptr);
+    for (const TvChar* typed : {u".", u"_.", u"..", u""})
+        EXPECT_EQ(stack.lookupCmd(typed), nullptr) << TvString(typed).utf8();
+}
+
 TEST(TvEdCommandStack, ALaterGroupShadowsAnEarlierOneUntilItGoes)
 {
     TvEdCommandStackImp stack;

@@ -54,8 +54,8 @@ class TvEdCommandStack : public TvRxObject
     /// Null when there is none.
     virtual TvEdCommand* lookupGlobalCmd(const TvString& name) const = 0;
     virtual TvEdCommand* lookupLocalCmd(const TvString& name) const = 0;
-    /// What a typed word stands for: a leading underscore asks for the global name; otherwise the
-    /// local name comes first, then the global one.
+    /// What a typed word stands for: "_" before it asks for the global name, "." for the command
+    /// that was there first, and else local names come before global ones.
     virtual TvEdCommand* lookupCmd(const TvString& typed) const = 0;
     /// All commands, in the order they were added.
     virtual std::vector<TvEdCommand*> commands() const = 0;
