@@ -9,7 +9,12 @@ namespace {
 // clang-format off
 constexpr ControlTemplate kRows[] = {
 #include "dialogs/sheet_panel.inc"
+#include "dialogs/new_sheet.inc"
+#include "dialogs/import.inc"
+#include "dialogs/rename.inc"
+#include "dialogs/publish.inc"
 #include "dialogs/host.inc"
+#include "dialogs/plot.inc"
 };
 // clang-format on
 

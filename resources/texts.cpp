@@ -1,7 +1,7 @@
 #include "resources/texts.h"
 
+#include <array>
 #include <cstring>
-#include <iterator>
 
 #include "text_rows.h"
 
@@ -9,19 +9,25 @@ namespace {
 
 using text::Row;
 
-// Ascending by number: looked up by halving.
 // clang-format off
-constexpr Row kEnglish[] = {
+constexpr auto kEnglish = text::sortedRows(std::to_array<Row>({
 #include "en/module.inc"
 #include "en/panel_windows.inc"
+#include "en/new_sheet.inc"
+#include "en/import.inc"
+#include "en/rename.inc"
+#include "en/publish.inc"
 #include "en/reasons.inc"
 #include "en/tool.inc"
 #include "en/tool_drawings.inc"
+#include "en/tool_sheets.inc"
+#include "en/tool_publish.inc"
 #include "en/workspace.inc"
 #include "en/commands.inc"
 #include "en/windows.inc"
 #include "en/program.inc"
-};
+#include "en/plot.inc"
+}));
 // clang-format on
 
 struct Language {
@@ -31,7 +37,7 @@ struct Language {
 };
 
 constexpr Language kLanguages[] = {
-    {"en", kEnglish, std::size(kEnglish)},
+    {"en", kEnglish.data(), kEnglish.size()},
 };
 
 const Language* g_language = &kLanguages[0];
@@ -64,7 +70,7 @@ bool setLanguage(const char* tag)
 
 int count()
 {
-    return static_cast<int>(std::size(kEnglish));
+    return static_cast<int>(kEnglish.size());
 }
 
 int numberAt(int index)

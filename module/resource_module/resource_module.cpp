@@ -1,6 +1,6 @@
 // The resource module of the sheet-set module: its texts and dialogs, from the one table of each.
 
-#include <iterator>
+#include <array>
 
 #include <resources/resource_dialogs.h>
 #include <rx/tv_rx_module.h>
@@ -10,9 +10,16 @@
 
 namespace {
 
-constexpr text::Row kTexts[] = {
+// clang-format off
+constexpr auto kTexts = text::sortedRows(std::to_array<text::Row>({
 #include "en/module.inc"
-};
+#include "en/panel_windows.inc"
+#include "en/new_sheet.inc"
+#include "en/import.inc"
+#include "en/rename.inc"
+#include "en/publish.inc"
+}));
+// clang-format on
 
 // Names of controls in the rows are those of the table's own room.
 using namespace text;
@@ -20,6 +27,10 @@ using namespace text;
 // clang-format off
 constexpr ControlTemplate kDialogRows[] = {
 #include "dialogs/sheet_panel.inc"
+#include "dialogs/new_sheet.inc"
+#include "dialogs/import.inc"
+#include "dialogs/rename.inc"
+#include "dialogs/publish.inc"
 };
 // clang-format on
 
@@ -35,5 +46,5 @@ static_assert(std::is_same_v<decltype(&tarvResourceDialog), text::ResourceDialog
 
 TVRX_EXPORT const char16_t* tarvResourceText(int number)
 {
-    return text::findRow(kTexts, std::size(kTexts), number);
+    return text::findRow(kTexts.data(), kTexts.size(), number);
 }

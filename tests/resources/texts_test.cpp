@@ -28,7 +28,7 @@ bool isInAStatedRange(int number)
 {
     const auto within = [number](int first, int last) { return first <= number && number <= last; };
     return within(300, 8999) || within(21000, 21999) || within(22000, 22999) ||
-           within(23000, 23999);
+           within(23000, 24999);
 }
 
 constexpr int kMostArguments = 9;
