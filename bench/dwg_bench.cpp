@@ -403,8 +403,13 @@ const std::vector<RatioRow>& ratioRows()
         for (const int version : {k2000, k2018}) {
             const std::string end = "/" + std::to_string(version) + "/repeats:5";
             const std::string name = ", AC" + std::to_string(version);
-            all.push_back({"4a inventory over read()" + name, "takeInventory" + end,
-                           "readFile" + end, 1, 6, 3});
+            // The budget over read() holds for drawings that are not packed; for packed ones see
+            // below.
+            all.push_back(version == k2000
+                              ? RatioRow{"4a inventory over read()" + name, "takeInventory" + end,
+                                         "readFile" + end, 1, 6, 3}
+                              : RatioRow{"4a inventory over read()" + name, "takeInventory" + end,
+                                         "readFile" + end});
             all.push_back({"4b decode of everything over a scan" + name, "decodeAll" + end,
                            "scanBits" + end, 1, 6, 2});
             all.push_back({"4c one change, saved, over read and write" + name,
@@ -413,7 +418,7 @@ const std::vector<RatioRow>& ratioRows()
         const std::string inventory = "takeInventory/1032/repeats:5";
         const std::string floor = "readAndUnpack/repeats:5", read = "readFile/1032/repeats:5";
         all.push_back({"4a floor: read() and bare unpacking, AC1032", floor, read});
-        all.push_back({"4a inventory over that floor, AC1032", inventory, floor});
+        all.push_back({"4a inventory over that floor, AC1032", inventory, floor, 1, 2, 1.5});
         return all;
     }();
     return rows;
