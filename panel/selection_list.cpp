@@ -2,28 +2,16 @@
 
 #include <algorithm>
 
-#include <core/name_characters.h>
 #include <rx/tv_user_messages.h>
-#include <sm/limits.h>
 #include <sm/tv_sm_database.h>
+
+#include "name_refusals.h"
 
 namespace panel {
 
 namespace {
 
-constexpr int kEmptyName = 332, kTakenName = 333, kBadCharacters = 345, kTooLong = 580;
-constexpr int kNameTitle = 335, kCharactersTitle = 336, kTakenTitle = 499;
 constexpr int kDeleteTitle = 581, kDelete = 582, kChooseFirst = 583;
-
-void tell(int text, int title, std::vector<TvString> arguments = {})
-{
-    TvUserMessages::Message message;
-    message.text = text;
-    message.caption = title;
-    message.arguments = std::move(arguments);
-    message.icon = TvUserMessages::Icon::Warning;
-    tvrxShowMessage(message);
-}
 
 bool confirmDeletion(const TvString& name)
 {
@@ -71,7 +59,7 @@ void SelectionList::select(std::optional<int> row)
 bool SelectionList::beginRename() const
 {
     if (!m_selected)
-        tell(kChooseFirst, 0);
+        warn(kChooseFirst, 0);
     return m_selected.has_value();
 }
 
@@ -88,14 +76,10 @@ bool SelectionList::rename(int row, const TvString& name)
     TvSmSheetSelection* selection = selectionAt(row);
     if (!selection)
         return false;
-    if (name.trimmed().isEmpty())
-        return tell(kEmptyName, kNameTitle), false;
-    if (HasUnsupportedSheetChar(name))
-        return tell(kBadCharacters, kCharactersTitle), false;
-    if (name.length() > sm::kMaxNameLength)
-        return tell(kTooLong, kNameTitle), false;
+    if (refusesEmptyName(name) || refusesCharacters(name) || refusesLength(name))
+        return false;
     if (isTaken(row, name))
-        return tell(kTakenName, kTakenTitle, {name}), false;
+        return tellNameIsTaken(name), false;
     return selection->setName(name);
 }
 

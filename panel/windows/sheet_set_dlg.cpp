@@ -13,6 +13,7 @@
 #include "panel_windows/drag_tree_ctrl.h"
 #include "panel_windows/open_combo_box.h"
 #include "panel_windows/panel_buttons.h"
+#include "selection_commands.h"
 
 namespace {
 
@@ -150,6 +151,7 @@ bool CSheetSetDlg::OnInitDialog()
     showButtons();
     connectTree();
     connectMenus();
+    panel::addSelectionCommands(*this);
     core::readTipStyle();
     enableControls(false);
     return true;
