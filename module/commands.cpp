@@ -3,6 +3,7 @@
 #include <core/new_sheet_set_wizard.h>
 #include <core/not_available_yet.h>
 #include <core/open_sheet_set.h>
+#include <core/optional_module.h>
 #include <core/session.h>
 #include <ed/command_line.h>
 #include <rx/tv_ed_command_stack.h>
@@ -11,7 +12,6 @@
 #include <sm/change_scope.h>
 #include <sm/kv_db_util.h>
 
-#include "module/optional_module.h"
 #include "module/palette_host.h"
 #include "module/resource_texts.h"
 
@@ -103,7 +103,7 @@ void ArchiveSheetSet()
     std::vector<TvSmSheet*> sheets;
     KvDbUtil::GetAllSheetsInTheSubSet(database->getSheetSet(), sheets);
     using Archive = void (*)(std::vector<TvSmSheet*> sheets, TvSmDatabase * database);
-    const auto archive = transmitModule().entry<Archive>("KvCmd_Archive");
+    const auto archive = core::transmitModule().entry<Archive>("KvCmd_Archive");
     if (!archive)
         return;
     sm::ChangeScope change(database);

@@ -2,13 +2,13 @@
 
 #include <core/auto_open_reactor.h>
 #include <core/drawing_info_cache.h>
+#include <core/optional_module.h>
 #include <core/watch_table.h>
 #include <rx/tv_rx_service.h>
 #include <sm/kv_db_util.h>
 
 #include "module/commands.h"
 #include "module/kv_sheet_set_app.h"
-#include "module/optional_module.h"
 #include "module/palette_host.h"
 #include "module/tarv_sheet_set_cuix_manager.h"
 #include "module/tarv_sheet_set_internal_imp.h"
@@ -116,8 +116,8 @@ constexpr Step kStart[] = {
     {"register service", &registerService},
     {"make cuix manager", &makeCuixManager},
     {"set internal interface", &publishInternal},
-    {"load plot commands", [] { plotCommandsModule().load(); }},
-    {"load transmit", [] { transmitModule().load(); }},
+    {"load plot commands", [] { core::plotCommandsModule().load(); }},
+    {"load transmit", [] { core::transmitModule().load(); }},
 };
 
 constexpr Step kEnd[] = {
@@ -129,8 +129,8 @@ constexpr Step kEnd[] = {
     {"delete service", &unregisterService},
     {"delete auto-open reactor", [] { ours().reactor.reset(); }},
     {"take internal interface back", &takeInternalBack},
-    {"free plot commands", [] { plotCommandsModule().free(); }},
-    {"free transmit", [] { transmitModule().free(); }},
+    {"free plot commands", [] { core::plotCommandsModule().free(); }},
+    {"free transmit", [] { core::transmitModule().free(); }},
 };
 
 template <std::size_t Count>

@@ -1,11 +1,11 @@
 // Commands and exports that work on the current set.
 
+#include <core/optional_module.h>
 #include <core/sheet_data.h>
 #include <db/tv_db_database.h>
 #include <db/tv_db_host_application_services.h>
 #include <ed/system_variables.h>
 #include <module/exports.h>
-#include <module/optional_module.h>
 #include <module/publish_values.h>
 #include <rx/resource_module.h>
 
@@ -29,7 +29,7 @@ protected:
         PanelScene::SetUp();
         g_archived.clear();
         using Tell = void (*)(void (*)(std::size_t, TvSmDatabase*));
-        if (const auto tell = module::transmitModule().entry<Tell>("tellOfArchive"))
+        if (const auto tell = core::transmitModule().entry<Tell>("tellOfArchive"))
             tell(&noteArchive);
     }
     TvSmDatabase* activated()
@@ -82,7 +82,7 @@ TEST_F(Commands, ArchiveOfALockedSetIsSilent)
 TEST_F(Commands, ArchiveWithoutTheTransmitModuleIsSilent)
 {
     const TvSmDatabase* database = activated();
-    module::transmitModule().free();
+    core::transmitModule().free();
     type(u"ARCHIVE");
     EXPECT_TRUE(g_archived.empty());
     EXPECT_EQ(nameOf(database), TvString());
@@ -220,9 +220,9 @@ TEST_F(BareModules, ThatLackAnExportAreSilent)
 {
     KvSheetSetApp app;
     app.entryPoint(1, nullptr);
-    EXPECT_TRUE(module::transmitModule().isThere());
-    EXPECT_EQ(module::transmitModule().entry<void (*)()>("KvCmd_Archive"), nullptr);
-    EXPECT_FALSE(module::plotCommandsModule().isThere());
+    EXPECT_TRUE(core::transmitModule().isThere());
+    EXPECT_EQ(core::transmitModule().entry<void (*)()>("KvCmd_Archive"), nullptr);
+    EXPECT_FALSE(core::plotCommandsModule().isThere());
     TvSmDatabase* database = made("a.dst");
     ActivateSheetSet(database);
     type(u"ARCHIVE");
@@ -234,7 +234,7 @@ TEST_F(BareModules, ThatLackAnExportAreSilent)
 
 TEST_F(BareModules, ADataLinkModuleThatTheLinkerCannotStartIsLoadedAllTheSame)
 {
-    const rx::ModuleLoader::Handle links = module::dataLinkModule();
+    const rx::ModuleLoader::Handle links = core::dataLinkModule();
     EXPECT_NE(links, nullptr);
     EXPECT_EQ(told(),
               (Trace{"load KvDatalink.trx", "free KvDatalink.trx", "is it loaded: KvDatalink.trx",
@@ -247,24 +247,24 @@ struct Modules : HostScene {
 
 TEST_F(Modules, TheDataLinkModuleIsStartedByTheLinkerOnce)
 {
-    const rx::ModuleLoader::Handle links = module::dataLinkModule();
+    const rx::ModuleLoader::Handle links = core::dataLinkModule();
     ASSERT_NE(links, nullptr);
     EXPECT_TRUE(linker.isModuleLoaded(u"KvDatalink.trx"));
     EXPECT_EQ(told(), (Trace{"load KvDatalink.trx", "is it loaded: KvDatalink.trx"}));
-    EXPECT_EQ(module::dataLinkModule(), links);
+    EXPECT_EQ(core::dataLinkModule(), links);
     EXPECT_EQ(told(), Trace{"is it loaded: KvDatalink.trx"});
 }
 
 TEST_F(Modules, WithoutTheDataLinkModuleOrTheHostsLinkerThereIsNone)
 {
     loader.missing = {"KvDatalink.trx"};
-    EXPECT_EQ(module::dataLinkModule(), nullptr);
+    EXPECT_EQ(core::dataLinkModule(), nullptr);
     loader.missing.clear();
     TvRxDictionary notALinker;
     tvrxSysRegistry()->atPut(kTvRxDynamicLinker, &notALinker);
-    EXPECT_EQ(module::dataLinkModule(), nullptr);
+    EXPECT_EQ(core::dataLinkModule(), nullptr);
     tvrxSysRegistry()->remove(kTvRxDynamicLinker);
-    EXPECT_EQ(module::dataLinkModule(), nullptr);
+    EXPECT_EQ(core::dataLinkModule(), nullptr);
 }
 
 } // namespace

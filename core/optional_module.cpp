@@ -1,10 +1,10 @@
-#include "module/optional_module.h"
+#include "core/optional_module.h"
 
 #include <rx/tv_product.h>
 #include <rx/tv_rx_dictionary.h>
 #include <rx/tv_rx_dynamic_linker.h>
 
-namespace module {
+namespace core {
 
 namespace {
 
@@ -70,4 +70,4 @@ rx::ModuleLoader::Handle dataLinkModule()
     return loader->loaded(name);
 }
 
-} // namespace module
+} // namespace core

@@ -4,7 +4,7 @@
 
 #include <rx/module_loader.h>
 
-namespace module {
+namespace core {
 
 /// One of the host's modules that may be missing. Its file name is the product's prefix and a
 /// suffix, or its usual name.
@@ -49,4 +49,4 @@ OptionalModule& transmitModule();
 /// had, and when the linker is not the host's own. Nothing of it is ours to free.
 rx::ModuleLoader::Handle dataLinkModule();
 
-} // namespace module
+} // namespace core
