@@ -10,6 +10,7 @@
 #include <rx/tv_user_messages.h>
 #include <sm/change_scope.h>
 
+#include "panel/handler_installer.h"
 #include "panel/open_sheets.h"
 #include "panel/recover_drawing.h"
 
@@ -66,6 +67,7 @@ PanelCommands::PanelCommands(SheetListPage& page, PanelMenus& menus, PanelProgra
     : m_page(page), m_menus(menus), m_program(program)
 {
     addOwn();
+    HandlerInstaller::installAll(*this);
 }
 
 const char* PanelCommands::nameOf(int id)

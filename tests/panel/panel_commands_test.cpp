@@ -7,6 +7,7 @@
 #include <ed/command_line.h>
 #include <ed/layouts.h>
 #include <ed/user_prompts.h>
+#include <panel/handler_installer.h>
 #include <panel/open_sheets.h>
 #include <panel/recover_drawing.h>
 
@@ -142,6 +143,32 @@ private:
     CTvSmSheetSetEventsHandler m_events{&g_watchTable};
     int m_cookie = -1;
 };
+
+TEST_F(PanelCommandsTest, AnInstallerPutsItsHandlersIntoPagesMadeFromThenOnUntilItGoes)
+{
+    std::vector<std::string> order;
+    const auto installs = [&](const char* name) {
+        return [&order, name](panel::PanelCommands& made) {
+            made.setHandler(panel::kNewSheet,
+                            [&order, name](panel::SheetListPage&) { order.push_back(name); });
+        };
+    };
+    const auto runIn = [&](panel::PanelCommands& made) {
+        order.clear();
+        made.run(panel::kNewSheet);
+        return order;
+    };
+    {
+        const panel::HandlerInstaller nothing({});
+        const panel::HandlerInstaller first(installs("first"));
+        const panel::HandlerInstaller second(installs("second"));
+        panel::PanelCommands made{page, menus, program};
+        EXPECT_EQ(runIn(made), (std::vector<std::string>{"second"})); // the later one won
+        EXPECT_TRUE(runIn(commands).empty()) << "a page that was there already";
+    }
+    panel::PanelCommands later{page, menus, program};
+    EXPECT_TRUE(runIn(later).empty()) << "the installers are gone";
+}
 
 TEST_F(PanelCommandsTest, ANumberThatIsNoneGoesToTheDefaultHandler)
 {
