@@ -43,6 +43,18 @@ QByteArray withFileHeader(const QByteArray& bytes)
 
 } // namespace
 
+QImage ui::previewImage(std::span<const std::byte> bytes)
+{
+    QByteArray file = withFileHeader(QByteArray(reinterpret_cast<const char*>(bytes.data()),
+                                                static_cast<qsizetype>(bytes.size())));
+    QBuffer buffer(&file);
+    QImageReader reader(&buffer);
+    const QSize size = reader.size();
+    if (!size.isValid() || size.width() > kMostSidePx || size.height() > kMostSidePx)
+        return {};
+    return reader.read();
+}
+
 CKvPreviewStatic::CKvPreviewStatic(QWidget* parent) : QWidget(parent) {}
 
 void CKvPreviewStatic::SetPicture(const QImage& picture)
@@ -53,15 +65,7 @@ void CKvPreviewStatic::SetPicture(const QImage& picture)
 
 bool CKvPreviewStatic::SetPreview(std::span<const std::byte> bytes)
 {
-    SetPicture({});
-    QByteArray file = withFileHeader(QByteArray(reinterpret_cast<const char*>(bytes.data()),
-                                                static_cast<qsizetype>(bytes.size())));
-    QBuffer buffer(&file);
-    QImageReader reader(&buffer);
-    const QSize size = reader.size();
-    if (!size.isValid() || size.width() > kMostSidePx || size.height() > kMostSidePx)
-        return false;
-    SetPicture(reader.read());
+    SetPicture(ui::previewImage(bytes));
     return HasPicture();
 }
 

@@ -61,9 +61,6 @@ CDragTreeCtrl::CDragTreeCtrl(panel::SheetTree& tree, QWidget* parent)
         showSelection();
     };
     m_model.onSelection = [this] { showSelection(); };
-    m_model.tipOf = [this](TreeItem& item) {
-        return events.tipOf ? events.tipOf(item) : QString();
-    };
     connect(this, &QTreeView::expanded, this, [this](const QModelIndex& index) {
         m_tree.setExpanded(panel::SheetTreeModel::itemAt(index), true);
     });
@@ -74,7 +71,13 @@ CDragTreeCtrl::CDragTreeCtrl(panel::SheetTree& tree, QWidget* parent)
 
 CDragTreeCtrl::~CDragTreeCtrl()
 {
+    m_tips.reset(); // it watches the viewport
     setModel(nullptr);
+}
+
+void CDragTreeCtrl::MakeTips(std::unique_ptr<CTarvSheetSetToolTipCtrl> tip)
+{
+    m_tips = std::make_unique<panel::TreeTips>(*this, std::move(tip));
 }
 
 void CDragTreeCtrl::applyExpansion(const TreeItem& item)

@@ -4,7 +4,6 @@
 #include <QTimer>
 
 #include <core/session.h>
-#include <core/sheet_tip.h>
 #include <ed/palette_set.h>
 #include <ui/qt_text.h>
 #include <ui/theme.h>
@@ -167,7 +166,7 @@ void CSheetSetDlg::connectTree()
         return m_commands->OpenSheetByDoubleClick(item, withCtrl);
     };
     m_tree->events.key = [this](int key) { return onTreeKey(key); };
-    m_tree->events.tipOf = [this](panel::TreeItem& item) { return tipOf(item); };
+    m_tree->MakeTips(std::make_unique<CTarvSheetSetToolTipCtrl>());
 }
 
 void CSheetSetDlg::connectMenus()
@@ -225,23 +224,11 @@ bool CSheetSetDlg::onTreeKey(int key)
     return true;
 }
 
-/// The words alone.
-QString CSheetSetDlg::tipOf(panel::TreeItem& item) const
+void CSheetSetDlg::setShowTips(bool showTips)
 {
-    if (!m_showTips)
-        return {};
-    core::TipStyle style = core::tipStyle();
-    style.mode = style.showsDetails() ? core::TipStyle::NameAndDetails : core::TipStyle::Name;
-    core::Tip tip;
-    core::fillTip(m_page->tree().database(), item.handle(), style, core::drawingInfoCache(), tip);
-    const core::TipParts parts = core::tipParts(tip, style);
-    if (parts.title.isEmpty())
-        return {};
-    QString words = QStringLiteral("<p style='white-space:pre'><b>%1</b>")
-                        .arg(ui::toQt(parts.title).toHtmlEscaped());
-    if (parts.hasLine)
-        words += QLatin1String("<br>") + ui::toQt(parts.rest).toHtmlEscaped();
-    return words + QLatin1String("</p>");
+    m_showTips = showTips;
+    m_tree->tips()->SetShowTips(showTips);
+    showButtons();
 }
 
 void CSheetSetDlg::OnCommand(int id)
@@ -249,7 +236,7 @@ void CSheetSetDlg::OnCommand(int id)
     switch (id) {
     case kPublish: return run(panel::kPublishFirst + m_page->publishFormat() - 1);
     case kExpand: return run(m_page->isCollapsed() ? panel::kExpandAll : panel::kCollapseAll);
-    case kTips: m_showTips = !m_showTips; return showButtons();
+    case kTips: return setShowTips(!m_showTips);
     case kRefresh: return m_page->UpdateStatusImages();
     default: CTdUiDialog::OnCommand(id);
     }

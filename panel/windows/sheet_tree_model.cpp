@@ -76,7 +76,6 @@ QVariant SheetTreeModel::data(const QModelIndex& index, int role) const
     switch (role) {
     case Qt::DisplayRole: return ui::toQt(m_tree.labelOf(*item));
     case Qt::DecorationRole: return m_images[static_cast<std::size_t>(item->image())];
-    case Qt::ToolTipRole: return tipOf ? tipOf(*item) : QString();
     default: return {};
     }
 }

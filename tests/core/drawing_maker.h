@@ -1,5 +1,7 @@
 #pragma once
 
+#include <span>
+
 #include <db/record_editor.h>
 #include <db/resbuf.h>
 #include <db/tv_db_curves.h>
@@ -57,16 +59,20 @@ public:
     /// A picture beside the layout, as drawings keep them.
     DrawingMaker& picture(const TvString& layoutName)
     {
+        constexpr std::uint8_t kPng[] = {0x89, 'P', 'N', 'G', 1, 2, 3};
+        return picture(layoutName, kPng);
+    }
+    DrawingMaker& picture(const TvString& layoutName, std::span<const std::uint8_t> png)
+    {
         TvDbObjectId extension;
         {
             const TvDbObjectPointer<TvDbLayout> layout(this->layout(layoutName), TvDb::kForWrite);
             layout->createExtensionDictionary();
             extension = layout->extensionDictionary();
         }
-        constexpr std::uint8_t kPng[] = {0x89, 'P', 'N', 'G', 1, 2, 3};
         constexpr int kBytesCode = 310;
         const TvResbufPtr item(tvutNewRb(kBytesCode));
-        tvutSetBytes(*item.get(), kPng);
+        tvutSetBytes(*item.get(), png);
         auto* record = new TvDbXrecord;
         EXPECT_EQ(record->setFromRbChain(*item.get()), TvStatus::Ok);
         const TvDbObjectPointer<TvDbDictionary> entries(extension, TvDb::kForWrite);

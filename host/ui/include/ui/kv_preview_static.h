@@ -8,6 +8,14 @@
 
 #include <base/tv_string.h>
 
+namespace ui {
+
+/// The picture in a drawing's stored preview: the bytes of a picture file, or of a bitmap without
+/// its file header. Null when they are no picture, or one of unreasonable size.
+QImage previewImage(std::span<const std::byte> bytes);
+
+} // namespace ui
+
 /// Shows a picture, as large as it fits, in the middle; without one, a text or nothing.
 class CKvPreviewStatic : public QWidget
 {
@@ -16,8 +24,7 @@ public:
 
     /// A null picture takes the one that is shown away.
     void SetPicture(const QImage& picture);
-    /// A drawing's stored preview: the bytes of a picture or of a bitmap without its file header.
-    /// False, and nothing shown, when they are no picture, or one of unreasonable size.
+    /// A drawing's stored preview. False, and nothing shown, when it is no picture.
     bool SetPreview(std::span<const std::byte> bytes);
     bool HasPicture() const { return !m_picture.isNull(); }
     /// Shown in the picture's place.

@@ -6,6 +6,7 @@
 #include <panel/tree_drag.h>
 #include <panel/tree_mouse.h>
 #include <panel_windows/sheet_tree_model.h>
+#include <panel_windows/tree_tips.h>
 
 /// The tree of a sheet set. Which items are selected, and what may be dropped where, is the matter
 /// of the rules; this shows it, and tells them where the mouse is.
@@ -29,7 +30,6 @@ public:
         std::function<bool(panel::TreeItem* item, bool withCtrl)> doubleClicked;
         /// Enter, F2 or Delete on the item with the caret. @return whether it meant something.
         std::function<bool(int key)> key;
-        std::function<QString(panel::TreeItem& item)> tipOf;
     };
     Events events;
 
@@ -41,7 +41,13 @@ public:
     void ensureVisible(const panel::TreeItem* item);
     /// The row's rectangle from its icon on, in the viewport; empty when it is not shown.
     QRect rectOf(const panel::TreeItem* item) const { return visualRect(m_model.indexOf(item)); }
+    /// The row under a point of the viewport; null: none.
+    panel::TreeItem* itemUnder(const QPoint& at) const;
     bool isDragging() const { return m_drag.isDragging(); }
+    /// Tips with details show when the mouse rests on an item; a tree that was given none has none.
+    void MakeTips(std::unique_ptr<CTarvSheetSetToolTipCtrl> tip);
+    /// Null when there are none.
+    panel::TreeTips* tips() { return m_tips.get(); }
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
@@ -56,7 +62,6 @@ protected:
     void timerEvent(QTimerEvent* event) override;
 
 private:
-    panel::TreeItem* itemUnder(const QPoint& at) const;
     panel::TreeItem* expandButtonUnder(const QPoint& at) const;
     void applyExpansion(const panel::TreeItem& item);
     void showSelection();
@@ -73,4 +78,5 @@ private:
     QPoint m_downPoint, m_dragPoint;
     QPixmap m_dragImage;
     QBasicTimer m_expandTimer, m_scrollTimer;
+    std::unique_ptr<panel::TreeTips> m_tips;
 };

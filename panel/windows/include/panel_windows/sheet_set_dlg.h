@@ -62,7 +62,7 @@ private:
     void popup(const ed::Menu& menu, const QPoint& at);
     void showTreeMenu(panel::TreeItem* hit, Qt::KeyboardModifiers keys, const QPoint& at);
     bool onTreeKey(int key);
-    QString tipOf(panel::TreeItem& item) const;
+    void setShowTips(bool showTips);
     void showButtons();
     void showPublishFormat(int format);
     void enableControls(bool enabled);

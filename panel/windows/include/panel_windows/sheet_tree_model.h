@@ -34,8 +34,6 @@ public:
     std::function<void()> onReset;
     /// Rows came below @p parent, both included.
     std::function<void(const TreeItem& parent, int first, int last)> onInserted;
-    /// The words of a tip; empty: none.
-    std::function<QString(TreeItem& item)> tipOf;
 
     // QAbstractItemModel
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
