@@ -38,13 +38,19 @@ void warn(int text, int caption, std::vector<TvString> arguments = {})
     tvrxShowMessage(message);
 }
 
+/// A path on a line of its own, in a message.
+TvString lineOf(const TvString& path)
+{
+    return TvString(u"\n\t") + path;
+}
+
 void sayWhatIsWrong(const LoadedLayouts& loaded)
 {
     for (const LoadedLayouts::Unreadable& each : loaded.unreadable)
-        warn(kUnreadable, kUnreadableCaption, {each.drawing});
+        warn(kUnreadable, kUnreadableCaption, {lineOf(each.drawing)});
     TvString lines;
     for (const TvString& path : loaded.withoutLayouts)
-        lines += TvString(u"\n\t") + path;
+        lines += lineOf(path);
     if (!lines.isEmpty())
         warn(kWithoutLayouts, kWithoutLayoutsCaption, {lines});
 }

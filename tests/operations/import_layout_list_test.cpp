@@ -90,11 +90,11 @@ TEST_F(ImportListTest, SaysWhichDrawingsCannotBeReadAndThenWhichAreEmpty)
     EXPECT_EQ(shown(list), (Lines{"Level 1 x", "Level 2 x"})) << "the others are listed";
     EXPECT_EQ(messages.numbers(), (Numbers{409, 409, 411}));
     EXPECT_EQ(messages.asked[0].caption, 408);
-    EXPECT_EQ(messages.asked[0].arguments, Paths{path("broken.dwg")});
-    EXPECT_EQ(messages.asked[1].arguments, Paths{path("missing.dwg")});
+    EXPECT_EQ(messages.asked[0].arguments, Paths{TvString(u"\n\t") + path("broken.dwg")});
+    EXPECT_EQ(messages.asked[1].arguments, Paths{TvString(u"\n\t") + path("missing.dwg")});
     EXPECT_EQ(messages.asked[2].caption, 410);
     EXPECT_EQ(messages.asked[2].icon, TvUserMessages::Icon::Warning);
-    EXPECT_EQ(messages.asked[2].arguments, Paths{u"\n\t" + first + u"\n\t" + second});
+    EXPECT_EQ(messages.asked[2].arguments, Paths{TvString(u"\n\t") + first + u"\n\t" + second});
 }
 
 TEST_F(ImportListTest, AFileWithEmptyPaperAloneGivesNoRowAndIsNamedAtTheEnd)
@@ -104,7 +104,7 @@ TEST_F(ImportListTest, AFileWithEmptyPaperAloneGivesNoRowAndIsNamedAtTheEnd)
     list.load(Paths{empty});
     EXPECT_TRUE(list.rows().empty());
     EXPECT_EQ(messages.numbers(), Numbers{411});
-    EXPECT_EQ(messages.asked[0].arguments, Paths{u"\n\t" + empty});
+    EXPECT_EQ(messages.asked[0].arguments, Paths{TvString(u"\n\t") + empty});
 }
 
 TEST_F(ImportListTest, NamesThatAreAskedForAreTickedAloneByTheirExactLetters)
