@@ -10,8 +10,6 @@ namespace db {
 
 namespace {
 
-constexpr int kMostOfOneRule = 100;
-
 TvString countText(std::size_t count)
 {
     return TvString(std::to_string(count));
@@ -64,17 +62,19 @@ std::vector<DrawingFinding> DrawingAuditor::run()
 void DrawingAuditor::add(DrawingRule rule, AuditSeverity severity, std::uint64_t handle,
                          std::vector<TvString> arguments, base::Status status)
 {
-    if (++m_told[static_cast<int>(rule)] <= kMostOfOneRule)
+    const int number = ++m_told[static_cast<int>(rule)];
+    if (m_options.mostOfOneRule == 0 || number <= m_options.mostOfOneRule)
         m_findings.push_back({rule, severity, handle, std::move(arguments), std::move(status), {}});
 }
 
 std::vector<DrawingFinding> DrawingAuditor::sorted()
 {
+    const int most = m_options.mostOfOneRule;
     for (const auto& [rule, count] : std::map(m_told))
-        if (count > kMostOfOneRule)
+        if (most != 0 && count > most)
             add(DrawingRule::MoreOfTheSame, AuditSeverity::Note, 0,
                 {auditCode(static_cast<DrawingRule>(rule)),
-                 countText(static_cast<std::size_t>(count - kMostOfOneRule))});
+                 countText(static_cast<std::size_t>(count - most))});
     for (DrawingFinding& finding : m_findings)
         finding.className = classOf(finding.handle);
     std::stable_sort(m_findings.begin(), m_findings.end(),

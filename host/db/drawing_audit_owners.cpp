@@ -33,19 +33,6 @@ void appendIfAny(std::vector<std::uint64_t>& list, std::uint64_t handle)
         list.push_back(handle);
 }
 
-bool isDictionary(std::string_view className)
-{
-    return className == "DICTIONARY" || className == "ACDBDICTIONARYWDFLT" ||
-           className == "DICTIONARYWDFLT";
-}
-
-/// The class of the records that a table lists.
-std::string recordClassOf(std::string_view control)
-{
-    const std::string name(control.substr(0, control.rfind("_CONTROL")));
-    return name == "BLOCK" ? "BLOCK_HEADER" : name;
-}
-
 /// Names that several records may have: those of paper spaces and of blocks that programs made are
 /// stored without their numbers, shape files have none, and several viewports are the active one.
 bool mayRepeat(std::string_view control, std::u16string_view name)
@@ -55,6 +42,18 @@ bool mayRepeat(std::string_view control, std::u16string_view name)
 }
 
 } // namespace
+
+bool isDictionary(std::string_view className)
+{
+    return className == "DICTIONARY" || className == "ACDBDICTIONARYWDFLT" ||
+           className == "DICTIONARYWDFLT";
+}
+
+std::string recordClassOf(std::string_view control)
+{
+    const std::string name(control.substr(0, control.rfind("_CONTROL")));
+    return name == "BLOCK" ? "BLOCK_HEADER" : name;
+}
 
 // --- what is listed
 

@@ -6,18 +6,6 @@ namespace db {
 
 namespace {
 
-struct RequiredTable {
-    const char* variable; ///< of the header, that leads to it
-    const char* className;
-};
-constexpr RequiredTable kTables[] = {
-    {"BLOCKCTL", "BLOCK_CONTROL"},       {"LAYERCTL", "LAYER_CONTROL"},
-    {"STYLECTL", "STYLE_CONTROL"},       {"LTYPECTL", "LTYPE_CONTROL"},
-    {"VIEWCTL", "VIEW_CONTROL"},         {"UCSCTL", "UCS_CONTROL"},
-    {"VPORTCTL", "VPORT_CONTROL"},       {"APPIDCTL", "APPID_CONTROL"},
-    {"DIMSTYLECTL", "DIMSTYLE_CONTROL"},
-};
-
 /// The data that a drawing keeps of its sheet set, and its entries with their group codes.
 constexpr char16_t kSheetData[] = u"AcSheetSetData";
 struct SheetDataEntry {
@@ -45,7 +33,7 @@ bool hasItem(const Record& record, int code, std::u16string& text)
 
 void DrawingAuditor::checkRequired()
 {
-    for (const RequiredTable& table : kTables)
+    for (const RequiredTable& table : kRequiredTables)
         if (!isOfClass(m_impl.header().handle(table.variable), table.className))
             add(DrawingRule::TableMissing, AuditSeverity::Error, 0,
                 {TvString(std::string_view(table.className))});

@@ -34,6 +34,22 @@ struct AuditedObject {
     bool hasLinks = false;
 };
 
+bool isDictionary(std::string_view className);
+/// The class of the records that a table lists.
+std::string recordClassOf(std::string_view control);
+
+struct RequiredTable {
+    const char* variable; ///< of the header, that leads to it
+    const char* className;
+};
+inline constexpr RequiredTable kRequiredTables[] = {
+    {"BLOCKCTL", "BLOCK_CONTROL"},       {"LAYERCTL", "LAYER_CONTROL"},
+    {"STYLECTL", "STYLE_CONTROL"},       {"LTYPECTL", "LTYPE_CONTROL"},
+    {"VIEWCTL", "VIEW_CONTROL"},         {"UCSCTL", "UCS_CONTROL"},
+    {"VPORTCTL", "VPORT_CONTROL"},       {"APPIDCTL", "APPID_CONTROL"},
+    {"DIMSTYLECTL", "DIMSTYLE_CONTROL"},
+};
+
 /// One audit: reads every object once (drawing_audit.cpp), then holds them against each other.
 class DrawingAuditor
 {
@@ -45,6 +61,7 @@ public:
     std::vector<DrawingFinding> run();
 
 private:
+    friend class DrawingRepairer; // works on what was gathered
     struct Layout {
         std::uint64_t handle = 0, block = 0;
         TvString name;

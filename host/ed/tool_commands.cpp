@@ -60,17 +60,22 @@ void runAudit()
     const std::optional<bool> wantsFix = askYesNo(Wording::AskAuditFix, false);
     if (!wantsFix)
         return;
+    db::DrawingRepair repair;
+    if (*wantsFix)
+        repair = db::repairDrawing(*database);
+    else
+        repair.findings = db::auditDrawing(*database);
     int counts[3] = {};
-    for (const db::DrawingFinding& finding : db::auditDrawing(*database)) {
+    for (const db::DrawingFinding& finding : repair.findings) {
         ++counts[static_cast<int>(finding.severity)];
-        say(Wording::AuditRow,
+        say(finding.isFixed ? Wording::AuditRowFixed : Wording::AuditRow,
             {db::auditCode(finding.rule),
              finding.handle ? base::hexText(finding.handle) : TvString(), wordsOf(finding)});
     }
     say(Wording::AuditCounts,
         {numberText(counts[0]), numberText(counts[1]), numberText(counts[2])});
     if (*wantsFix)
-        say(Wording::AuditNoFix);
+        say(Wording::AuditFixed, {numberText(repair.fixed), numberText(repair.left)});
 }
 
 void runScriptCommand()

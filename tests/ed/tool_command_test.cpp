@@ -46,12 +46,23 @@ TEST_F(ToolCommandTest, AuditTellsItsFindingsAndHowMany)
         TvDbObjectId id = db::layoutsInTabOrder(drawing())[2];
         TvDbObjectPointer<TvDbLayout>(id, TvDb::kForWrite)->setTabOrder(1);
     }
+    type(u"AUDIT N\n");
+    ASSERT_EQ(told().size(), 2u);
+    const auto places = [this] {
+        std::vector<int> orders;
+        for (const TvDbObjectId id : db::layoutsInTabOrder(drawing()))
+            orders.push_back(TvDbObjectPointer<TvDbLayout>(id)->getTabOrder());
+        return orders;
+    };
     type(u"AUDIT Yes\n");
     const Names lines = told();
     ASSERT_EQ(lines.size(), 3u);
-    EXPECT_TRUE(lines[0].starts_with("say 23243 D32 ")) << lines[0];
+    EXPECT_TRUE(lines[0].starts_with("say 23249 D32 ")) << lines[0];
     EXPECT_NE(lines[0].find("Layout1"), std::string::npos) << lines[0];
-    EXPECT_EQ(lines[2], "say 23242");
+    EXPECT_EQ(lines[2], "say 23244 1 0");
+    EXPECT_EQ(places(), (std::vector{0, 1, 2}));
+    type(u"U\n");
+    EXPECT_EQ(places(), (std::vector{0, 1, 1})) << "one step";
 }
 
 TEST_F(ToolCommandTest, HelpAsksTheProgramAndElseTellsWhatItKnows)

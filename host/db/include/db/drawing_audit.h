@@ -70,19 +70,43 @@ struct DrawingFinding {
     std::vector<TvString> arguments;
     base::Status status;   ///< Of rules that tell one.
     std::string className; ///< Of the object, where it is known.
+    bool isFixed = false;  ///< A repair has put it right.
 };
 
 struct DrawingAuditOptions {
     /// Also tries, in memory, whether the drawing could be saved as it is.
     bool trySave = false;
+    /// Of one rule no more findings are told than that, but how many more there are; 0: all.
+    int mostOfOneRule = 100;
 };
 
 /// Looks through a whole drawing, as it is in memory, for what its reader lets pass.
 ///
 /// Repairs nothing. Reads every object once without keeping it; memory and time grow with the
-/// number of objects. Of one rule at most 100 findings are told, and how many more there are.
+/// number of objects.
 /// @return errors, warnings, notes, each in the order of the handles.
 std::vector<DrawingFinding> auditDrawing(TvDbDatabase& database,
                                          const DrawingAuditOptions& options = {});
+
+/// What a repair found and did.
+struct DrawingRepair {
+    /// All that was found, in the order of an audit; what is fixed says so. Of one rule at most 100
+    /// of each kind are told, and how many more there are.
+    std::vector<DrawingFinding> findings;
+    int fixed = 0; ///< Findings that are no more; also those that are not told.
+    int left = 0;  ///< Findings that nobody could put right without losing something.
+};
+
+/// Puts right what an audit finds, as far as nothing is lost by it.
+///
+/// Lists and those that they name are made to agree, references that lead nowhere are taken out or
+/// lead to the drawing's own style, layer or linetype, what nobody lists gets into the list where
+/// it belongs, what has a name twice gets another. Entities of a block that is gone come into a
+/// block of their own, "Recovered-" and the old one's handle. What only its maker could understand
+/// stays as it is. Objects that no finding is about are not changed. Belongs to the undo step that
+/// runs; only chains of entities that were completed stay so, since nothing of the drawing went
+/// through that but what could not be reached before.
+/// @note  Audits the drawing a few times; grows with the number of objects.
+DrawingRepair repairDrawing(TvDbDatabase& database);
 
 } // namespace db
