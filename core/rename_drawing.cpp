@@ -30,12 +30,21 @@ bool move(const TvString& oldPath, const TvString& newPath)
     return isMoved;
 }
 
+/// All of them, or none: those that follow already go back when one cannot.
 bool repoint(const std::vector<TvSmSheet*>& sheets, const TvString& path)
 {
-    return std::ranges::all_of(sheets, [&](TvSmSheet* sheet) {
+    std::vector<std::pair<TvSmTvDbLayoutReference*, TvString>> former;
+    for (const TvSmSheet* sheet : sheets) {
         TvSmTvDbLayoutReference* layout = sheet->getLayoutReference();
-        return layout && layout->setFileName(path);
-    });
+        const TvString before = layout ? layout->getFileName() : TvString();
+        if (!layout || !layout->setFileName(path)) {
+            for (const auto& [reference, name] : former)
+                reference->setFileName(name);
+            return false;
+        }
+        former.emplace_back(layout, before);
+    }
+    return true;
 }
 
 } // namespace

@@ -19,3 +19,9 @@ void setProgramControl(ProgramControl* control)
 }
 
 } // namespace ed
+
+void tarvUpdateLayoutBar(TvApDocument* document)
+{
+    if (ed::ProgramControl* program = ed::programControl(); program && document)
+        program->layoutsChanged(*document);
+}

@@ -2,6 +2,8 @@
 
 #include <base/tv_string.h>
 
+class TvApDocument;
+
 namespace ed {
 
 /// What commands ask of the program around them. Supplied by it.
@@ -16,6 +18,8 @@ public:
     virtual bool showHelp(const TvString& topic) = 0;
     /// The list of recent files has changed (recentFiles()).
     virtual void recentFilesChanged() = 0;
+    /// Layouts of a document were renamed by other means than a command: its tabs are drawn anew.
+    virtual void layoutsChanged(TvApDocument& /*document*/) {}
 };
 
 /// Closes all documents, after the user was asked about each that has changes. First all are asked
@@ -30,3 +34,6 @@ ProgramControl* programControl();
 void setProgramControl(ProgramControl* control);
 
 } // namespace ed
+
+/// Has the tabs of a document's layouts drawn anew, where there are some. Null is harmless.
+void tarvUpdateLayoutBar(TvApDocument* document);

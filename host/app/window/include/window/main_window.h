@@ -59,6 +59,7 @@ public:
     void quit() override;
     bool showHelp(const TvString& topic) override;
     void recentFilesChanged() override;
+    void layoutsChanged(TvApDocument&) override { m_soon.start(); }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
