@@ -1,8 +1,9 @@
 #include "module/exports.h"
 
+#include <core/inspector_style.h>
+#include <core/publish_options_dialog.h>
 #include <core/session.h>
 #include <core/sheet_data.h>
-#include <ed/system_variables.h>
 #include <rx/resource_module.h>
 #include <sm/kv_db_util.h>
 #include <sm/tv_sm_view_category.h>
@@ -10,24 +11,6 @@
 #include "module/kv_sheet_set_app.h"
 #include "module/palette_host.h"
 #include "module/tarv_sheet_set_cuix_manager.h"
-
-namespace {
-
-/// While it lives, the property inspector draws itself as dialogs show it.
-class InspectorStyle
-{
-public:
-    InspectorStyle() { set(kInDialog); }
-    ~InspectorStyle() { set(kUsual); }
-    InspectorStyle(const InspectorStyle&) = delete;
-    InspectorStyle& operator=(const InspectorStyle&) = delete;
-
-private:
-    static constexpr std::int16_t kUsual = 0, kInDialog = 2;
-    static void set(std::int16_t style) { ed::setVariable(u"_KV_INSPECTORCONTROLSTYLES", style); }
-};
-
-} // namespace
 
 int tvrxEntryPoint(int message, void* appId)
 {
@@ -66,11 +49,12 @@ void ShowEditTocDialog(void* /*parent*/, const TvDbObjectId* /*tableId*/)
     const rx::ResourceContext ours(rx::sheetSetResourceName());
 }
 
-void KvCmd_DWFPublishOption(void* /*parent*/, TvSmDatabase* /*database*/,
-                            TvSmPublishOptions* /*options*/)
+void KvCmd_DWFPublishOption(void* parent, TvSmDatabase* database, TvSmPublishOptions* options)
 {
     const rx::ResourceContext ours(rx::sheetSetResourceName());
-    const InspectorStyle style;
+    const core::InspectorStyle style;
+    if (core::publishOptionsDialog() && database && options)
+        core::publishOptionsDialog()(parent, *database, *options);
 }
 
 void KvCmd_GetViewCategoryFromCurSheetSet(std::vector<TvString>* out)

@@ -130,7 +130,10 @@ bool PanelCommands::run(int id)
     switch (m_menus.dynamicOf(id)) {
     case PanelMenus::Dynamic::Selection: applySelection(m_menus.selectionOf(id)); return true;
     case PanelMenus::Dynamic::PageSetup:
-        core::sayNotAvailableYet(shortText(kPageSetups));
+        if (m_pageSetup)
+            m_pageSetup(m_page, m_menus.pageSetupOf(id));
+        else
+            core::sayNotAvailableYet(shortText(kPageSetups));
         return true;
     case PanelMenus::Dynamic::Nothing: break;
     }

@@ -78,6 +78,9 @@ ed::Menu PanelMenus::publishFor(const TreeItem& item)
     m_reverseOrder = isSet(kReverseKey);
     m_stamp = isSet(kStampKey);
     const SheetTree& tree = m_page.tree();
+    m_pageSetupNames.clear();
+    if (m_pageSetups && tree.database())
+        m_pageSetupNames = m_pageSetups(*tree.database());
     const TvSmComponent* object = tree.GetComponent(&item);
     const auto* sheet = tvrxCast<TvSmSheet>(object);
     PublishFacts facts;
@@ -147,6 +150,13 @@ TvString PanelMenus::selectionOf(int id) const
 {
     return dynamicOf(id) == Dynamic::Selection
                ? m_selectionSets[static_cast<std::size_t>(id - kFirstDynamic)]
+               : TvString();
+}
+
+TvString PanelMenus::pageSetupOf(int id) const
+{
+    return dynamicOf(id) == Dynamic::PageSetup
+               ? m_pageSetupNames[static_cast<std::size_t>(id - kFirstDynamic)]
                : TvString();
 }
 

@@ -5,6 +5,7 @@
 
 #include <core/session.h>
 #include <ed/palette_set.h>
+#include <resources/texts.h>
 #include <ui/qt_text.h>
 #include <ui/theme.h>
 
@@ -22,15 +23,15 @@ constexpr int kFollowingSet[] = {Dlg::kPublish, Dlg::kPublishMenu, Dlg::kSelecti
                                  Dlg::kRefresh, Dlg::kTips,        Dlg::kExpand};
 
 // Texts.
-constexpr int kPublishTip = 424, kSelectionsTip = 425;
+constexpr int kFormatTip = 423, kPublishTip = 424, kSelectionsTip = 425;
 constexpr int kCollapseTip = 568, kExpandTip = 569, kTipsOnTip = 570, kTipsOffTip = 571;
 constexpr int kRefreshTip = 572;
 
 struct Format {
     const char16_t* icon;
-    int tip;
+    int name;
 };
-constexpr Format kFormats[] = {{u"publish", 429}, {u"publish", 430}, {u"publish-pdf", 431}};
+constexpr Format kFormats[] = {{u"publish", 426}, {u"publish", 427}, {u"publish-pdf", 428}};
 
 } // namespace
 
@@ -257,7 +258,8 @@ void CSheetSetDlg::showPublishFormat(int format)
     if (!button || format < 1 || format > static_cast<int>(std::size(kFormats)))
         return;
     const Format& row = kFormats[format - 1];
-    button->setLook(row.icon, ui::textOf(row.tip));
+    const TvString tip = TvString().format(text::find(kFormatTip), text::find(row.name));
+    button->setLook(row.icon, ui::toQt(tip));
 }
 
 void CSheetSetDlg::enableControls(bool enabled)

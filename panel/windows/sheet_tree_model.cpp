@@ -76,8 +76,29 @@ QVariant SheetTreeModel::data(const QModelIndex& index, int role) const
     switch (role) {
     case Qt::DisplayRole: return ui::toQt(m_tree.labelOf(*item));
     case Qt::DecorationRole: return m_images[static_cast<std::size_t>(item->image())];
+    case Qt::CheckStateRole:
+        if (isChecked)
+            return isChecked(*item) ? Qt::Checked : Qt::Unchecked;
+        return {};
     default: return {};
     }
+}
+
+bool SheetTreeModel::setData(const QModelIndex& index, const QVariant&, int role)
+{
+    const TreeItem* item = itemAt(index);
+    if (!item || role != Qt::CheckStateRole || !onCheck)
+        return false;
+    onCheck(*item);
+    if (onChanged)
+        onChanged();
+    return true;
+}
+
+Qt::ItemFlags SheetTreeModel::flags(const QModelIndex& index) const
+{
+    const Qt::ItemFlags usual = QAbstractItemModel::flags(index);
+    return isChecked && index.isValid() ? usual | Qt::ItemIsUserCheckable : usual;
 }
 
 void SheetTreeModel::wasReset()

@@ -24,7 +24,8 @@ TVRX_EXPORT bool IsInSheetSet();
 TVRX_EXPORT void ImportLayoutAsSheet(const TvString* name, const std::vector<TvString>* layouts);
 /// Edits a sheet list table. No table is one yet: nothing is shown.
 TVRX_EXPORT void ShowEditTocDialog(void* parent, const TvDbObjectId* tableId);
-/// Shows the publish options; nothing while there is no such dialog.
+/// Shows the publish options; nothing in a process without windows, and for null. Locks nothing.
+/// @param parent  the window in front of which it stands; null: the program's.
 TVRX_EXPORT void KvCmd_DWFPublishOption(void* parent, TvSmDatabase* database,
                                         TvSmPublishOptions* options);
 /// Adds the names of the view categories of the open set that the current drawing names.

@@ -41,6 +41,10 @@ public:
 
     /// Takes the place of what the command did before.
     void setHandler(int id, Handler handler);
+    /// What publishing with a page setup does.
+    using PageSetupHandler = std::function<void(SheetListPage& page, const TvString& name)>;
+    void setPageSetupHandler(PageSetupHandler handler) { m_pageSetup = std::move(handler); }
+    PanelMenus& menus() { return m_menus; }
     /// @return false for a number that is no command here; the default handler gets it.
     bool run(int id);
     /// Of an item that was hit, or null. @return whether that was all: the tree must not open or
@@ -71,6 +75,7 @@ private:
     PanelMenus& m_menus;
     PanelProgram& m_program;
     std::map<int, Handler> m_handlers;
+    PageSetupHandler m_pageSetup;
 };
 
 } // namespace panel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include <ed/menu.h>
@@ -113,10 +114,17 @@ public:
     Dynamic dynamicOf(int id) const;
     /// The handle of the selection behind that number; empty when it is none.
     TvString selectionOf(int id) const;
+    /// The name of the page setup behind that number; empty when it is none.
+    TvString pageSetupOf(int id) const;
 
     /// The selections of the menu as it was made last, in its order, by handle.
     const std::vector<TvString>& selectionSets() const { return m_selectionSets; }
+    /// The page setups of the publish menu as it was made last.
     const std::vector<TvString>& pageSetupNames() const { return m_pageSetupNames; }
+    /// Who knows the page setups of a set, in the order in which they are shown; asked each time a
+    /// publish menu is made. Empty: there are none.
+    using PageSetups = std::function<std::vector<TvString>(const TvSmDatabase& database)>;
+    void setPageSetups(PageSetups source) { m_pageSetups = std::move(source); }
     bool reverseOrder() const { return m_reverseOrder; }
     bool stamp() const { return m_stamp; }
     /// Each turns the mark over, and keeps it in the settings.
@@ -127,6 +135,7 @@ private:
     ed::Menu publishFor(const TreeItem& item);
 
     SheetListPage& m_page;
+    PageSetups m_pageSetups;
     std::vector<TvString> m_selectionSets; // handles: the set may be loaded anew in between
     std::vector<TvString> m_pageSetupNames;
     bool m_reverseOrder = false;

@@ -50,6 +50,7 @@ public:
     panel::TreeTips* tips() { return m_tips.get(); }
 
 protected:
+    panel::SheetTreeModel& shownItems() { return m_model; }
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;

@@ -34,6 +34,10 @@ public:
     std::function<void()> onReset;
     /// Rows came below @p parent, both included.
     std::function<void(const TreeItem& parent, int first, int last)> onInserted;
+    /// Whether an item's check box is marked; an empty function: there are no check boxes.
+    std::function<bool(const TreeItem& item)> isChecked;
+    /// The user wants the other state of an item's check box. Marks are painted anew behind it.
+    std::function<void(const TreeItem& item)> onCheck;
 
     // QAbstractItemModel
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
@@ -42,6 +46,8 @@ public:
     int columnCount(const QModelIndex& parent = {}) const override;
     bool hasChildren(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
+    bool setData(const QModelIndex& index, const QVariant& value, int role) override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 private:
     void aboutToReset() override { beginResetModel(); }
