@@ -64,6 +64,11 @@ bool SortDirections::turn(int column)
     return m_isAscending[column] = !m_isAscending[column];
 }
 
+bool SortDirections::isAscending(int column) const
+{
+    return column >= 0 && column < ImportLayoutList::kColumns && m_isAscending[column];
+}
+
 ImportSettings ImportSettings::read()
 {
     ImportSettings settings;

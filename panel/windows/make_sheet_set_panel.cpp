@@ -1,8 +1,8 @@
 #include <QApplication>
 #include <QPointer>
 
-#include <core/not_available_yet.h>
 #include <core/session.h>
+#include <panel/import_layouts.h>
 #include <panel_windows/sheet_set_dlg.h>
 #include <panel_windows/sheet_set_palette_set.h>
 #include <ui/main_frame.h>
@@ -30,10 +30,11 @@ public:
     }
     void setPollTime(short seconds) override { page().statusTimer().SetPollTime(seconds); }
     void setSheetStatusMode(short mode) override { page().statusTimer().SetSheetStatusMode(mode); }
-    void importLayoutsAsSheets(const TvString&, const std::vector<TvString>&) override
+    void importLayoutsAsSheets(const TvString& drawing,
+                               const std::vector<TvString>& layouts) override
     {
-        const TvString text(commandText(kImportLayout));
-        core::sayNotAvailableYet(text.endsWithNoCase(u"...") ? text.left(text.length() - 3) : text);
+        importLayouts(page(), m_set->sheetList().page().commands().GetInsertionPlace(), drawing,
+                      layouts);
     }
 
 private:

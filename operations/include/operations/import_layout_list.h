@@ -18,6 +18,8 @@ public:
     /// Turns the column's direction, which begins as descending.
     /// @return whether it is ascending now. False for what is no column.
     bool turn(int column);
+    /// As it was turned last; false for what is no column.
+    bool isAscending(int column) const;
 
 private:
     bool m_isAscending[3] = {};
