@@ -47,6 +47,9 @@ void setFullName(TvDbObjectId block, const TvString& name)
         return;
     if (db::QuietEdit edit(record->blockBeginId()); edit)
         edit->setText("name", name.view());
+    // New drawings keep the number in the record, too.
+    if (db::QuietEdit edit(block); edit)
+        edit->setText("name", db::storedBlockName(name.view()));
 }
 
 TvString nameOf(TvDbObjectId block)

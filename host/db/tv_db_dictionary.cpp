@@ -198,12 +198,14 @@ TvStatusCode TvDbDictionary::setName(const TvString& oldName, const TvString& ne
     if (index < 0)
         return TvStatus::KeyNotFound;
     const int taken = find(newName.view());
-    if (taken >= 0 && taken != index)
+    if (taken != index && has(newName))
         return TvStatus::DuplicateName;
     db::RecordEditor editor = edit();
     db::ArrayEditor keys = editor.array("keys");
     if (!keys.setText(static_cast<std::uint32_t>(index), newName.view()))
         return TvStatus::NotUnderstood;
+    if (taken >= 0 && taken != index)
+        keys.erase(static_cast<std::uint32_t>(taken)); // of an erased one, which needs no name
     m_isIndexed = false;
     return TvStatus::Ok;
 }

@@ -269,6 +269,34 @@ TEST_P(LayoutTest, ErasedOneGoesWithItsBlockAndTheTabsCloseUp)
     EXPECT_EQ(read->objectIds().size(), drawing->objectIds().size());
 }
 
+TEST_P(LayoutTest, MayTakeTheNameOfAnErasedOne)
+{
+    const TvDbObjectId second = add(u"Second"), third = add(u"Third");
+    ASSERT_EQ(erase(third), TvStatus::Ok);
+    EXPECT_EQ(TvDbObjectPointer<TvDbLayout>(second, TvDb::kForWrite)->setLayoutName(u"Third"),
+              TvStatus::Ok);
+    EXPECT_EQ(layoutNamed(*drawing, u"Third"), second);
+    EXPECT_TRUE(layoutNamed(*drawing, u"Second").isNull());
+    const auto again = savedAndRead(*drawing);
+    EXPECT_EQ(names(*again), (Names{"Model", "Layout1", "Third"}));
+}
+
+TEST(NewDrawing, AnyOfItsLayoutsMayBeTheLastAndItsBlockIsThePaperSpaceThen)
+{
+    for (const TvChar* kept : {u"Layout1", u"Layout2"}) {
+        TvDbDatabase drawing(true, true);
+        for (const TvDbObjectId id : db::layoutsInTabOrder(drawing)) {
+            TvDbObjectPointer<TvDbLayout> layout(id, TvDb::kForWrite);
+            if (!layout->isModelLayout() && layout->getLayoutName() != kept) {
+                EXPECT_EQ(layout->erase(), TvStatus::Ok);
+            }
+        }
+        const TvDbObjectPointer<TvDbBlockTableRecord> block(drawing.paperSpaceId());
+        EXPECT_EQ(block->getName().utf8(), "*Paper_Space");
+        EXPECT_EQ(TvDbObjectPointer<TvDbLayout>(block->getLayoutId())->getLayoutName(), kept);
+    }
+}
+
 TEST_P(LayoutTest, ErasedOneComesBackWithItsTab)
 {
     const TvDbObjectId second = add(u"Second");
