@@ -39,11 +39,20 @@ base::Status DatabaseImpl::take(std::unique_ptr<DrawingFile> file)
 
 ObjectSlot* DatabaseImpl::find(std::uint64_t handle) const
 {
+    // Mostly the one behind the last.
+    const std::size_t next = m_lastFound.load(std::memory_order_relaxed) + 1;
+    if (next < m_stored.size() && m_stored[next].handle == handle) {
+        m_lastFound.store(next, std::memory_order_relaxed);
+        return const_cast<ObjectSlot*>(&m_stored[next]);
+    }
     const auto at = std::lower_bound(
         m_stored.begin(), m_stored.end(), handle,
         [](const ObjectSlot& slot, std::uint64_t wanted) { return slot.handle < wanted; });
-    if (at != m_stored.end() && at->handle == handle)
+    if (at != m_stored.end() && at->handle == handle) {
+        m_lastFound.store(static_cast<std::size_t>(at - m_stored.begin()),
+                          std::memory_order_relaxed);
         return const_cast<ObjectSlot*>(&*at);
+    }
     const auto added = m_addedByHandle.find(handle);
     return added == m_addedByHandle.end() ? nullptr : added->second;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <deque>
 #include <map>
 #include <optional>
@@ -119,7 +120,8 @@ private:
     std::unique_ptr<DrawingFile> m_file;
     Version m_version = Version::Ac1032;
     std::vector<ObjectSlot> m_stored; // by handle, as the file has them; never resized
-    std::deque<ObjectSlot> m_added;   // at one address each
+    mutable std::atomic<std::size_t> m_lastFound{0}; // in m_stored; only a guess
+    std::deque<ObjectSlot> m_added;                  // at one address each
     std::unordered_map<std::uint64_t, ObjectSlot*> m_addedByHandle;
     std::vector<ObjectSlot*> m_touched;
     std::uint64_t m_handseed = 1;

@@ -10,6 +10,8 @@ constexpr double kNearZAxis = 1.0 / 64;
 
 TvGeMatrix3d ocsToWcs(const TvGeVector3d& normal)
 {
+    if (normal.x == 0 && normal.y == 0 && normal.z > 0) // as most are
+        return {};
     if (normal.isZeroLength() || !std::isfinite(normal.length()))
         return {};
     const TvGeVector3d n = normal.normal();

@@ -169,7 +169,7 @@ void multileader(Scene& scene, const TvDbEntity& entity)
     scene.look() = own;
     if (self.hasText()) {
         part.use(fields.structure("text_color"), own);
-        drawTextShape(scene, shapeOf(self, scene.fonts()));
+        drawTextShape(scene, textShape(self, scene.textTools()));
         scene.look() = own;
     }
     if (context.flag("has_block")) {

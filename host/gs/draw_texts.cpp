@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include <db/tv_db_text.h>
-#include <gs/text_shape.h>
 
 #include "text_drawing.h"
 
@@ -15,17 +14,18 @@ constexpr std::uint8_t kLettersCover = 100; // of 255, of the line they stand in
 constexpr double kMidHeight = 0.7;          // of small letters, by that of capitals
 
 /// What is seen of letters that are too small to read: a bar for each piece of text.
-SpacePath barsOf(const TextShape& shape)
+void addBars(const TextShape& shape, SpacePath& bars)
 {
-    SpacePath bars;
     for (const TextRun& run : shape.runs) {
         const TvGeVector2d along = run.direction * run.width,
                            up = run.direction.perpVector() * (run.height * kMidHeight);
         const auto corner = [](const TvGePoint2d& p) { return TvGePoint3d(p.x, p.y, 0); };
-        bars.polygon({corner(run.origin), corner(run.origin + along),
-                      corner(run.origin + along + up), corner(run.origin + up)});
+        bars.moveTo(corner(run.origin));
+        bars.lineTo(corner(run.origin + along));
+        bars.lineTo(corner(run.origin + along + up));
+        bars.lineTo(corner(run.origin + up));
+        bars.close();
     }
-    return bars;
 }
 
 double heightOf(const TextShape& shape)
@@ -78,14 +78,20 @@ void drawTextShape(Scene& scene, const TextShape& shape)
         return;
     if (shape.background)
         addBackground(scene, *shape.background, shape.placement);
-    SpacePath bars = barsOf(shape);
+    SpacePath& bars = scene.path();
+    addBars(shape, bars);
+    const TvGeMatrix3d map = scene.placed(shape.placement);
+    const auto detail = static_cast<float>(heightOf(shape) * flatScale(map));
     for (const TextPart& part : shape.parts) {
         ItemLook look = scene.itemLook();
         look.kind = part.isFilled ? Item::Kind::Fill : Item::Kind::Stroke;
         look.color = scene.colorOf(part.color);
-        look.detail = static_cast<float>(heightOf(shape) * scene.scaleOf(shape.placement));
+        look.detail = detail;
         look.coarseAlpha = kLettersCover;
-        scene.add(look, part.path, shape.placement, &bars);
+        if (part.rows.empty())
+            scene.writer().add(look, part.path, map, &bars);
+        else
+            scene.writer().addLetters(look, shape, part, map, &bars);
         if (&part == &shape.parts.front() && !bars.isEmpty()) {
             // Once for all parts: the others then draw nothing.
             bars.clear();
@@ -93,7 +99,7 @@ void drawTextShape(Scene& scene, const TextShape& shape)
         }
     }
     for (const TextRun& run : shape.runs)
-        addRun(scene, run, scene.frame().map * shape.placement);
+        addRun(scene, run, map);
 }
 
 } // namespace gs
@@ -114,33 +120,33 @@ bool isAttributeShown(const Scene& scene, bool isInvisible)
 
 void text(Scene& scene, const TvDbEntity& entity)
 {
-    drawTextShape(scene, shapeOf(static_cast<const TvDbText&>(entity), scene.fonts()));
+    drawTextShape(scene, textShape(static_cast<const TvDbText&>(entity), scene.textTools()));
 }
 
 void attribute(Scene& scene, const TvDbEntity& entity)
 {
     const auto& self = static_cast<const TvDbAttribute&>(entity);
     if (isAttributeShown(scene, self.isInvisible()))
-        drawTextShape(scene, shapeOf(self, scene.fonts()));
+        drawTextShape(scene, textShape(self, scene.textTools()));
 }
 
 void attributeDefinition(Scene& scene, const TvDbEntity& entity)
 {
     const auto& self = static_cast<const TvDbAttributeDefinition&>(entity);
     if (!scene.frame().by) // in no block: it shows which one it is
-        drawTextShape(scene, shapeOf(self, self.tag(), scene.fonts()));
+        drawTextShape(scene, textShape(self, self.tag(), scene.textTools()));
     else if (self.isConstant() && isAttributeShown(scene, self.isInvisible()))
-        drawTextShape(scene, shapeOf(self, scene.fonts()));
+        drawTextShape(scene, textShape(self, scene.textTools()));
 }
 
 void mtext(Scene& scene, const TvDbEntity& entity)
 {
-    drawTextShape(scene, shapeOf(static_cast<const TvDbMText&>(entity), scene.fonts()));
+    drawTextShape(scene, textShape(static_cast<const TvDbMText&>(entity), scene.textTools()));
 }
 
 void tolerance(Scene& scene, const TvDbEntity& entity)
 {
-    drawTextShape(scene, shapeOf(static_cast<const TvDbFcf&>(entity), scene.fonts()));
+    drawTextShape(scene, textShape(static_cast<const TvDbFcf&>(entity), scene.textTools()));
 }
 
 } // namespace gs::draw

@@ -85,6 +85,8 @@ std::optional<PathRange> ListWriter::store(const AnyPath& path, const TvGeMatrix
     return range;
 }
 
+template std::optional<PathRange> ListWriter::store(const Path&, const TvGeMatrix3d&, Box&);
+
 void ListWriter::forget(const PathRange& range)
 {
     m_list.m_verbs.shrinkTo(range.verb);
@@ -125,6 +127,13 @@ void ListWriter::addAny(const ItemLook& look, const AnyPath& path, const TvGeMat
         forget(*range);
         return;
     }
+    item.path = *range;
+    put(look, item, map, coarse);
+}
+
+void ListWriter::put(const ItemLook& look, Item item, const TvGeMatrix3d& map,
+                     const SpacePath* coarse)
+{
     item.kind = look.kind;
     item.alpha = look.alpha;
     item.color = look.color;
@@ -135,7 +144,6 @@ void ListWriter::addAny(const ItemLook& look, const AnyPath& path, const TvGeMat
     item.layer = look.layer;
     item.clip = look.clip;
     item.handle = look.handle;
-    item.path = *range;
     Box unused;
     if (coarse)
         if (const auto kept = store(*coarse, map, unused); kept)
@@ -226,6 +234,16 @@ void ListWriter::setSheet(const Box& sheet, const Box& printable, double mmPerUn
         m_list.m_mmPerUnit = mmPerUnit;
 }
 
+void ListWriter::expect(std::size_t entities)
+{
+    constexpr std::size_t kFewest = 1000, kPointsOfOne = 8;
+    entities = std::min<std::size_t>(entities, m_limits.items);
+    if (entities < kFewest)
+        return;
+    m_list.m_items.expect(entities + entities / 8);
+    m_list.m_points.expect(entities * kPointsOfOne);
+}
+
 bool ListWriter::mayVisit()
 {
     if (++m_visits > m_limits.visits)
@@ -242,7 +260,7 @@ void ListWriter::finish()
                                       : item.box.common(m_list.m_clips[item.clip].box);
                 !shown.isEmpty())
                 m_list.m_extents.addBox(shown);
-    m_list.buildIndex();
+    m_list.startIndex();
 }
 
 } // namespace gs

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <array>
+#include <unordered_map>
+
 #include <gs/display_list.h>
+#include <gs/text_shape.h>
 
 #include "space_path.h"
 
@@ -35,6 +39,9 @@ public:
              const SpacePath* coarse = nullptr);
     void add(const ItemLook& look, const Path& path, const TvGeMatrix3d& map,
              const SpacePath* coarse = nullptr);
+    /// Adds the part of a text whose letters are kept; @p map leads from the text's plane.
+    void addLetters(const ItemLook& look, const TextShape& shape, const TextPart& part,
+                    const TvGeMatrix3d& map, const SpacePath* coarse);
     /// Adds a marker at @p place (before @p map): @p figure is in parts of the view's height.
     void addMarker(const ItemLook& look, const TvGePoint3d& place, const TvGeMatrix3d& map,
                    const SpacePath& figure);
@@ -52,6 +59,8 @@ public:
     void setShowsLineWeights(bool shows) { m_list.m_showsLineWeights = shows; }
     void setIsPaper() { m_list.m_isPaper = true; }
 
+    /// So many entities are going to be drawn.
+    void expect(std::size_t entities);
     /// Counts a visit of an entity. False when the limits are reached: end quietly.
     bool mayVisit();
     bool isFull() const { return m_list.m_isCut; }
@@ -65,12 +74,23 @@ private:
     template <class AnyPath>
     void addAny(const ItemLook& look, const AnyPath& path, const TvGeMatrix3d& map,
                 const SpacePath* coarse);
+    void put(const ItemLook& look, Item item, const TvGeMatrix3d& map, const SpacePath* coarse);
     void forget(const PathRange& range);
+    std::uint32_t numberOf(const Glyph* letter);
+    /// Puts rows where @p map leads; says what they measure.
+    void addRows(const TextShape& shape, const TextPart& part, const FlatMap& map, Item& item);
+    Box boxOf(const DisplayList::Row& row) const;
     bool isCutAway(std::uint32_t clip, const Box& box) const;
 
     DisplayList& m_list;
     ListLimits m_limits;
     std::uint32_t m_visits = 0;
+    std::unordered_map<const Glyph*, std::uint32_t> m_numbers; // of letters in the list
+    struct Known {
+        const Glyph* letter = nullptr;
+        std::uint32_t number = 0;
+    };
+    std::array<Known, 256> m_lastNumbers; // some of them, by their address
 };
 
 } // namespace gs

@@ -165,8 +165,12 @@ Look Looks::lookOfLayer(TvDbObjectId id) const
 
 const Looks::LayerLook& Looks::layer(std::uint64_t handle) const
 {
-    const auto at = m_byHandle.find(handle);
-    return m_layers[at == m_byHandle.end() ? m_zero : at->second];
+    if (handle != m_lastHandle || handle == 0) {
+        const auto at = m_byHandle.find(handle);
+        m_last = at == m_byHandle.end() ? m_zero : at->second;
+        m_lastHandle = handle;
+    }
+    return m_layers[m_last];
 }
 
 Look Looks::resolve(const db::RecordView& entity, const Look* by) const

@@ -65,6 +65,8 @@ private:
 
     std::vector<LayerLook> m_layers;
     std::unordered_map<std::uint64_t, std::uint32_t> m_byHandle;
+    mutable std::uint64_t m_lastHandle = 0; // of a layer; entities of one layer follow each other
+    mutable std::uint32_t m_last = 0;       // among m_layers
     std::uint32_t m_zero = 0;
     std::uint64_t m_byLayer = 0, m_byBlock = 0, m_continuous = 0; // linetypes
     TvDbDatabase& m_database;

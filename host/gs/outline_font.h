@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -59,6 +60,7 @@ private:
     double m_scale = 0; // from the face's units to heights of capitals
     double m_widthFactor = 1;
     std::unordered_map<char32_t, std::optional<Glyph>> m_made;
+    std::array<const Glyph*, 128> m_usual{}; // of m_made, those that were asked for
 };
 
 } // namespace gs

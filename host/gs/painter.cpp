@@ -308,11 +308,16 @@ void Painter::walk(PathView path, bool isArea, const Line& line) const
         case Path::Verb::Curve: {
             const TvGePoint2d from = at, a = next(), b = next(), to = next();
             const TvGeVector2d chord = to - from;
-            const double bulge = std::max((a - (from + chord * (1.0 / 3))).length(),
-                                          (b - (from + chord * (2.0 / 3))).length());
+            const TvGeVector2d offA = a - (from + chord * (1.0 / 3)),
+                               offB = b - (from + chord * (2.0 / 3));
+            const double bulge2 =
+                std::max(offA.x * offA.x + offA.y * offA.y, offB.x * offB.x + offB.y * offB.y);
             // Chords leave the curve by less than a quarter of a pixel.
-            const int chords = static_cast<int>(
-                std::clamp(std::ceil(std::sqrt(bulge * 3)), 1.0, double(kMostChords)));
+            const int chords =
+                bulge2 * 9 <= 1
+                    ? 1
+                    : static_cast<int>(std::min(std::ceil(std::sqrt(std::sqrt(bulge2) * 3)),
+                                                double(kMostChords)));
             for (int i = 1; i < chords; ++i) {
                 const double t = double(i) / chords, s = 1 - t;
                 const double f = s * s * s, g = 3 * s * s * t, h = 3 * s * t * t, k = t * t * t;
@@ -424,15 +429,15 @@ void Painter::drawCoarse(const Item& item)
 void Painter::strokeItem(const Item& item, const PathRange& range)
 {
     if (m_isRaster && strokeWidth(item) <= kThinnestPixels)
-        strokeThin(item, m_list.path(range));
+        strokeThin(item, pathOf(range));
     else
-        stroke(item, m_list.path(range));
+        stroke(item, pathOf(range));
 }
 
 void Painter::fillItem(const Item& item, const PathRange& range, Item::Kind kind,
                        std::uint8_t alpha)
 {
-    const PathView path = m_list.path(range);
+    const PathView path = pathOf(range);
     // The raster fills what a path winds around; of one loop without crossings it is the same.
     const bool isPlain = kind == Item::Kind::Fill || path.verbs.size() <= kVerbsOfRectangle;
     if (m_isRaster && isPlain &&

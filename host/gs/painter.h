@@ -43,6 +43,7 @@ private:
     void trace(PathView path, const Place& place);
     void trace(PathView path);
     void traceCut(const Path& path);
+    PathView pathOf(const PathRange& range) { return m_list.path(range, m_letters); }
     void stroke(const Item& item, PathView path);
     /// Calls @p line with the ends of each line of a path, curves as chords, in pixels.
     /// @param isArea  every subpath is closed.
@@ -75,6 +76,7 @@ private:
     double m_scale, m_left, m_top;
     Box m_near; // in the list's units
     Raster m_raster;
+    Path m_letters;                            // of the item that is drawn
     bool m_isRaster;                           // may be used with the clip that is set
     std::uint32_t m_clip = Item::kNoClip;      // of the item that is drawn
     std::uint32_t m_cairoClip = Item::kNoClip; // that cairo has

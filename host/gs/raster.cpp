@@ -123,8 +123,12 @@ void Raster::slanted(double from, double to, double across, double slope)
     constexpr double kOne = 65536;
     auto place = static_cast<std::int64_t>((across + (first + 0.5 - from) * slope - 0.5) * kOne);
     const auto step = static_cast<std::int64_t>(slope * kOne);
+    // Of most lines, both ends lie well within.
+    const std::int64_t end = place + step * (last - first);
+    const bool isWithin =
+        (std::min(place, end) >> 16) >= low && (std::max(place, end) >> 16) + 1 < high;
     const auto put = [&](int along, std::int64_t side, std::uint32_t coverage) {
-        if (side >= low && side < high)
+        if (isWithin || (side >= low && side < high))
             blend(IsSteep ? row(along)[side] : row(static_cast<int>(side))[along], coverage);
     };
     for (int along = first; along <= last; ++along, place += step) {
@@ -156,15 +160,20 @@ void Raster::line(const TvGePoint2d& a, const TvGePoint2d& b)
         low = std::max(low, enter), high = std::min(high, leave);
         return low <= high;
     };
-    if (!narrow(a.x, way.x, window.lowX, window.highX) ||
-        !narrow(a.y, way.y, window.lowY, window.highY))
+    const auto isWithin = [&](const TvGePoint2d& point) {
+        return point.x >= window.lowX && point.x <= window.highX && point.y >= window.lowY &&
+               point.y <= window.highY;
+    };
+    if (!(isWithin(a) && isWithin(b)) && (!narrow(a.x, way.x, window.lowX, window.highX) ||
+                                          !narrow(a.y, way.y, window.lowY, window.highY)))
         return;
     // Of lines that come from very far, rounding leaves little.
     const auto within = [&](const TvGePoint2d& point) {
         return TvGePoint2d(std::clamp(point.x, window.lowX, window.highX),
                            std::clamp(point.y, window.lowY, window.highY));
     };
-    TvGePoint2d from = within(a + way * low), to = within(a + way * high);
+    TvGePoint2d from = low > 0 ? within(a + way * low) : a,
+                to = high < 1 ? within(a + way * high) : b;
     const bool isSteep = std::abs(way.y) > std::abs(way.x);
     if (isSteep ? from.y > to.y : from.x > to.x)
         std::swap(from, to);

@@ -1,6 +1,7 @@
 #include "scene.h"
 
 #include <cmath>
+#include <cstring>
 
 #include <db/tv_db_symbol_table.h>
 #include <ge/ocs.h>
@@ -39,7 +40,7 @@ Path flattened(const SpacePath& path)
 } // namespace
 
 Scene::Scene(TvDbDatabase& database, ListWriter& writer)
-    : m_database(database), m_writer(writer), m_looks(database, writer),
+    : m_database(database), m_writer(writer), m_looks(database, writer), m_textTools(fonts(), true),
       m_linetypeScale(database.headerRecord().real("LTSCALE"))
 {
     if (!(m_linetypeScale > 0))
@@ -88,7 +89,10 @@ void Scene::drawBlock(TvDbObjectId block, const Frame& frame)
 {
     if (m_openBlocks.size() >= kDeepest || !m_openBlocks.insert(block).second)
         return;
-    for (const TvDbObjectId id : contentOf(block)) {
+    const std::vector<TvDbObjectId>& content = contentOf(block);
+    if (m_openBlocks.size() == 1)
+        m_writer.expect(content.size());
+    for (const TvDbObjectId id : content) {
         if (m_writer.isFull())
             break;
         drawEntity(id, frame);
@@ -100,7 +104,7 @@ void Scene::drawEntity(TvDbObjectId id, const Frame& frame)
 {
     if (!m_writer.mayVisit())
         return;
-    const TvDbObjectPointer<TvDbEntity> entity(id, TvDb::kForNotify);
+    const db::PassingEntities::Look entity = m_entities.at(id);
     if (!entity || !entity->isVisible())
         return;
     // What is drawn within this one leaves everything as it was.
@@ -114,10 +118,17 @@ void Scene::drawEntity(TvDbObjectId id, const Frame& frame)
     m_frame = outerFrame;
 }
 
+Drawer Scene::drawerOf(const db::ClassDef* of)
+{
+    const auto [at, isNew] = m_drawers.try_emplace(of);
+    if (isNew && of)
+        at->second = drawerFor(of->name());
+    return at->second;
+}
+
 void Scene::drawOpen(const TvDbEntity& entity)
 {
-    const Drawer draw =
-        entity.record().classDef() ? drawerFor(entity.record().classDef()->name()) : nullptr;
+    const Drawer draw = drawerOf(entity.record().classDef());
     if (!draw)
         return;
     m_look = m_looks.resolve(entity.fields(), m_frame->by);
@@ -125,6 +136,14 @@ void Scene::drawOpen(const TvDbEntity& entity)
     if (layer.isFrozen || (m_frame->frozen && (*m_frame->frozen)[m_look.layer]))
         return;
     draw(*this, entity);
+}
+
+TvGeMatrix3d Scene::placed(const TvGeMatrix3d& place) const
+{
+    static const TvGeMatrix3d kNowhere;
+    // Most flat entities lie in the plane of the world.
+    const bool isNowhere = std::memcmp(place.entry, kNowhere.entry, sizeof place.entry) == 0;
+    return isNowhere ? m_frame->map : m_frame->map * place;
 }
 
 ItemLook Scene::itemLook() const
@@ -166,7 +185,7 @@ void Scene::stroke(const TvGeMatrix3d& place, double widthUnits, bool restarts)
     if (keepOutline(place) || !isShown())
         return;
     ItemLook look = itemLook();
-    const TvGeMatrix3d map = m_frame->map * place;
+    const TvGeMatrix3d map = placed(place);
     look.widthUnits = static_cast<float>(widthUnits > 0 ? widthUnits * scaleOf(place) : 0);
     if (m_look.linetype.isNull() || !strokeDashed(look, map, restarts))
         m_writer.add(look, m_path, map);
@@ -201,7 +220,7 @@ bool Scene::strokeDashed(const ItemLook& look, const TvGeMatrix3d& map, bool res
 void Scene::add(const ItemLook& look, const Path& flat, const TvGeMatrix3d& place,
                 const SpacePath* coarse)
 {
-    m_writer.add(look, flat, m_frame->map * place, coarse);
+    m_writer.add(look, flat, placed(place), coarse);
 }
 
 void Scene::fill(const TvGeMatrix3d& place, Item::Kind kind)
@@ -217,7 +236,7 @@ void Scene::add(Item::Kind kind, const TvGeMatrix3d& place, const Color& color, 
     look.kind = kind;
     look.color = color;
     look.detail = static_cast<float>(detail);
-    m_writer.add(look, m_path, m_frame->map * place);
+    m_writer.add(look, m_path, placed(place));
 }
 
 void Scene::addMarker(const TvGePoint3d& place)
@@ -226,11 +245,15 @@ void Scene::addMarker(const TvGePoint3d& place)
         m_writer.addMarker(itemLook(), place, m_frame->map, m_path);
 }
 
-double Scene::scaleOf(const TvGeMatrix3d& place) const
+double flatScale(const TvGeMatrix3d& map)
 {
-    const TvGeMatrix3d map = m_frame->map * place;
     const auto& e = map.entry;
     return std::sqrt(std::abs(e[0][0] * e[1][1] - e[0][1] * e[1][0]));
+}
+
+double Scene::scaleOf(const TvGeMatrix3d& place) const
+{
+    return flatScale(placed(place));
 }
 
 void Scene::insert(TvDbObjectId block, const TvGeMatrix3d& place, std::uint32_t clip)

@@ -3,9 +3,10 @@
 #include <string_view>
 #include <unordered_set>
 
-#include <db/tv_db_entity.h>
+#include <db/passing_entities.h>
 
 #include "looks.h"
+#include "text_tools.h"
 
 namespace gs {
 struct OwnColor;
@@ -17,6 +18,13 @@ class TvDbBlockReference;
 class TvDbViewport;
 
 namespace gs {
+
+class Scene;
+
+/// Draws one kind of entity.
+using Drawer = void (*)(Scene&, const TvDbEntity&);
+/// Null for kinds that have no form.
+Drawer drawerFor(std::string_view className);
 
 /// Walks over the entities of blocks and puts what they draw into a list.
 ///
@@ -78,10 +86,13 @@ public:
     /// What a piece with a colour of its own has.
     Color colorOf(const OwnColor& own) const;
     Fonts& fonts() const;
+    TextTools& textTools() { return m_textTools; }
     /// Whether anything of the entity is to be seen.
     bool isShown() const { return !m_outline && !m_looks.layerAt(m_look.layer).isOff; }
     /// All but the kind, of an item of the entity that is drawn.
     ItemLook itemLook() const;
+    /// From the coordinates that @p place leads from to the list's plane.
+    TvGeMatrix3d placed(const TvGeMatrix3d& place) const;
     /// How many units of the list's plane one unit of the block is, about.
     double scaleOf(const TvGeMatrix3d& place = {}) const;
     /// Draws @p block in the entity's place, moved by @p place.
@@ -98,6 +109,7 @@ private:
     bool strokeDashed(const ItemLook& look, const TvGeMatrix3d& map, bool restarts);
     const LinePattern& patternOf(TvDbObjectId linetype);
     void drawOpen(const TvDbEntity& entity);
+    Drawer drawerOf(const db::ClassDef* of);
     const std::vector<TvDbObjectId>& contentOf(TvDbObjectId block);
 
     static constexpr int kDeepest = 64; // blocks within each other
@@ -105,10 +117,13 @@ private:
     TvDbDatabase& m_database;
     ListWriter& m_writer;
     Looks m_looks;
+    db::PassingEntities m_entities;
+    std::unordered_map<const db::ClassDef*, Drawer> m_drawers;
     std::unordered_map<TvDbObjectId, std::vector<TvDbObjectId>> m_contents;
     std::unordered_set<TvDbObjectId>
         m_openBlocks; // being drawn: they are not drawn within themselves
     std::unordered_map<TvDbObjectId, LinePattern> m_patterns;
+    TextTools m_textTools;
     double m_linetypeScale; // of the drawing
     const Frame* m_frame = nullptr;
     std::uint64_t m_handle = 0;
@@ -118,11 +133,8 @@ private:
     TvDbObjectId m_overall;
 };
 
-/// Draws one kind of entity.
-using Drawer = void (*)(Scene&, const TvDbEntity&);
-/// Null for kinds that have no form.
-Drawer drawerFor(std::string_view className);
-
+/// How many units of the list's plane one unit is, about, where @p map leads to it.
+double flatScale(const TvGeMatrix3d& map);
 /// Where a view from @p direction, turned by @p twist, sees things: x to the right, y upwards.
 TvGeMatrix3d viewAxes(const TvGeVector3d& direction, double twist);
 

@@ -49,7 +49,7 @@ void SpacePath::bow(const TvGePoint3d& center, const TvGeVector3d& u, const TvGe
 void SpacePath::bulgeTo(const TvGePoint2d& from, const TvGePoint2d& to, double bulge,
                         double elevation)
 {
-    const auto arc = ge::bulgeArc(from, to, bulge);
+    const auto arc = bulge == 0 ? std::nullopt : ge::bulgeArc(from, to, bulge);
     if (!arc) {
         lineTo({to.x, to.y, elevation});
         return;

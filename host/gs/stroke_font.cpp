@@ -115,10 +115,15 @@ StrokeFont::StrokeFont(std::span<const StrokeLetter> letters)
 
 const Glyph* StrokeFont::glyph(char32_t character)
 {
+    if (character < m_usual.size() && m_usual[character])
+        return m_usual[character];
     auto found = m_made.find(character);
     if (found == m_made.end())
         found = m_made.emplace(character, make(character)).first;
-    return found->second ? &*found->second : nullptr;
+    const Glyph* const glyph = found->second ? &*found->second : nullptr;
+    if (character < m_usual.size())
+        m_usual[character] = glyph;
+    return glyph;
 }
 
 std::optional<Glyph> StrokeFont::make(char32_t character) const

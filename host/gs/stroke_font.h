@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -33,6 +34,7 @@ private:
 
     std::unordered_map<char32_t, const StrokeLetter*> m_letters;
     std::unordered_map<char32_t, std::optional<Glyph>> m_made;
+    std::array<const Glyph*, 128> m_usual{}; // of m_made, those that were asked for
 };
 
 /// The font that stands in for all stroke fonts.

@@ -1,5 +1,6 @@
 #include "text_codes.h"
 
+#include <algorithm>
 #include <array>
 
 #include <unicode/ucnv.h>
@@ -158,7 +159,15 @@ std::vector<LineCharacter> decodedLine(std::u16string_view text, std::size_t mos
 {
     std::vector<LineCharacter> line;
     LineCharacter state;
+    line.reserve(std::min(text.size(), most));
     while (!text.empty() && line.size() < most) {
+        const char16_t first = text.front();
+        if (first >= u' ' && first < 0xD800 && first != u'%' && first != u'\\') {
+            state.character = first;
+            line.push_back(state);
+            text.remove_prefix(1);
+            continue;
+        }
         if (const auto sign = takePercentCharacter(text)) {
             state.character = *sign;
         } else if (const auto code = takeCharacterCode(text)) {

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <gs/text_shape.h>
-
 #include "scene.h"
+#include "text_tools.h"
 
 namespace gs {
 

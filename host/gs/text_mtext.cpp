@@ -97,14 +97,15 @@ TvGeMatrix3d textPlane(const TvGePoint3d& origin, const TvGeVector3d& direction,
     return TvGeMatrix3d::coordinateSystem(origin, x, z.crossProduct(x), z);
 }
 
-TextShape mtextShape(std::u16string_view contents, const MTextLook& look, Fonts& fonts)
+TextShape mtextShape(std::u16string_view contents, const MTextLook& look, TextTools& tools)
 {
     TextShape shape;
+    shape.keepsLetters = tools.keepsLetters;
     shape.placement = look.placement;
     if (!isDrawableHeight(look.height) || !isSound(look.placement))
         return shape;
     PieceLook letters;
-    letters.letters.font = &fonts.find(look.style.font);
+    letters.letters.font = &tools.fonts.find(look.style.font);
     letters.letters.height = look.height;
     letters.letters.widthFactor = soundFactor(look.style.widthFactor);
     letters.letters.slant = slantOf(look.style.oblique);
@@ -117,8 +118,8 @@ TextShape mtextShape(std::u16string_view contents, const MTextLook& look, Fonts&
     frame.spacing = look.spacing >= 0.01 && look.spacing <= 100 ? look.spacing : 1;
     frame.isExact = look.isExact;
     setColumns(look.columns, look.definedHeight, frame);
-    const ParagraphText text = parsedParagraphs(contents, letters, fonts);
-    TextPen pen(shape, fonts);
+    const ParagraphText text = parsedParagraphs(contents, letters, tools.fonts);
+    TextPen pen(shape, tools.fonts);
     TextSetter setter(text, frame, pen);
     const SetText size = setter.size();
     const double left = -size.width * ((attachment - 1) % 3) / 2;
@@ -130,11 +131,12 @@ TextShape mtextShape(std::u16string_view contents, const MTextLook& look, Fonts&
     return shape;
 }
 
-TextShape mtextShape(const db::RecordView& fields, TvDbDatabase* database, Fonts& fonts,
+TextShape mtextShape(const db::RecordView& fields, TvDbDatabase* database, TextTools& tools,
                      const db::MTextColumns& columns)
 {
     MTextLook look;
-    look.style = textStyleOf(database ? database->find(fields.handle("style")) : TvDbObjectId());
+    look.style =
+        tools.style(database ? database->find(fields.handle("style")) : TvDbObjectId()).style;
     look.height = fields.real("height");
     look.width = fields.real("rect_width");
     look.definedHeight =
@@ -153,21 +155,21 @@ TextShape mtextShape(const db::RecordView& fields, TvDbDatabase* database, Fonts
     look.placement =
         textPlane(db::asPoint(fields.point("ins_pt")), db::asVector(fields.point("x_dir")),
                   db::asVector(fields.point("normal")));
-    return mtextShape(fields.text("text"), look, fonts);
+    return mtextShape(fields.text("text"), look, tools);
 }
 
-TextShape shapeOf(const TvDbMText& text, Fonts& fonts)
+TextShape textShape(const TvDbMText& text, TextTools& tools)
 {
-    return mtextShape(text.fields(), text.database(), fonts, db::mtextColumns(text.record()));
+    return mtextShape(text.fields(), text.database(), tools, db::mtextColumns(text.record()));
 }
 
-TextShape shapeOf(const TvDbMLeader& leader, Fonts& fonts)
+TextShape textShape(const TvDbMLeader& leader, TextTools& tools)
 {
     const db::RecordView fields = leader.fields().structure("ctx");
     if (!fields.flag("has_text"))
         return {};
     MTextLook look;
-    look.style = textStyleOf(leader.idOf(fields.handle("style")));
+    look.style = tools.style(leader.idOf(fields.handle("style"))).style;
     look.height = fields.real("text_height");
     look.width = fields.real("width");
     look.definedHeight = fields.real("height");
@@ -186,7 +188,7 @@ TextShape shapeOf(const TvDbMLeader& leader, Fonts& fonts)
     look.placement =
         textPlane(db::asPoint(fields.point("location")), db::asVector(fields.point("direction")),
                   db::asVector(fields.point("normal")));
-    return mtextShape(fields.text("text"), look, fonts);
+    return mtextShape(fields.text("text"), look, tools);
 }
 
 } // namespace gs

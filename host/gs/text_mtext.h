@@ -5,6 +5,7 @@
 
 #include "gs/text_shape.h"
 #include "text_style.h"
+#include "text_tools.h"
 
 namespace gs {
 
@@ -24,11 +25,11 @@ struct MTextLook {
     OwnColor color; ///< of letters that have none of their own
     TvGeMatrix3d placement;
 };
-TextShape mtextShape(std::u16string_view contents, const MTextLook& look, Fonts& fonts);
+TextShape mtextShape(std::u16string_view contents, const MTextLook& look, TextTools& tools);
 
 /// The shape of paragraphs in a record with the fields of an MTEXT.
 /// @param database  that its text style is in; null: the style does not count.
-TextShape mtextShape(const db::RecordView& fields, TvDbDatabase* database, Fonts& fonts,
+TextShape mtextShape(const db::RecordView& fields, TvDbDatabase* database, TextTools& tools,
                      const db::MTextColumns& columns);
 
 /// The plane of a text: x along @p direction, z along @p normal.

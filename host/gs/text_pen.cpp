@@ -61,17 +61,44 @@ void TextPen::write(std::u32string_view text, const LetterLook& look, TvGePoint2
                     const FlatMap& frame)
 {
     letters(text, look, at, frame);
-    linesAt(look, at, at.x + width(text, look).ink(), frame);
+    if (look.isUnderlined || look.isOverlined || look.isStruck)
+        linesAt(look, at, at.x + width(text, look).ink(), frame);
 }
 
 void TextPen::letters(std::u32string_view text, const LetterLook& look, TvGePoint2d at,
                       const FlatMap& frame)
 {
+    if (m_shape.keepsLetters) {
+        row(text, look, at, frame);
+        return;
+    }
     const double unit = look.height * look.widthFactor * look.tracking;
     for (const char32_t character : text) {
         const Glyph& g = glyph(look, character);
         letter(g, look, at, frame);
         at.x += g.advance * unit;
+    }
+}
+
+/// The same, without their outlines. Letters of one font are of one row, borrowed ones of others.
+void TextPen::row(std::u32string_view text, const LetterLook& look, TvGePoint2d at,
+                  const FlatMap& frame)
+{
+    const double x = look.height * look.widthFactor;
+    std::vector<LetterRow>* rows = nullptr; // of the part that the last letter is in
+    bool isFilled = false;
+    for (const char32_t character : text) {
+        const Glyph& g = glyph(look, character);
+        if (!rows || (g.isFilled != isFilled && !g.path.isEmpty())) {
+            isFilled = g.isFilled;
+            rows = &part(isFilled, look.color).rows;
+            const FlatMap place{x, look.slant * look.height, at.x, 0, look.height, at.y};
+            rows->push_back({frame * place, look.tracking,
+                             static_cast<std::uint32_t>(m_shape.letters.size()), 0});
+        }
+        m_shape.letters.push_back(&g);
+        ++rows->back().count;
+        at.x += g.advance * x * look.tracking;
     }
 }
 
@@ -94,19 +121,26 @@ void TextPen::letter(const Glyph& glyph, const LetterLook& look, TvGePoint2d at,
         return;
     const double x = look.height * look.widthFactor;
     const FlatMap place{x, look.slant * look.height, at.x, 0, look.height, at.y};
-    appendMapped(part(glyph.isFilled, look.color), glyph.path, frame * place);
+    if (m_shape.keepsLetters) {
+        part(glyph.isFilled, look.color)
+            .rows.push_back(
+                {frame * place, 1, static_cast<std::uint32_t>(m_shape.letters.size()), 1});
+        m_shape.letters.push_back(&glyph);
+        return;
+    }
+    appendMapped(part(glyph.isFilled, look.color).path, glyph.path, frame * place);
 }
 
 void TextPen::line(TvGePoint2d from, TvGePoint2d to, OwnColor color, const FlatMap& frame)
 {
-    Path& path = part(false, color);
+    Path& path = part(false, color).path;
     path.moveTo(frame * from);
     path.lineTo(frame * to);
 }
 
 void TextPen::stroke(const Path& path, OwnColor color, const FlatMap& frame)
 {
-    appendMapped(part(false, color), path, frame);
+    appendMapped(part(false, color).path, path, frame);
 }
 
 void TextPen::run(std::u32string_view text, TvGePoint2d at, double height, double width,
@@ -118,22 +152,22 @@ void TextPen::run(std::u32string_view text, TvGePoint2d at, double height, doubl
         {utf16Of(text), frame * at, along.normal(), height * up.length(), width * along.length()});
 }
 
-Path& TextPen::part(bool isFilled, OwnColor color)
+TextPart& TextPen::part(bool isFilled, OwnColor color)
 {
     auto& parts = m_shape.parts;
     const std::size_t first = parts.size() - std::min(parts.size(), kPartsToSearch);
     for (std::size_t i = parts.size(); i-- > first;)
         if (parts[i].isFilled == isFilled && parts[i].color == color)
-            return parts[i].path;
-    parts.push_back({{}, isFilled, color});
-    return parts.back().path;
+            return parts[i];
+    parts.push_back({{}, isFilled, color, {}});
+    return parts.back();
 }
 
 void measureExtents(TextShape& shape)
 {
     shape.extents = {};
     for (const TextPart& part : shape.parts)
-        shape.extents.addBox(boxOf(part.path));
+        shape.extents.addBox(boxOf(part.path)); // what keeps letters is measured with them
     if (shape.background)
         shape.extents.addBox(boxOf(shape.background->area));
 }

@@ -71,7 +71,9 @@ public:
     }
 
 private:
-    Path& part(bool isFilled, OwnColor color);
+    TextPart& part(bool isFilled, OwnColor color);
+    void row(std::u32string_view text, const LetterLook& look, TvGePoint2d at,
+             const FlatMap& frame);
 
     TextShape& m_shape;
     Fonts& m_fonts;

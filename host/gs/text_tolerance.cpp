@@ -68,13 +68,13 @@ OwnColor colorOf(const DimensionStyle& style, const char* field, int code)
     return OwnColor::fromRecord(style.colorOfStyle(field), style.version());
 }
 
-FrameLook lookOf(const TvDbFcf& tolerance)
+FrameLook lookOf(const TvDbFcf& tolerance, TextTools& tools)
 {
     FrameLook look;
     const DimensionStyle style(tolerance, tolerance.dimensionStyle());
     const double ownScale = style.real("DIMSCALE", kScale);
     const double scale = ownScale > 0 ? ownScale : 1;
-    look.style = textStyleOf(style.object("DIMTXSTY", kTextStyle));
+    look.style = tools.style(style.object("DIMTXSTY", kTextStyle)).style;
     const double height =
         look.style.height > 0 ? look.style.height : style.real("DIMTXT", kTextHeight);
     if (height == 0) // no style at all
@@ -112,16 +112,17 @@ double writeCell(std::u16string_view cell, const FrameLook& look, TvGePoint2d co
 
 } // namespace
 
-TextShape shapeOf(const TvDbFcf& tolerance, Fonts& fonts)
+TextShape textShape(const TvDbFcf& tolerance, TextTools& tools)
 {
     TextShape shape;
+    shape.keepsLetters = tools.keepsLetters;
     shape.placement = textPlane(tolerance.location(), tolerance.direction(), tolerance.normal());
-    FrameLook look = lookOf(tolerance);
+    FrameLook look = lookOf(tolerance, tools);
     if (!isDrawableHeight(look.height) || !isSound(shape.placement))
         return shape;
     if (!(look.gap <= kLargestHeight))
         look.gap = look.height / 2;
-    TextPen pen(shape, fonts);
+    TextPen pen(shape, tools.fonts);
     // The first row stands in the middle over the place, the others hang below it.
     const double rowHeight = look.height + 2 * look.gap;
     double top = rowHeight / 2;
@@ -129,7 +130,7 @@ TextShape shapeOf(const TvDbFcf& tolerance, Fonts& fonts)
     for (const Cells& row : cellsOf(text)) {
         double x = 0;
         for (const std::u16string_view cell : row)
-            x += writeCell(cell, look, {x, top}, pen, fonts);
+            x += writeCell(cell, look, {x, top}, pen, tools.fonts);
         top -= rowHeight;
     }
     measureExtents(shape);

@@ -166,3 +166,14 @@ TEST(DisplayList, BulgesAreBows)
     ASSERT_EQ(list.items().size(), 1u);
     expectBox(list.extents(), 0, -2, 4, 2);
 }
+
+TEST(DisplayList, AWindowAroundEverythingShowsEveryItem)
+{
+    DrawingScene scene;
+    for (int x = 0; x < 70; ++x)
+        scene.add(circleAt(x * 10, 0, 1));
+    const gs::DisplayList list = scene.list();
+    std::vector<std::uint64_t> marks;
+    list.mark(list.extents().grown(1), marks);
+    EXPECT_EQ(marks, (std::vector<std::uint64_t>{~std::uint64_t(0), 0x3F}));
+}

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
@@ -11,6 +12,7 @@
 #include <ge/tv_ge_matrix3d.h>
 #include <gs/box.h>
 #include <gs/color.h>
+#include <gs/flat.h>
 #include <gs/growing_buffer.h>
 #include <gs/path.h>
 
@@ -26,9 +28,14 @@ struct PathView {
     bool isEmpty() const { return verbs.empty(); }
 };
 
-/// Where a path lies among the verbs and points of a display list. No verbs: no path.
+/// Where a path lies in a display list. No verbs: no path.
 struct PathRange {
+    /// In verb: the path is of letters, which is put together when it is asked for.
+    static constexpr std::uint32_t kLetters = 1U << 31;
+
     std::uint32_t verb = 0, verbCount = 0, point = 0, pointCount = 0;
+
+    bool isLetters() const { return (verb & kLetters) != 0; }
 };
 
 /// One thing to draw.
@@ -132,10 +139,20 @@ public:
     std::span<const Layer> layers() const { return m_layers; }
     std::span<const PlacedText> texts() const { return m_texts; }
     std::span<const PictureFrame> pictures() const { return m_pictures; }
+    /// Paths of letters are put together at the first call and kept: whoever draws many of them
+    /// gives them room instead.
     PathView path(const PathRange& range) const
     {
-        return {m_verbs.span().subspan(range.verb, range.verbCount),
-                m_points.span().subspan(range.point, range.pointCount)};
+        return range.isLetters() ? writtenLetters(range) : storedPath(range);
+    }
+    /// The same, where paths of letters are put together in @p room (and are good until it is used
+    /// again).
+    PathView path(const PathRange& range, Path& room) const
+    {
+        if (!range.isLetters())
+            return storedPath(range);
+        writeLetters(range, room);
+        return {room.verbs(), room.points()};
     }
 
     /// Around everything that is drawn, what is cut off left out; empty when that is nothing.
@@ -160,31 +177,57 @@ public:
 
     /// Marks the items that @p window may show: bit i % 64 of word i / 64 is item i.
     /// @param marks  made as long as needed, and cleared first.
-    /// @note costs what is visible, and a word for each 64 items.
+    /// @note costs what is visible, and a word for each 64 items; the first call for a part of the
+    /// list sorts it.
     void mark(const Box& window, std::vector<std::uint64_t>& marks) const;
 
 private:
     friend class ListWriter;
 
-    /// A node of the index: a box around 16 nodes of the level below, or items.
-    struct Node {
+    /// A letter as its font draws it, in a plane of its own.
+    struct Letter {
+        Path path;
         Box box;
-        std::uint32_t first = 0, count = 0;
-        bool isLeaf = true;
+        double advance = 0;
     };
-    void buildIndex();
-    void mark(const Node& node, const Box& window, std::vector<std::uint64_t>& marks) const;
+    /// Letters beside each other.
+    struct Row {
+        FlatMap map;                        // from the plane of the first one to that of the list
+        double tracking = 1;                // factor of their advances
+        std::uint32_t first = 0, count = 0; // among m_rowLetters
+    };
+    /// What a path of letters consists of.
+    struct LetterPath {
+        PathRange lines; // at the letters
+        std::uint32_t firstRow = 0, rowCount = 0;
+    };
+    struct Written;
+
+    PathView storedPath(const PathRange& range) const
+    {
+        return {m_verbs.span().subspan(range.verb, range.verbCount),
+                m_points.span().subspan(range.point, range.pointCount)};
+    }
+    PathView writtenLetters(const PathRange& range) const;
+    void writeLetters(const PathRange& range, Path& to) const;
+    /// Where items are, made when somebody asks for a part of them.
+    struct Index;
+    void startIndex();
+    const Index& index() const;
 
     GrowingBuffer<Path::Verb> m_verbs;
     GrowingBuffer<TvGePoint2d> m_points;
     GrowingBuffer<Item> m_items;
+    std::vector<Letter> m_letters;
+    GrowingBuffer<std::uint32_t> m_rowLetters; // numbers of letters
+    GrowingBuffer<Row> m_rows;
+    GrowingBuffer<LetterPath> m_letterPaths;
+    std::shared_ptr<Written> m_written; // what path() has put together; null without letters
     std::vector<Clip> m_clips;
     std::vector<Layer> m_layers;
     std::vector<PlacedText> m_texts;
     std::vector<PictureFrame> m_pictures;
-    std::vector<Node> m_nodes;               // the root is the last one
-    std::vector<std::uint32_t> m_order;      // item numbers, in the order of the leaves
-    std::vector<std::uint32_t> m_everywhere; // items that no box holds
+    std::shared_ptr<Index> m_index; // null without items
     Box m_extents;
     std::optional<Box> m_sheet, m_printable, m_savedWindow;
     TvGeMatrix3d m_fromWorld;

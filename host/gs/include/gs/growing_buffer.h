@@ -2,17 +2,20 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <span>
 #include <type_traits>
 #include <utility>
 
+#include <base/large_memory.h>
+
 namespace gs {
 
 /// A row of plain values that grows at its end.
 ///
-/// Unlike a vector it grows where it lies when the system can do that: large ones are moved by
-/// remapping their pages, not by copying.
+/// Unlike a vector it grows where it lies when the system can do that; large ones lie in large
+/// pages, and room that is never used costs nothing.
 template <class T>
 class GrowingBuffer
 {
@@ -20,7 +23,11 @@ class GrowingBuffer
 
 public:
     GrowingBuffer() = default;
-    ~GrowingBuffer() { std::free(m_data); }
+    ~GrowingBuffer()
+    {
+        if (!m_large)
+            std::free(m_data);
+    }
     GrowingBuffer(const GrowingBuffer& other) { append(other.m_data, other.m_size); }
     GrowingBuffer(GrowingBuffer&& other) noexcept { swap(other); }
     GrowingBuffer& operator=(GrowingBuffer other) noexcept
@@ -31,6 +38,7 @@ public:
     void swap(GrowingBuffer& other) noexcept
     {
         std::swap(m_data, other.m_data);
+        m_large.swap(other.m_large);
         std::swap(m_size, other.m_size);
         std::swap(m_capacity, other.m_capacity);
     }
@@ -67,6 +75,12 @@ public:
         for (std::size_t i = 0; i < count; ++i)
             room[i] = values[i];
     }
+    /// Room for so many in all, as far as the memory is there.
+    void expect(std::size_t count)
+    {
+        if (count > m_capacity)
+            moveTo(count);
+    }
     /// Gives up what is behind.
     void shrinkTo(std::size_t size) { m_size = size < m_size ? size : m_size; }
 
@@ -77,14 +91,35 @@ private:
         std::size_t capacity = m_capacity + m_capacity / 2;
         capacity = capacity < kLeast ? kLeast : capacity;
         capacity = capacity < wanted ? wanted : capacity;
-        void* const data = std::realloc(static_cast<void*>(m_data), capacity * sizeof(T));
-        if (!data)
+        if (!moveTo(capacity))
             throw std::bad_alloc();
-        m_data = static_cast<T*>(data);
+    }
+    /// False when there is no memory; nothing has changed then.
+    bool moveTo(std::size_t capacity)
+    {
+        constexpr std::size_t kLarge = 4U << 20; // bytes
+        if (capacity * sizeof(T) < kLarge) {
+            void* const data = std::realloc(static_cast<void*>(m_data), capacity * sizeof(T));
+            if (!data)
+                return false;
+            m_data = static_cast<T*>(data);
+        } else {
+            base::LargeMemory large = base::makeLargeMemory(capacity * sizeof(T), false);
+            if (!large)
+                return false;
+            if (m_size > 0)
+                std::memcpy(large.get(), m_data, m_size * sizeof(T));
+            if (!m_large)
+                std::free(m_data);
+            m_data = reinterpret_cast<T*>(large.get());
+            m_large = std::move(large);
+        }
         m_capacity = capacity;
+        return true;
     }
 
-    T* m_data = nullptr; // owned
+    T* m_data = nullptr;       // owned, unless m_large holds it
+    base::LargeMemory m_large; // null while it is small
     std::size_t m_size = 0, m_capacity = 0;
 };
 

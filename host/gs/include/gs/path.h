@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include <ge/tv_ge_point.h>
@@ -28,6 +29,11 @@ public:
     {
         m_verbs.insert(m_verbs.end(), other.m_verbs.begin(), other.m_verbs.end());
         m_points.insert(m_points.end(), other.m_points.begin(), other.m_points.end());
+    }
+    void append(std::span<const Verb> verbs, std::span<const TvGePoint2d> points)
+    {
+        m_verbs.insert(m_verbs.end(), verbs.begin(), verbs.end());
+        m_points.insert(m_points.end(), points.begin(), points.end());
     }
     void clear() { m_verbs.clear(), m_points.clear(); }
 

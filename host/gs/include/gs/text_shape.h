@@ -13,12 +13,20 @@
 
 namespace gs {
 
+/// Letters beside each other, whose outlines are still those of their font.
+struct LetterRow {
+    FlatMap map;                        ///< from the first letter's own plane to that of the text
+    double tracking = 1;                ///< factor of the way from one letter to the next
+    std::uint32_t first = 0, count = 0; ///< among the letters of the shape
+};
+
 /// Letters, or lines at them, of one colour: filled (non-zero) or stroked with the object's own
 /// line width.
 struct TextPart {
     Path path;
     bool isFilled = false;
     OwnColor color;
+    std::vector<LetterRow> rows; ///< belong to it, too; none in what shapeOf() gives
 };
 
 /// A piece of text where it is written, for who wants to search or copy it.
@@ -46,7 +54,9 @@ struct TextBackground {
 struct TextShape {
     std::vector<TextPart> parts;
     std::vector<TextRun> runs;
-    Box extents; ///< of parts and background; empty when nothing is drawn
+    std::vector<const Glyph*> letters; ///< that rows are of; their Fonts'
+    bool keepsLetters = false;         ///< letters are added as rows
+    Box extents;                       ///< of parts and background; empty when nothing is drawn
     std::optional<TextBackground> background;
     TvGeMatrix3d placement;
 
