@@ -154,6 +154,16 @@ Pen Sketch::newBlock(const TvString& name)
                        })};
 }
 
+void Sketch::externalReference(const TvString& name, const TvString& path)
+{
+    addTo<TvDbBlockTable, TvDbBlockTableRecord>(*m_drawing, name,
+                                                [&](TvDbBlockTableRecord& record) {
+                                                    db::RecordEditor fields = record.edit();
+                                                    fields.setFlag("is_xref", true);
+                                                    fields.setText("xref_path", path.view());
+                                                });
+}
+
 /// The first one takes the place of those that a new drawing has.
 TvDbObjectId Sketch::layoutFor(const TvString& name)
 {
@@ -243,9 +253,9 @@ void Sketch::showModel(bool isShown)
     require(m_drawing->setTilemode(isShown), "tilemode");
 }
 
-void Sketch::save(const TvString& path)
+void Sketch::save(const TvString& path, int version)
 {
-    const TvStatusCode status = m_drawing->saveAs(path);
+    const TvStatusCode status = m_drawing->saveAs(path, false, version);
     if (status != TvStatus::Ok)
         throw std::runtime_error(
             path.utf8() + ": status " + std::to_string(static_cast<int>(status)) + ", reason " +

@@ -29,7 +29,16 @@ protected:
     std::vector<std::unique_ptr<ed::PropertyRow>> rows;
 };
 
-enum Row : std::size_t { kFolder, kType, kPrompt, kFileName, kLayers, kLines, kSetData, kSheetData };
+enum Row : std::size_t {
+    kFolder,
+    kType,
+    kPrompt,
+    kFileName,
+    kLayers,
+    kLines,
+    kSetData,
+    kSheetData
+};
 
 } // namespace
 

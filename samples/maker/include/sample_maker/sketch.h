@@ -112,6 +112,9 @@ public:
     Pen model();
     /// A new block with its origin at (0,0).
     Pen newBlock(const TvString& name);
+    /// A drawing that is shown as a block of that name. @param path  as it is written into the
+    /// drawing.
+    void externalReference(const TvString& name, const TvString& path);
     /// A new paper layout behind those that are there. The first one is what the drawing shows.
     Pen newPaper(const Paper& paper);
     /// A view of the model that has a name.
@@ -123,7 +126,8 @@ public:
     void showModel(bool isShown);
     /// The codec of DWG must be there (dwg::install). Throws std::runtime_error, with the numbers
     /// of status and reason.
-    void save(const TvString& path);
+    /// @param version  TvDb::TvDbDwgVersion; 0: the newest.
+    void save(const TvString& path, int version = 0);
 
     TvDbObjectId layerId(const TvString& name) const;
     TvDbObjectId blockId(const TvString& name) const;

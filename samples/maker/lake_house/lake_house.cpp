@@ -1,0 +1,28 @@
+#include "sample_maker/lake_house.h"
+
+#include <base/path_rules.h>
+
+#include "lake_house.h"
+
+namespace samples {
+
+void makeLakeHouse(const TvString& folder)
+{
+    struct Drawing {
+        const TvChar* name;
+        void (*draw)(const TvString& path);
+    };
+    constexpr Drawing kDrawings[] = {
+        {u"site.dwg", lake_house::drawSite},
+        {u"surroundings.dwg", lake_house::drawSurroundings},
+        {u"plans.dwg", lake_house::drawPlans},
+        {u"elevations.dwg", lake_house::drawElevations},
+        {u"sections.dwg", lake_house::drawSections},
+        {u"details.dwg", lake_house::drawDetails},
+    };
+    for (const Drawing& each : kDrawings)
+        each.draw(base::PathRules::native().join(folder, each.name));
+    lake_house::makeSheetSet(folder);
+}
+
+} // namespace samples
