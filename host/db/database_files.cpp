@@ -2,6 +2,7 @@
 
 #include <base/atomic_replace.h>
 #include <base/kv_file_system.h>
+#include <base/path_rules.h>
 #include <db/file_open_info_tip_manager.h>
 
 #include "database_extras.h"
@@ -21,7 +22,14 @@ std::vector<const DatabaseImpl*> g_holders; // databases that hold a file for wr
 
 bool isSameFile(const TvString& a, const TvString& b)
 {
-    return a.compareNoCase(b) == 0 || KvFileSystem::isSameFile(a, b);
+    const base::PathRules& rules = base::PathRules::native();
+    if (rules.normalise(a) == rules.normalise(b) || KvFileSystem::isSameFile(a, b))
+        return true;
+    // Of two spellings the disk knows whether they are two files, as long as one of them is there.
+    const auto isThere = [](const TvString& path) {
+        return KvFileSystem::pathFileExists(path, 1, 0);
+    };
+    return !isThere(a) && !isThere(b) && rules.isSame(a, b);
 }
 
 TvStatusCode codeFor(const base::Status& status, TvStatusCode otherwise)

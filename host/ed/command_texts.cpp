@@ -38,6 +38,7 @@ bool isRefusal(int text)
     case Wording::CannotSave:
     case Wording::CannotOpen:
     case Wording::CannotQuit:
+    case Wording::NoDrawingName:
     case Wording::NoLayout:
     case Wording::NameTaken:
     case Wording::NameWrong:

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 
 #include <base/kv_file_system.h>
 #include <base/path_rules.h>
@@ -82,6 +83,15 @@ std::optional<int> askVersion(const TvApDocument& document)
     return std::nullopt;
 }
 
+/// What a drawing can be saved as tells its name.
+bool isDrawingName(const TvString& path)
+{
+    const TvString extension = base::PathRules::native().extensionOf(path);
+    return std::ranges::any_of(std::array{u".dwg", u".dxf", u".dwt"}, [&](const TvChar* each) {
+        return extension.compareNoCase(each) == 0;
+    });
+}
+
 /// Whether a file that is there may go.
 bool mayReplace(const TvApDocument& document, const TvString& path)
 {
@@ -120,6 +130,10 @@ bool saveUnderAskedName(TvApDocument& document)
     const TvString standard = document.isNamedDrawing() ? document.fileName() : TvString();
     const std::vector<TvString> paths = askFiles(
         {Wording::TitleSaveAs, Wording::AskSaveAs, standard, u"dwg", u"SaveDrawing", true});
+    if (!paths.empty() && !isDrawingName(paths.front())) {
+        say(Wording::NoDrawingName, {paths.front()});
+        return false;
+    }
     return !paths.empty() && mayReplace(document, paths.front()) &&
            saveNamed(document, paths.front(), version);
 }

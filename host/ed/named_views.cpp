@@ -87,12 +87,13 @@ View viewOf(const TvDbViewTableRecord& record)
     return view;
 }
 
-TvStatusCode saveNamedView(TvDbDatabase& database, const TvString& name)
+TvStatusCode saveNamedView(TvDbDatabase& database, const TvString& name,
+                           const std::optional<View>& view)
 {
     if (!db::isSymbolName(name))
         return TvStatus::InvalidName;
     const TvDbObjectId where = currentViewObject(database);
-    const std::optional<View> shown = drawingView().view(where);
+    const std::optional<View> shown = view ? view : drawingView().view(where);
     if (!shown)
         return TvStatus::NotApplicable;
     // A window of a sheet shows model space, and its views are of that.

@@ -1,6 +1,7 @@
 #include "ed/prompts.h"
 
 #include <cmath>
+#include <numbers>
 
 #include <db/tv_status.h>
 
@@ -99,6 +100,39 @@ int askPoint(const TvGePoint3d* base, bool isCorner, const TvChar* prompt, TvGeP
     });
 }
 
+/// A text, or the way from one point to another that is picked; from @p base, where there is one.
+int askWay(const TvGePoint3d* base, const TvChar* prompt, TvString& typed,
+           std::optional<TvGePoint3d>& from, std::optional<TvGePoint3d>& to)
+{
+    UserPrompts::PointQuestion question;
+    question.prompt = prompt ? TvString(prompt) : TvString();
+    from.reset();
+    if (base)
+        from = question.base = *base;
+    to.reset();
+    int status = askForPoint(question, typed, to);
+    if (status == static_cast<int>(TvStatus::Normal) && to && !from) {
+        from = question.base = std::exchange(to, std::nullopt);
+        question.prompt = textOf(Wording::AskSecondPoint);
+        status = askForPoint(question, typed, to);
+        if (!to) // typed: a point, too
+            to = typedPoint(typed);
+    }
+    if (to)
+        typed = u"*"; // something that is not empty, and no keyword
+    return status;
+}
+
+/// From the x axis, 0 to 2 pi; nullopt for two equal points.
+std::optional<double> angleBetween(const TvGePoint3d& from, const TvGePoint3d& to)
+{
+    const TvGeVector3d way = to - from;
+    if (way.x == 0 && way.y == 0)
+        return std::nullopt;
+    const double angle = std::atan2(way.y, way.x);
+    return angle < 0 ? angle + 2 * std::numbers::pi : angle;
+}
+
 } // namespace
 
 } // namespace ed
@@ -145,13 +179,33 @@ int tvedGetReal(const TvChar* prompt, double& out)
 
 int tvedGetAngle(const TvChar* prompt, double& out)
 {
-    return ed::askUntil(ed::Wording::NoNumber, ed::textQuestion(prompt),
-                        [&](const TvString& typed, int) {
-                            const std::optional<double> angle = ed::typedAngle(typed);
-                            if (angle)
-                                out = *angle;
-                            return angle.has_value();
-                        });
+    std::optional<TvGePoint3d> from, to;
+    return ed::askUntil(
+        ed::Wording::NoNumber,
+        [&](TvString& typed) { return ed::askWay(nullptr, prompt, typed, from, to); },
+        [&](const TvString& typed, int) {
+            const std::optional<double> angle =
+                to ? ed::angleBetween(*from, *to) : ed::typedAngle(typed);
+            if (angle)
+                out = *angle;
+            return angle.has_value();
+        });
+}
+
+int tvedGetDist(const TvGePoint3d* base, const TvChar* prompt, double& out)
+{
+    std::optional<TvGePoint3d> from, to;
+    return ed::askUntil(
+        ed::Wording::NoNumber,
+        [&](TvString& typed) { return ed::askWay(base, prompt, typed, from, to); },
+        [&](const TvString& typed, int flags) {
+            const std::optional<double> distance =
+                to ? std::optional(from->distanceTo(*to)) : ed::typedNumber(typed);
+            if (!distance || !ed::isAllowed(*distance, flags))
+                return false;
+            out = *distance;
+            return true;
+        });
 }
 
 int tvedGetPoint(const TvGePoint3d* base, const TvChar* prompt, TvGePoint3d& out)

@@ -1,14 +1,17 @@
 #include <db/tv_db_symbol_table.h>
+#include <db/tv_status.h>
 
 #include "command_support.h"
 #include "ed/named_views.h"
+#include "ed/prompts.h"
 #include "host_command_list.h"
+#include "zoom.h"
 
 namespace ed {
 
 namespace {
 
-constexpr TvChar kOptions[] = u"? Delete Restore Save";
+constexpr TvChar kOptions[] = u"? Delete Restore Save Window";
 
 void tell(TvStatusCode status, const TvString& name)
 {
@@ -39,14 +42,35 @@ void list(TvDbDatabase& database)
                  textOf(view->isPaperspaceView() ? Wording::SpacePaper : Wording::SpaceModel)});
 }
 
-void save(TvDbDatabase& database)
+/// The part of what is shown that lies between two points; nullopt when the user gave up.
+std::optional<View> askWindow(TvDbDatabase& database)
+{
+    const std::optional<View> now = drawingView().view(currentViewObject(database));
+    TvGePoint3d corner, opposite;
+    tvedInitGet(kNoEmpty, nullptr);
+    if (!now || tvedGetPoint(nullptr, textOf(Wording::AskCorner).kwszPtr(), corner) !=
+                    static_cast<int>(TvStatus::Normal))
+        return std::nullopt;
+    tvedInitGet(kNoEmpty, nullptr);
+    if (tvedGetCorner(corner, textOf(Wording::AskOtherCorner).kwszPtr(), opposite) !=
+        static_cast<int>(TvStatus::Normal))
+        return std::nullopt;
+    const std::optional<View> view = viewBetween(*now, corner, opposite);
+    if (!view)
+        say(Wording::CannotShow);
+    return view;
+}
+
+void save(TvDbDatabase& database, bool isWindow)
 {
     const std::optional<TvString> name = askLine(Wording::AskViewSave);
     if (!name)
         return;
     if (hasView(database, *name) && !askYesNo(Wording::AskViewReplace, false).value_or(false))
         return;
-    tell(saveNamedView(database, *name), *name);
+    const std::optional<View> view = isWindow ? askWindow(database) : std::nullopt;
+    if (!isWindow || view)
+        tell(saveNamedView(database, *name, view), *name);
 }
 
 } // namespace
@@ -62,8 +86,8 @@ void runNamedView()
         return;
     if (*option == u"?")
         return list(*database);
-    if (*option == u"Save")
-        return save(*database);
+    if (*option == u"Save" || *option == u"Window")
+        return save(*database, *option == u"Window");
     const bool isDelete = *option == u"Delete";
     const std::optional<TvString> name =
         askLine(isDelete ? Wording::AskViewDelete : Wording::AskViewRestore);

@@ -101,4 +101,19 @@ std::optional<View> scaledView(TvDbObjectId where, const View& now, const ZoomSc
     return isUsable(next) ? std::optional(next) : std::nullopt;
 }
 
+std::optional<View> viewBetween(const View& now, const TvGePoint3d& corner,
+                                const TvGePoint3d& opposite)
+{
+    // In the plane of the screen: what lies between two corners depends on how it is looked at.
+    TvDbExtents box = displayExtents(now, TvDbExtents(corner, corner));
+    box.addExtents(displayExtents(now, TvDbExtents(opposite, opposite)));
+    if (!(box.size().x > 0) || !(box.size().y > 0))
+        return std::nullopt;
+    View view = now;
+    view.center = {box.center().x, box.center().y};
+    view.height = box.size().y;
+    view.aspect = box.size().x / box.size().y;
+    return view;
+}
+
 } // namespace ed

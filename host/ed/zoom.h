@@ -25,4 +25,8 @@ std::optional<View> scaledView(TvDbObjectId where, const View& now, const ZoomSc
 /// What the drawing is drawn within: its limits, for a sheet its paper.
 TvDbExtents limitsOf(TvDbObjectId where);
 
+/// What lies between two corners (world), looked at as now; nullopt when that is nothing.
+std::optional<View> viewBetween(const View& now, const TvGePoint3d& corner,
+                                const TvGePoint3d& opposite);
+
 } // namespace ed

@@ -113,15 +113,12 @@ private:
         TvGePoint3d opposite;
         if (tvedGetCorner(corner, textOf(Wording::AskOtherCorner).kwszPtr(), opposite) != kDone)
             return;
-        // In the plane of the screen: what lies between two corners depends on how it is looked at.
-        TvDbExtents box = displayExtents(m_now, TvDbExtents(corner, corner));
-        box.addExtents(displayExtents(m_now, TvDbExtents(opposite, opposite)));
-        if (!(box.size().x > 0) || !(box.size().y > 0))
+        std::optional<View> view = viewBetween(m_now, corner, opposite);
+        if (!view)
             return say(Wording::CannotShow);
-        View view = m_now;
-        view.center = {box.center().x, box.center().y};
-        view.height = std::max(box.size().y, box.size().x / m_now.aspect);
-        show(view);
+        view->height = std::max(view->height, view->width() / m_now.aspect);
+        view->aspect = m_now.aspect;
+        show(*view);
     }
     void center()
     {

@@ -114,6 +114,15 @@ TEST_F(DrawingUse, KeepsOtherDatabasesFromSavingOverTheFileButNotItsOwn)
     EXPECT_EQ(yours.saveAs(folder.file("other.dwg")), TvStatus::Ok);
 }
 
+TEST_F(DrawingUse, OfOneSpellingIsNotThatOfAnotherFile)
+{
+    ASSERT_TRUE(db::beginUse(mine, path()));
+    EXPECT_EQ(yours.saveAs(folder.file("./plan.dwg")), TvStatus::FileInUse);
+    const bool isOneFile = std::filesystem::exists(folder.path() / "PLAN.DWG"); // as on Windows
+    EXPECT_EQ(yours.saveAs(folder.file("PLAN.DWG")),
+              isOneFile ? TvStatus::FileInUse : TvStatus::Ok);
+}
+
 TEST_F(DrawingUse, IsOneDatabasesOnly)
 {
     ASSERT_TRUE(db::beginUse(mine, path()));

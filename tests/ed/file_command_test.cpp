@@ -1,3 +1,4 @@
+#include <base/kv_file_system.h>
 #include <dxf/dxf_codec.h>
 
 #include "host_scene.h"
@@ -144,6 +145,14 @@ TEST_F(FileCommandTest, FilesNamedDxfHoldDxfAndStaySoAtASave)
     EXPECT_EQ(scaleIn(path("text.DXF")), 7);
     type(u"SAVEAS\n\n" + path("back") + u"\n");
     EXPECT_EQ(folder.read("back.dwg").substr(0, 6), "AC1024");
+}
+
+TEST_F(FileCommandTest, WhatIsNoNameOfADrawingIsToldAndNotWritten)
+{
+    type(u"OPEN " + path("a.dwg") + u"\nSAVEAS\n\n" + path("notes.txt") + u"\n");
+    EXPECT_EQ(said(), std::vector{23185});
+    EXPECT_FALSE(KvFileSystem::pathFileExists(path("notes.txt")));
+    EXPECT_EQ(manager.curDocument()->fileName(), path("a.dwg"));
 }
 
 TEST_F(FileCommandTest, SaveAsReplacesAnotherFileOnlyAfterAYes)

@@ -209,7 +209,9 @@ void CommandPanel::say(int text, const std::vector<TvString>& arguments)
     addLine(app::textOf(text, arguments));
 }
 
-int CommandPanel::askText(const TvString& prompt, bool withBlanks, TvString& out)
+/// Waits until something was typed, picked or moved.
+/// @return 5100 for what was typed and for a point.
+int CommandPanel::ask(const TvString& prompt, bool withBlanks, TvString& out)
 {
     showPrompt(prompt);
     ++m_asking;
@@ -218,9 +220,9 @@ int CommandPanel::askText(const TvString& prompt, bool withBlanks, TvString& out
     QEventLoop* const outer = std::exchange(m_waiting, &loop);
     while (!m_refusesAll) {
         const auto taken = m_commandLine.takeAnswer(withBlanks, out);
-        if (taken == ed::CommandLine::Answer::Text)
+        if (taken == ed::CommandLine::Answer::Text || m_picked || m_moved)
             answer = TvStatus::Normal;
-        if (taken != ed::CommandLine::Answer::None)
+        if (taken != ed::CommandLine::Answer::None || m_picked || m_moved)
             break;
         loop.exec();
     }
@@ -228,6 +230,99 @@ int CommandPanel::askText(const TvString& prompt, bool withBlanks, TvString& out
     --m_asking;
     showPrompt({});
     return answer;
+}
+
+int CommandPanel::askText(const TvString& prompt, bool withBlanks, TvString& out)
+{
+    return ask(prompt, withBlanks, out);
+}
+
+/// A question for a point, as long as it lives.
+class CommandPanel::AskedPointer
+{
+public:
+    AskedPointer(CommandPanel& panel, const PointerQuestion& question)
+        : m_panel(panel), m_outer(std::exchange(panel.m_pointer, &question))
+    {
+        panel.m_picked.reset();
+        panel.m_moved.reset();
+        tell();
+    }
+    ~AskedPointer()
+    {
+        m_panel.m_picked.reset();
+        m_panel.m_moved.reset();
+        m_panel.m_pointer = m_outer;
+        tell();
+    }
+    AskedPointer(const AskedPointer&) = delete;
+    AskedPointer& operator=(const AskedPointer&) = delete;
+
+private:
+    void tell()
+    {
+        if (m_panel.onPointerQuestion)
+            m_panel.onPointerQuestion(m_panel.m_pointer);
+    }
+    CommandPanel& m_panel;
+    const PointerQuestion* m_outer;
+};
+
+int CommandPanel::askPoint(const PointQuestion& question, TvString& typed,
+                           std::optional<TvGePoint3d>& picked)
+{
+    const PointerQuestion pointer{question.base, question.isCorner};
+    const AskedPointer asked(*this, pointer);
+    const int answer = ask(question.prompt, false, typed);
+    if (answer == TvStatus::Normal && m_picked) {
+        picked = m_picked;
+        addLine(question.prompt.trimmed() + TvString().format(u" %.4f,%.4f", picked->x, picked->y));
+    }
+    return answer;
+}
+
+bool CommandPanel::pick(const TvGePoint3d& point)
+{
+    if (!m_pointer || !m_waiting || m_picked)
+        return false;
+    m_picked = point;
+    m_waiting->quit();
+    return true;
+}
+
+void CommandPanel::hover(const TvGePoint3d& point)
+{
+    if (!m_pointer || !m_waiting || !m_followsPointer)
+        return;
+    m_moved = point;
+    m_waiting->quit();
+}
+
+bool CommandPanel::next(const ed::JigQuestion& question, ed::JigEvent& out)
+{
+    if (m_refusesAll)
+        return false;
+    const bool isForText = question.kind == ed::JigQuestion::Text;
+    const PointerQuestion pointer{question.base, false};
+    std::optional<AskedPointer> asked;
+    if (!isForText)
+        asked.emplace(*this, pointer);
+    const bool former = std::exchange(m_followsPointer, !isForText);
+    const int answer = ask(question.prompt, isForText, out.text);
+    m_followsPointer = former;
+    out.kind = answer != TvStatus::Normal ? ed::JigEvent::Escaped
+               : m_picked                 ? ed::JigEvent::Picked
+               : m_moved                  ? ed::JigEvent::Moved
+                                          : ed::JigEvent::Typed;
+    if (m_picked || m_moved)
+        out.point = m_picked ? *m_picked : *m_moved;
+    return true;
+}
+
+void CommandPanel::show(const TvDbEntity* entity)
+{
+    if (onDragged)
+        onDragged(entity);
 }
 
 int CommandPanel::askFiles(const FileQuestion& question, std::vector<TvString>& out)

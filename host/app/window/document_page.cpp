@@ -6,6 +6,7 @@
 
 #include <app/drawing_watch.h>
 #include <db/tv_db_layout.h>
+#include <db/tv_db_viewport.h>
 #include <ed/layouts.h>
 #include <ed/tv_ap_document.h>
 #include <ui/icon.h>
@@ -130,7 +131,7 @@ app::ViewTransform DocumentPage::firstView(const Shown& shown, TvDbObjectId layo
         view = {center, high, static_cast<double>(m_canvas->width()),
                 static_cast<double>(m_canvas->height())};
         const TvGePoint2d a = view.toPlan({0, view.height()}), b = view.toPlan({view.width(), 0});
-        if (all.isEmpty() || !all.common({a.x, a.y, b.x, b.y}).isEmpty())
+        if (shown.isChosen || all.isEmpty() || !all.common({a.x, a.y, b.x, b.y}).isEmpty())
             return view;
     }
     if (!all.isEmpty()) // what was stored shows nothing of it
@@ -176,6 +177,25 @@ void DocumentPage::forgetViews()
     refresh();
 }
 
+TvGeMatrix3d DocumentPage::planToWorld() const
+{
+    const auto at = m_shown.find(m_current);
+    if (at == m_shown.end())
+        return {};
+    const TvGePoint2d origin = at->second.planOrigin;
+    const TvGeMatrix3d toWorld =
+        displayToWorld(at->second.stored) * TvGeMatrix3d::translation({-origin.x, -origin.y, 0});
+    const TvDbObjectId where = ed::currentViewObject(*m_document.database());
+    const TvDbObjectPointer<TvDbViewport> window(where);
+    const std::optional<ed::View> view = ed::StoredDrawingView().view(where);
+    if (where == m_current || !window || !view || !(window->height() > 0))
+        return toWorld;
+    const TvGePoint3d middle = window->centerPoint();
+    return displayToWorld(*view) * TvGeMatrix3d::translation({view->center.x, view->center.y, 0}) *
+           TvGeMatrix3d::scaling(view->height / window->height()) *
+           TvGeMatrix3d::translation({-middle.x, -middle.y, -middle.z}) * toWorld;
+}
+
 std::optional<ed::View> DocumentPage::shownView(TvDbObjectId layout) const
 {
     const auto at = m_shown.find(layout);
@@ -195,6 +215,7 @@ void DocumentPage::showStoredView(TvDbObjectId layout)
     Shown& shown = m_shown[layout];
     shown.view.reset();
     shown.isTouched = false;
+    shown.isChosen = true;
     shown.list.reset(); // it may be seen from elsewhere
     if (layout == m_current)
         refresh();

@@ -132,6 +132,28 @@ void DrawingCanvas::endChoosing()
     update();
 }
 
+void DrawingCanvas::beginPoint(std::optional<TvGePoint2d> base, bool isCorner)
+{
+    endChoosing();
+    m_isAskingPoint = true;
+    m_base = base;
+    m_isCorner = isCorner;
+    update();
+}
+
+void DrawingCanvas::endPoint()
+{
+    m_isAskingPoint = false;
+    m_base.reset();
+    update();
+}
+
+void DrawingCanvas::setFrame(std::optional<gs::Box> frame)
+{
+    m_frame = frame;
+    update();
+}
+
 void DrawingCanvas::finishPainting()
 {
     m_raster.setView(m_view, devicePixelRatioF());
@@ -175,12 +197,13 @@ void DrawingCanvas::paintCrosshair(QPainter& painter) const
     const QPointF at(std::floor(m_cursor->x()) + 0.5, std::floor(m_cursor->y()) + 0.5);
     painter.setPen(isBackgroundDark(m_background) ? QColor(0xE6, 0xE6, 0xE6)
                                                   : QColor(0x30, 0x30, 0x30));
-    const double gap = m_isChoosing ? 0 : kPickBox;
+    const bool isExact = m_isChoosing || m_isAskingPoint;
+    const double gap = isExact ? 0 : kPickBox;
     painter.drawLine(at - QPointF(arm, 0), at - QPointF(gap, 0));
     painter.drawLine(at + QPointF(gap, 0), at + QPointF(arm, 0));
     painter.drawLine(at - QPointF(0, arm), at - QPointF(0, gap));
     painter.drawLine(at + QPointF(0, gap), at + QPointF(0, arm));
-    if (!m_isChoosing)
+    if (!isExact)
         painter.drawRect(QRectF(at - QPointF(gap, gap), QSizeF(2 * gap, 2 * gap)));
 }
 
@@ -188,14 +211,41 @@ void DrawingCanvas::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     m_raster.paint(painter);
-    if (const QRectF frame = chosen(); !frame.isNull()) {
-        QColor fill = ui::color(ui::ColorRole::Accent);
-        painter.setPen(fill);
-        fill.setAlpha(40);
-        painter.fillRect(frame, fill);
-        painter.drawRect(frame);
-    }
+    if (const QRectF frame = chosen(); !frame.isNull())
+        paintFrame(painter, frame);
+    paintRubber(painter);
     paintCrosshair(painter);
+}
+
+QPointF DrawingCanvas::screenOf(TvGePoint2d plan) const
+{
+    const app::ScreenPoint at = m_view.toScreen(plan);
+    constexpr double kFar = 1e6; // what is farther off looks the same
+    return {std::clamp(at.x, -kFar, kFar), std::clamp(at.y, -kFar, kFar)};
+}
+
+void DrawingCanvas::paintFrame(QPainter& painter, const QRectF& frame) const
+{
+    QColor fill = ui::color(ui::ColorRole::Accent);
+    painter.setPen(fill);
+    fill.setAlpha(40);
+    painter.fillRect(frame, fill);
+    painter.drawRect(frame);
+}
+
+/// What leads from where the question began to the pointer, and what is dragged.
+void DrawingCanvas::paintRubber(QPainter& painter) const
+{
+    if (m_frame && !m_frame->isEmpty())
+        paintFrame(painter, QRectF(screenOf({m_frame->lowX, m_frame->highY}),
+                                   screenOf({m_frame->highX, m_frame->lowY})));
+    if (!m_isAskingPoint || !m_base || !m_cursor)
+        return;
+    const QPointF base = screenOf(*m_base);
+    if (m_isCorner)
+        return paintFrame(painter, QRectF(base, *m_cursor).normalized());
+    painter.setPen(ui::color(ui::ColorRole::Accent));
+    painter.drawLine(base, *m_cursor);
 }
 
 void DrawingCanvas::resizeEvent(QResizeEvent*)
@@ -261,8 +311,13 @@ void DrawingCanvas::mousePressEvent(QMouseEvent* event)
         update();
     } else if (event->button() == Qt::LeftButton && m_isChoosing) {
         m_chosenFrom = event->position();
-    } else if (event->button() == Qt::LeftButton && onFocusTaken) {
-        onFocusTaken();
+    } else if (event->button() == Qt::LeftButton) {
+        if (onFocusTaken)
+            onFocusTaken();
+        if (m_isAskingPoint && onPoint)
+            onPoint(m_view.toPlan(pointOf(event->position())));
+    } else if (event->button() == Qt::RightButton && m_isAskingPoint && onEnter) {
+        onEnter();
     }
 }
 
@@ -275,7 +330,7 @@ void DrawingCanvas::mouseMoveEvent(QMouseEvent* event)
         m_view.panBy(moved.x(), moved.y());
         return changed();
     }
-    if (m_chosenFrom)
+    if (m_chosenFrom || m_base)
         update();
     if (onCursor)
         onCursor(m_view.toPlan(pointOf(event->position())));

@@ -89,6 +89,7 @@ MainWindow::MainWindow(app::Program& program, app::RecoveryKeeper* recovery,
 {
     ui::setMainFrame(this);
     ed::setUserPrompts(m_commands);
+    ed::setJigInput(m_commands);
     ed::setProgramControl(this);
     setWindowIcon(ui::icon(u"tarvik"));
     setAcceptDrops(true);
@@ -112,6 +113,7 @@ MainWindow::~MainWindow()
     ui::rememberWindow(*this, kWindowName);
     m_reactor.reset();
     ed::setProgramControl(nullptr);
+    ed::setJigInput(nullptr);
     ed::setUserPrompts(nullptr);
     ui::setMainFrame(nullptr);
 }
@@ -143,6 +145,10 @@ void MainWindow::makePanels()
     setCorner(Qt::BottomLeftCorner, Qt::LeftDockWidgetArea);
     setCorner(Qt::BottomRightCorner, Qt::RightDockWidgetArea);
     m_commands->onWorked = [this] { synchronise(); };
+    m_commands->onPointerQuestion = [this](const PointerQuestion* question) {
+        askPointer(question);
+    };
+    m_commands->onDragged = [this](const TvDbEntity* entity) { showDragged(entity); };
     m_coordinates->setTextFormat(Qt::PlainText);
     m_state->setTextFormat(Qt::PlainText);
     statusBar()->addWidget(m_coordinates);
@@ -262,10 +268,7 @@ void MainWindow::addPage(TvApDocument& document)
     auto* page = new DocumentPage(document, m_watch);
     page->canvas().onTyped = [this](QKeyEvent* event) { m_commands->type(event); };
     page->canvas().onFocusTaken = [this] { m_commands->line().setFocus(); };
-    page->canvas().onCursor = [this](TvGePoint2d at) {
-        m_coordinates->setText(words(app::Word::Coordinates, {TvString().format(u"%.4f", at.x),
-                                                              TvString().format(u"%.4f", at.y)}));
-    };
+    followPointer(*page);
     page->onLayoutChosen = [this](const TvString& name) {
         if (ed::setVariable(u"CTAB", name))
             synchronise();
@@ -281,11 +284,14 @@ void MainWindow::removePage(const TvDbDatabase* database)
     m_watch.forget(const_cast<TvDbDatabase*>(database));
     if (!page)
         return;
+    if (m_asked == page)
+        m_asked = nullptr;
     const bool former = std::exchange(m_isSynchronising, true);
     m_tabs->removeTab(m_tabs->indexOf(page));
     page->onLayoutChosen = nullptr;
     page->onLayoutMenu = nullptr;
     page->canvas().onViewChanged = nullptr;
+    page->canvas().onCursor = nullptr;
     page->hide();
     page->deleteLater(); // what closes it may have begun in it
     m_isSynchronising = former;

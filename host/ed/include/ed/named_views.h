@@ -9,8 +9,10 @@ class TvDbViewTableRecord;
 namespace ed {
 
 /// Keeps what is shown now under a name; a view of that name is replaced, and keeps its category.
+/// @param view  to be kept instead of what is shown.
 /// @return InvalidName; what the view's record answers.
-TvStatusCode saveNamedView(TvDbDatabase& database, const TvString& name);
+TvStatusCode saveNamedView(TvDbDatabase& database, const TvString& name,
+                           const std::optional<View>& view = std::nullopt);
 /// Shows a named view: its layout first, where it notes one.
 /// @return KeyNotFound; NotApplicable when it cannot be shown.
 TvStatusCode restoreNamedView(TvDbDatabase& database, const TvString& name);

@@ -60,8 +60,11 @@ void tvedInitGet(int flags, const TvChar* keywords);
 int tvedGetKword(const TvChar* prompt, TvString& out);
 int tvedGetInt(const TvChar* prompt, int& out);
 int tvedGetReal(const TvChar* prompt, double& out);
-/// Asks for an angle, in radians.
+/// Asks for an angle, in radians: typed, or that of the line between two points that are picked.
 int tvedGetAngle(const TvChar* prompt, double& out);
+/// Asks for a distance: typed, or between two points that are picked.
+/// @param base  the first of the two; null: both are asked for. World.
+int tvedGetDist(const TvGePoint3d* base, const TvChar* prompt, double& out);
 /// Asks for a point, typed or picked.
 /// @param base  from which a line may be drawn to the pointer; null: none. World.
 /// @param out   in the coordinates of the world.

@@ -40,6 +40,10 @@ public:
     /// The stored views count again.
     void forgetViews();
 
+    /// From the plane of what is shown to the coordinates of the world: of the sheet, or of model
+    /// space where one works in a window of the sheet.
+    TvGeMatrix3d planToWorld() const;
+
     /// What is shown of that layout, in its display coordinates; nullopt for one that was not shown
     /// yet.
     std::optional<ed::View> shownView(TvDbObjectId layout) const;
@@ -57,6 +61,7 @@ private:
         std::uint64_t changes = 0; ///< of the drawing when the list was made
         std::optional<app::ViewTransform> view;
         bool isTouched = false; ///< the user has panned or zoomed: it is his view
+        bool isChosen = false;  ///< a command has stored the view: it counts, even of nothing
         TvGePoint2d planOrigin; ///< of display coordinates, in the list's plane
         ed::View stored;        ///< as the drawing has it
     };

@@ -39,6 +39,15 @@ public:
     void beginZoomWindow();
     bool isChoosingWindow() const { return m_isChoosing; }
 
+    /// A command wants a point: the left button gives it, the right one is Enter.
+    /// @param base      a line leads from there to the pointer, in the list's plane; or none.
+    /// @param isCorner  a rectangle instead of the line.
+    void beginPoint(std::optional<TvGePoint2d> base, bool isCorner);
+    void endPoint();
+    bool isAskingPoint() const { return m_isAskingPoint; }
+    /// A frame around what is dragged, in the list's plane; none.
+    void setFrame(std::optional<gs::Box> frame);
+
     /// Paints until the picture is finished: for pictures of the program itself, and tests.
     void finishPainting();
     const DrawingRaster& raster() const { return m_raster; }
@@ -48,6 +57,8 @@ public:
     std::function<void()> onResized;         ///< the view has its new size already
     std::function<void(QKeyEvent*)> onTyped; ///< keys that are none of ours
     std::function<void()> onFocusTaken;
+    std::function<void(TvGePoint2d)> onPoint; ///< that was asked for, in the list's plane
+    std::function<void()> onEnter;            ///< the right button, while a point is asked for
 
 protected:
     bool event(QEvent* event) override;
@@ -70,6 +81,9 @@ private:
     bool gesture(QGestureEvent& event);
     void endChoosing();
     QRectF chosen() const;
+    void paintFrame(QPainter& painter, const QRectF& frame) const;
+    void paintRubber(QPainter& painter) const;
+    QPointF screenOf(TvGePoint2d plan) const;
 
     std::shared_ptr<const gs::DisplayList> m_list;
     DrawingRaster m_raster;
@@ -79,6 +93,10 @@ private:
     std::optional<QPointF> m_dragFrom; // of the middle button
     bool m_isChoosing = false;
     std::optional<QPointF> m_chosenFrom;
+    bool m_isAskingPoint = false;
+    bool m_isCorner = false;
+    std::optional<TvGePoint2d> m_base; // in the list's plane
+    std::optional<gs::Box> m_frame;
     gs::Background m_background = gs::Background::Dark;
 };
 

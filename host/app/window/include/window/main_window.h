@@ -18,11 +18,13 @@
 class QLabel;
 class QMenu;
 class QTabWidget;
+class TvDbEntity;
 
 namespace window {
 
 class CommandPanel;
 class DocumentPage;
+struct PointerQuestion;
 
 /// The program's window: a tab for each drawing, the command line below, palette sets at the edges.
 ///
@@ -74,6 +76,9 @@ private:
     void fillRecent(QMenu& menu);
     void openFile(const TvString& path);
     void addPage(TvApDocument& document);
+    void followPointer(DocumentPage& page);
+    void askPointer(const PointerQuestion* question);
+    void showDragged(const TvDbEntity* entity);
     void removePage(const TvDbDatabase* database);
     void showState();
     void runOn(TvApDocument& document, const TvString& command);
@@ -92,6 +97,7 @@ private:
     std::unique_ptr<Reactor> m_reactor;
     ProgramView m_view;
     QTimer m_soon, m_pulse, m_autosave;
+    DocumentPage* m_asked = nullptr; // not owned; for a point
     bool m_isSynchronising = false;
     bool m_isQuitting = false;
     bool m_saidAutosaveFailed = false;
