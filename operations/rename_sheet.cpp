@@ -48,10 +48,9 @@ bool isBlank(const TvString& text)
 /// Only the first ".dwg" counts, in these very letters.
 TvString withExtension(const TvString& file)
 {
-    const auto length = static_cast<int>(kExtension.size());
-    return static_cast<int>(file.find(kExtension)) == file.length() - length
-               ? file
-               : file + TvString(kExtension);
+    const int at = file.find(kExtension);
+    const bool isLast = at >= 0 && at + static_cast<int>(kExtension.size()) == file.length();
+    return isLast ? file : file + TvString(kExtension);
 }
 
 } // namespace
