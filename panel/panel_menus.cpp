@@ -2,8 +2,7 @@
 
 #include <map>
 
-#include <base/kv_file_system.h>
-#include <base/path_rules.h>
+#include <core/disk_look.h>
 #include <core/settings.h>
 #include <ed/tv_ap_doc_manager.h>
 #include <sm/kv_db_util.h>
@@ -13,7 +12,6 @@ namespace panel {
 
 namespace {
 
-constexpr int kTries = 6, kDelayMs = 500;
 constexpr TvChar kReverseKey[] = u"Config\\publish\\PublishReverseOrder";
 constexpr TvChar kStampKey[] = u"Config\\publish\\PublishStamp";
 
@@ -40,10 +38,12 @@ bool isOpenInHost(const TvString& path)
 
 void addSheetFacts(const TvSmSheet& sheet, ContextFacts& facts)
 {
+    // A folder that does not answer must not keep the menu from opening.
     const TvSmTvDbLayoutReference* reference = sheet.getLayoutReference();
-    const TvString path = reference ? reference->resolveFileName() : TvString();
-    facts.hasDrawing = !path.isEmpty() && KvFileSystem::pathFileExists(path, kTries, kDelayMs);
-    facts.isDrawingOpen = facts.hasDrawing && isOpenInHost(path);
+    bool isFile = false;
+    facts.hasDrawing =
+        reference && core::answersInTime(*reference, core::kPatienceMs, isFile) && isFile;
+    facts.isDrawingOpen = facts.hasDrawing && isOpenInHost(reference->resolveFileName());
 }
 
 } // namespace

@@ -5,8 +5,9 @@
 
 namespace panel {
 
-SheetListPage::SheetListPage(PageWindow& window, base::Clock& clock)
-    : m_window(window), m_clock(clock), m_statusTimer(static_cast<core::StatusTimer::Page&>(*this))
+SheetListPage::SheetListPage(PageWindow& window, base::Clock& clock, base::FileOps& files)
+    : m_window(window), m_clock(clock), m_files(files),
+      m_statusTimer(static_cast<core::StatusTimer::Page&>(*this))
 {
     m_window.enableControls(false);
 }
@@ -51,6 +52,7 @@ void SheetListPage::RebuildTree()
 {
     m_statusTimer.treeCleared();
     m_pass.reset();
+    m_isPassDue = false;
     m_window.suspendPainting();
     m_tree.ClearTree();
     const TvSmDatabase* database = GetCurrentDatabase();
@@ -156,23 +158,36 @@ void SheetListPage::UpdateStatusImages()
 {
     if (!m_tree.root())
         return;
-    m_pass.emplace(m_tree.database(), [this](const TvString& handle, core::SheetImage image) {
-        m_tree.setImage(handle, image);
-    });
-    if (!workOnStatus())
+    // Threads that wait for one dead share must not pile up.
+    if ((m_isPassDue = m_pass && m_pass->isWaiting()))
+        return;
+    m_pass.emplace(
+        m_tree.database(),
+        [this](const TvString& handle, core::SheetImage image) { m_tree.setImage(handle, image); },
+        m_files);
+    if (!workOnStatus(core::StatusPass::kSliceMs))
         m_window.wantIdleTime();
 }
 
 void SheetListPage::ResetStatusImages()
 {
     m_pass.reset();
+    m_isPassDue = false;
     m_tree.ResetStatusImages();
 }
 
 bool SheetListPage::workOnStatus()
 {
-    if (m_pass && m_pass->work(m_clock))
+    return workOnStatus(0);
+}
+
+bool SheetListPage::workOnStatus(int waitMs)
+{
+    if (m_pass && m_pass->work(m_clock, core::StatusPass::kSliceMs, waitMs)) {
         m_pass.reset();
+        if (std::exchange(m_isPassDue, false))
+            UpdateStatusImages();
+    }
     return !m_pass;
 }
 

@@ -63,9 +63,7 @@ DropPlace TreeDrag::placeAt(const DragPoint& point) const
 
 DragFeedback TreeDrag::track(const DragPoint& point)
 {
-    m_place = isDragging() ? placeAt(point) : DropPlace();
-    m_parentHandle = m_tree.GetItemHandle(m_place.parent);
-    m_afterHandle = m_tree.GetItemHandle(m_place.after);
+    setPlace(isDragging() ? placeAt(point) : DropPlace());
     DragFeedback feedback;
     if (!m_place)
         return feedback;
@@ -75,6 +73,19 @@ DragFeedback TreeDrag::track(const DragPoint& point)
     if (point.isOnItem)
         (isIntoClosed ? feedback.highlight : feedback.markAfter) = point.item;
     return feedback;
+}
+
+void TreeDrag::setPlace(const DropPlace& place)
+{
+    m_place = place;
+    m_parentHandle = m_tree.GetItemHandle(m_place.parent);
+    m_afterHandle = m_tree.GetItemHandle(m_place.after);
+}
+
+bool TreeDrag::aim(const DropPlace& place)
+{
+    setPlace(isDragging() && CanDropInto(place.parent) ? place : DropPlace());
+    return static_cast<bool>(m_place);
 }
 
 TvSmComponent* TreeDrag::objectAt(TreeItem* item) const

@@ -50,16 +50,15 @@ TvString TvSmFileReference::getFileName() const
 
 namespace {
 
-/// The spelling of @p path under which something is there; empty when there is nothing. Both
-/// slashes are understood, but a name that really holds a backslash comes first.
-TvString spellingThatExists(const TvString& path)
+/// Both slashes are understood, but a name that really holds a backslash comes first.
+void addSpellings(const TvString& path, std::vector<TvString>& places)
 {
     if (path.isEmpty())
-        return {};
-    if (KvFileSystem::pathFileExists(path))
-        return path;
+        return;
+    places.push_back(path);
     const TvString normal = base::PathRules::native().normalise(path);
-    return normal != path && KvFileSystem::pathFileExists(normal) ? normal : TvString();
+    if (normal != path)
+        places.push_back(normal);
 }
 
 TvString relativeTarget(const TvString& folder, const TvString& relative)
@@ -86,19 +85,28 @@ bool mayTouch(const TvString& path, const TvString& setFile)
 
 } // namespace
 
-TvString TvSmFileReference::resolveFileName(TvString& out) const
+std::vector<TvString> sm::placesOf(const TvSmFileReference& reference)
 {
-    const sm::DatabaseState* state = Internals::state(*this);
+    const sm::DatabaseState* state = Internals::state(reference);
     const TvString setFile = state ? state->fileName() : TvString();
     const TvString folder = state ? state->folder() : TvString();
-    const TvString stored = m_path.text();
-    TvString found;
+    const TvString stored = reference.m_path.text();
+    std::vector<TvString> places;
     if (base::PathRules::native().isAbsolute(stored) && mayTouch(stored, setFile))
-        found = spellingThatExists(stored);
-    for (const TvString& relative : {m_relative.text(), stored}) {
-        if (found.isEmpty())
-            found = spellingThatExists(relativeTarget(folder, relative));
-    }
+        addSpellings(stored, places);
+    for (const TvString& relative : {reference.m_relative.text(), stored})
+        addSpellings(relativeTarget(folder, relative), places);
+    return places;
+}
+
+TvString TvSmFileReference::resolveFileName(TvString& out) const
+{
+    TvString found;
+    for (const TvString& place : sm::placesOf(*this))
+        if (KvFileSystem::pathFileExists(place)) {
+            found = place;
+            break;
+        }
     cache().resolved = found;
     return out = found;
 }

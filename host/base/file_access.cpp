@@ -66,6 +66,7 @@ FileAccess::FileAccess(FileOps& ops, Clock& clock, PathFlavour flavour)
 
 void FileAccess::allowHost(const TvString& host)
 {
+    const std::lock_guard guard(m_hostsMutex);
     if (!host.isEmpty())
         m_allowedHosts.insert(host.toLower());
 }
@@ -74,6 +75,7 @@ bool FileAccess::isTouchAllowed(const TvString& path) const
 {
     if (!m_rules.isNetwork(path) && !PathRules::isUrl(path))
         return true;
+    const std::lock_guard guard(m_hostsMutex);
     // Devices and URLs without a host have none that anybody could agree to.
     return m_allowedHosts.count(m_rules.hostOf(path).toLower()) != 0;
 }

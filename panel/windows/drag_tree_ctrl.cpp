@@ -42,13 +42,23 @@ CDragTreeCtrl::CDragTreeCtrl(panel::SheetTree& tree, QWidget* parent)
     setFrameShape(NoFrame);
     setModel(&m_model);
     setAutoScroll(false); // it would open what the current item is hidden in
-    m_model.onChanged = [this] { viewport()->update(); };
+    connectModel();
+}
+
+void CDragTreeCtrl::connectModel()
+{
+    m_model.onChanged = [this] {
+        viewport()->update();
+        refilterSoon();
+    };
     m_model.onExpansion = [this](const TreeItem& item) {
         scheduleDelayedItemsLayout(); // many items may follow
-        setExpanded(m_model.indexOf(&item), item.isExpanded());
+        if (!isFiltering())
+            setExpanded(m_model.indexOf(&item), item.isExpanded());
     };
     m_model.onInserted = [this](const TreeItem& above, int first, int last) {
         scheduleDelayedItemsLayout();
+        refilterSoon();
         if (above.isExpanded())
             setExpanded(m_model.indexOf(&above), true);
         for (int row = first; row <= last; ++row)
@@ -56,16 +66,19 @@ CDragTreeCtrl::CDragTreeCtrl(panel::SheetTree& tree, QWidget* parent)
     };
     m_model.onReset = [this] {
         scheduleDelayedItemsLayout();
+        refilterSoon();
         if (m_tree.root())
             applyExpansion(*m_tree.root());
         showSelection();
     };
     m_model.onSelection = [this] { showSelection(); };
     connect(this, &QTreeView::expanded, this, [this](const QModelIndex& index) {
-        m_tree.setExpanded(panel::SheetTreeModel::itemAt(index), true);
+        if (!m_isViewAlone && !isFiltering())
+            m_tree.setExpanded(panel::SheetTreeModel::itemAt(index), true);
     });
     connect(this, &QTreeView::collapsed, this, [this](const QModelIndex& index) {
-        m_tree.setExpanded(panel::SheetTreeModel::itemAt(index), false);
+        if (!m_isViewAlone && !isFiltering())
+            m_tree.setExpanded(panel::SheetTreeModel::itemAt(index), false);
     });
 }
 
@@ -147,7 +160,7 @@ void CDragTreeCtrl::mousePressEvent(QMouseEvent* event)
 {
     const QPoint at = event->position().toPoint();
     if (TreeItem* opened = event->button() == Qt::LeftButton ? expandButtonUnder(at) : nullptr)
-        return m_tree.setExpanded(opened, !opened->isExpanded());
+        return toggle(*opened);
     TreeItem* item = itemUnder(at);
     if (!item || at.x() < rectOf(item).left())
         return;
@@ -158,7 +171,10 @@ void CDragTreeCtrl::mousePressEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton)
         return;
     m_downPoint = at;
-    m_mouse.leftDown(item, withCtrl, withShift);
+    if (isFiltering() && withShift && !withCtrl && m_tree.selectedCount() > 0)
+        selectShownRange(m_tree.anchor(), item);
+    else
+        m_mouse.leftDown(item, withCtrl, withShift);
     if (events.pressed)
         events.pressed();
 }
@@ -223,7 +239,11 @@ void CDragTreeCtrl::timerEvent(QTimerEvent* event)
     if (event->timerId() == m_expandTimer.timerId()) {
         m_expandTimer.stop();
         if (TreeItem* item = itemUnder(m_dragPoint))
-            m_tree.setExpanded(item, true);
+            isFiltering() ? setExpanded(m_model.indexOf(item), true)
+                          : m_tree.setExpanded(item, true);
+    } else if (event->timerId() == m_filterTimer.timerId()) {
+        m_filterTimer.stop();
+        applyFilter();
     } else if (event->timerId() == m_scrollTimer.timerId()) {
         const int lines = m_drag.scrollTick(m_dragPoint.y(), 0, viewport()->height());
         if (lines == 0)
@@ -255,14 +275,14 @@ void CDragTreeCtrl::mouseDoubleClickEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton || !item)
         return;
     if (TreeItem* opened = expandButtonUnder(at))
-        return m_tree.setExpanded(opened, !opened->isExpanded());
+        return toggle(*opened);
     const TvString handle = item->handle();
     if (events.doubleClicked &&
         events.doubleClicked(item, has(event->modifiers(), Qt::ControlModifier)))
         return;
     item = m_tree.itemOf(handle); // what a double click does may load the set anew
     if (item && item->hasChildren())
-        m_tree.setExpanded(item, !item->isExpanded());
+        toggle(*item);
 }
 
 void CDragTreeCtrl::contextMenuEvent(QContextMenuEvent* event)
@@ -282,7 +302,7 @@ void CDragTreeCtrl::contextMenuEvent(QContextMenuEvent* event)
 
 void CDragTreeCtrl::keyPressEvent(QKeyEvent* event)
 {
-    if (m_drag.isDragging())
+    if (m_drag.isDragging() || (event->modifiers() == Qt::AltModifier && moveByArrow(event->key())))
         return;
     switch (event->key()) {
     case Qt::Key_Return:
@@ -300,7 +320,10 @@ void CDragTreeCtrl::keyPressEvent(QKeyEvent* event)
     if (now && now != before) {
         if (has(event->modifiers(), Qt::ShiftModifier) && m_tree.anchor()) {
             const panel::SheetTree::Batch batch(m_tree);
-            m_tree.SelectRange(m_tree.anchor(), now);
+            if (isFiltering())
+                selectShownRange(m_tree.anchor(), now);
+            else
+                m_tree.SelectRange(m_tree.anchor(), now);
             m_tree.setCaret(now);
         } else {
             m_tree.setAnchor(now);

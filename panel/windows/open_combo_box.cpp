@@ -17,6 +17,16 @@ namespace {
 constexpr int kOpenText = 420;
 constexpr int kIconPx = 16;
 
+/// Anybody may have written what says who holds a lock.
+TvString withoutControls(const TvString& text)
+{
+    TvString shown;
+    for (const TvChar unit : text.view())
+        if (unit >= u' ' && (unit < 0x7F || unit > 0x9F))
+            shown += unit;
+    return shown;
+}
+
 } // namespace
 
 COpenComboBox::COpenComboBox(QWidget* parent) : QWidget(parent)
@@ -37,6 +47,24 @@ bool COpenComboBox::isLocked()
     return current && current->getLockStatus() != 0;
 }
 
+QString COpenComboBox::tip()
+{
+    constexpr int kWithOwner = 8928, kWithState = 8929, kFirstState = 22230;
+    const TvSmDatabase* current = GetCurrentDatabase();
+    if (!current)
+        return {};
+    const TvString file = current->getFileName();
+    const base::LockInfo lock = sm::lockInfo(current);
+    if (lock.state == base::LockState::Free)
+        return ui::toQt(file);
+    const TvString state = ui::fromQt(ui::textOf(kFirstState + static_cast<int>(lock.state)));
+    if (!lock.owner)
+        return ui::textOf(kWithState, std::vector<TvString>{file, state});
+    return ui::textOf(kWithOwner,
+                      std::vector<TvString>{file, state, withoutControls(lock.owner->user),
+                                            withoutControls(lock.owner->host)});
+}
+
 void COpenComboBox::openMenu()
 {
     const core::OpenMenu open;
@@ -52,9 +80,7 @@ QSize COpenComboBox::sizeHint() const
 bool COpenComboBox::event(QEvent* event)
 {
     if (event->type() == QEvent::ToolTip) {
-        const TvSmDatabase* current = GetCurrentDatabase();
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(),
-                           current ? ui::toQt(current->getFileName()).toHtmlEscaped() : QString(),
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), tip().toHtmlEscaped(),
                            this);
         return true;
     }

@@ -1,6 +1,9 @@
 #include "panel_windows/sheet_set_dlg.h"
 
 #include <QEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QShortcut>
 #include <QTimer>
 
 #include <core/session.h>
@@ -19,13 +22,16 @@ namespace {
 
 using Dlg = CSheetSetDlg;
 
-constexpr int kFollowingSet[] = {Dlg::kPublish, Dlg::kPublishMenu, Dlg::kSelections,
-                                 Dlg::kRefresh, Dlg::kTips,        Dlg::kExpand};
+constexpr int kFollowingSet[] = {Dlg::kPublish, Dlg::kPublishMenu, Dlg::kSelections, Dlg::kRefresh,
+                                 Dlg::kTips,    Dlg::kExpand,      Dlg::kFilter};
 
 // Texts.
 constexpr int kFormatTip = 423, kPublishTip = 424, kSelectionsTip = 425;
 constexpr int kCollapseTip = 568, kExpandTip = 569, kTipsOnTip = 570, kTipsOffTip = 571;
 constexpr int kRefreshTip = 572;
+constexpr int kFindText = 8926, kFindTip = 8927;
+
+constexpr int kIdleMs = 5; // between two looks at what the disk answered
 
 struct Format {
     const char16_t* icon;
@@ -77,7 +83,7 @@ public:
     bool isVisible() const override { return m_isPanelVisible(); }
     void startTimer(int, int periodMs) override { m_status.start(periodMs); }
     void stopTimer(int) override { m_status.stop(); }
-    void wantIdleTime() override { m_idle.start(0); }
+    void wantIdleTime() override { m_idle.start(kIdleMs); }
     void updateUiStyle() override { m_page.update(); }
 
 private:
@@ -151,6 +157,7 @@ bool CSheetSetDlg::OnInitDialog()
     showButtons();
     connectTree();
     connectMenus();
+    connectFilter();
     panel::addSelectionCommands(*this);
     core::readTipStyle();
     enableControls(false);
@@ -165,6 +172,10 @@ void CSheetSetDlg::connectTree()
                                        const QPoint& at) { showTreeMenu(hit, keys, at); };
     m_tree->events.doubleClicked = [this](panel::TreeItem* item, bool withCtrl) {
         return m_commands->OpenSheetByDoubleClick(item, withCtrl);
+    };
+    m_tree->events.moveWanted = [this](panel::MoveKey key) {
+        if (panel::moveByKey(m_page->tree(), GetCurrentDatabase(), key))
+            m_page->statusTimer().UpdateSheetStatusIfEnabled();
     };
     m_tree->events.key = [this](int key) { return onTreeKey(key); };
     m_tree->MakeTips(std::make_unique<CTarvSheetSetToolTipCtrl>());
@@ -181,6 +192,38 @@ void CSheetSetDlg::connectMenus()
     Item<CDropMenuButton>(kSelections)->onMenu = [this](const QPoint& at) {
         popup(m_menus->selections(), at);
     };
+}
+
+void CSheetSetDlg::connectFilter()
+{
+    auto* box = Item<QLineEdit>(kFilter);
+    box->setPlaceholderText(ui::textOf(kFindText));
+    box->setToolTip(ui::textOf(kFindTip));
+    box->setAccessibleName(ui::textOf(kFindTip));
+    box->setClearButtonEnabled(true);
+    box->installEventFilter(this);
+    connect(box, &QLineEdit::textChanged, this,
+            [this](const QString& words) { m_tree->SetFilter(ui::fromQt(words)); });
+    auto* find = new QShortcut(QKeySequence::Find, this); // owned by the page
+    find->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(find, &QShortcut::activated, this, [this] { FocusDlgItem(kFilter); });
+}
+
+/// The keys of the filter box: Escape empties it, Down and Enter lead to what was found.
+bool CSheetSetDlg::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched != GetDlgItem(kFilter) || event->type() != QEvent::KeyPress)
+        return CTdUiDialog::eventFilter(watched, event);
+    switch (static_cast<QKeyEvent*>(event)->key()) {
+    case Qt::Key_Escape:
+        Item<QLineEdit>(kFilter)->clear();
+        m_tree->setFocus();
+        return true;
+    case Qt::Key_Down:
+    case Qt::Key_Return:
+    case Qt::Key_Enter: m_tree->setFocus(); return true;
+    default: return CTdUiDialog::eventFilter(watched, event);
+    }
 }
 
 void CSheetSetDlg::run(int id)

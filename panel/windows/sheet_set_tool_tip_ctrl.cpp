@@ -6,7 +6,9 @@
 #include <QTextLayout>
 #include <QToolTip>
 
+#include <core/disk_look.h>
 #include <core/session.h>
+#include <sm/tv_sm_database.h>
 #include <ui/kv_preview_static.h>
 #include <ui/qt_text.h>
 
@@ -57,6 +59,16 @@ int lineFeedsAtFront(const TvString& text)
     return count;
 }
 
+/// Whether the folder of a sheet's drawing can be asked; what is no sheet needs none.
+bool answersInTime(const TvString& handle)
+{
+    const TvSmDatabase* database = GetCurrentDatabase();
+    const auto* sheet = database ? tvrxCast<TvSmSheet>(database->findObject(handle)) : nullptr;
+    const auto* reference = sheet ? sheet->getLayoutReference() : nullptr;
+    bool isFile = false;
+    return !reference || core::answersInTime(*reference, core::kPatienceMs, isFile);
+}
+
 core::TipStyle withoutPreview(core::TipStyle style)
 {
     style.mode = style.showsDetails() ? core::TipStyle::NameAndDetails : core::TipStyle::Name;
@@ -87,13 +99,14 @@ CTarvSheetSetToolTipCtrl::~CTarvSheetSetToolTipCtrl() = default;
 
 void CTarvSheetSetToolTipCtrl::GetTipText(TvString& out)
 {
-    core::fillTip(GetCurrentDatabase(), m_handle, core::tipStyle(), core::drawingInfoCache(),
-                  m_tip);
+    const core::TipStyle style =
+        answersInTime(m_handle) ? core::tipStyle() : core::TipStyle{core::TipStyle::Name};
+    core::fillTip(GetCurrentDatabase(), m_handle, style, core::drawingInfoCache(), m_tip);
     m_picture =
         m_tip.preview ? ui::previewImage(std::as_bytes(std::span(m_tip.preview->bytes))) : QImage();
     // What cannot be shown needs no room.
     if (m_tip.preview && m_picture.isNull())
-        core::fillTip(GetCurrentDatabase(), m_handle, withoutPreview(core::tipStyle()),
+        core::fillTip(GetCurrentDatabase(), m_handle, withoutPreview(style),
                       core::drawingInfoCache(), m_tip);
     out = m_tip.text;
 }

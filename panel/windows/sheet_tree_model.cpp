@@ -1,5 +1,6 @@
 #include "panel_windows/sheet_tree_model.h"
 
+#include <sm/tv_sm_database.h>
 #include <ui/icon.h>
 #include <ui/qt_text.h>
 
@@ -9,6 +10,7 @@ namespace {
 
 constexpr const char* kImages[] = {"sheet-set", "subset",        "subset-bad",  "subset-no-publish",
                                    "sheet",     "sheet-missing", "sheet-in-use"};
+constexpr int kSpoken[] = {8920, 8921, 8922, 8923, 0, 8924, 8925}; // texts; 0: nothing to say
 
 } // namespace
 
@@ -80,6 +82,7 @@ QVariant SheetTreeModel::data(const QModelIndex& index, int role) const
         if (isChecked)
             return isChecked(*item) ? Qt::Checked : Qt::Unchecked;
         return {};
+    case Qt::AccessibleTextRole: return accessibleName(*item);
     default: return {};
     }
 }
@@ -99,6 +102,22 @@ Qt::ItemFlags SheetTreeModel::flags(const QModelIndex& index) const
 {
     const Qt::ItemFlags usual = QAbstractItemModel::flags(index);
     return isChecked && index.isValid() ? usual | Qt::ItemIsUserCheckable : usual;
+}
+
+/// "A-101, Ground floor, drawing missing": what a picture shows, in words.
+QString SheetTreeModel::accessibleName(TreeItem& item) const
+{
+    QStringList parts;
+    if (const auto* sheet = tvrxCast<TvSmSheet>(m_tree.GetComponent(&item))) {
+        if (const TvString number = sheet->getNumber(); !number.isEmpty())
+            parts << ui::toQt(number);
+        parts << ui::toQt(sheet->getTitle());
+    } else {
+        parts << ui::toQt(m_tree.labelOf(item));
+    }
+    if (const int words = kSpoken[static_cast<std::size_t>(item.image())])
+        parts << ui::textOf(words);
+    return parts.join(QLatin1String(", "));
 }
 
 void SheetTreeModel::wasReset()

@@ -1,5 +1,6 @@
 // Which images the items of a sheet list show.
 
+#include <core/disk_look.h>
 #include <core/status_pass.h>
 
 #include <db/file_open_info_tip_manager.h>
@@ -171,14 +172,14 @@ TEST_F(StatusPassTest, YieldsWhenItsTimeIsOverAndGoesOnWhereItWas)
         sheetOf(set, "a.dwg");
     SlowClock clock;
     StatusPass all = pass();
-    EXPECT_FALSE(all.work(clock, 20));
+    EXPECT_FALSE(all.work(clock, 20, core::DiskLook::kForEver));
     EXPECT_EQ(order.size(), 20u);
     int slices = 1;
-    while (!all.work(clock, 20))
+    while (!all.work(clock, 20, core::DiskLook::kForEver))
         ++slices;
     EXPECT_EQ(order.size(), 100u);
     EXPECT_EQ(slices, 4);
-    EXPECT_TRUE(all.work(clock, 20));
+    EXPECT_TRUE(all.work(clock, 20, core::DiskLook::kForEver));
     EXPECT_EQ(order.size(), 100u) << "it is done";
 }
 

@@ -5,6 +5,7 @@
 #include <ed/system_variables.h>
 #include <panel/tree_mouse.h>
 
+#include "blocking_files.h"
 #include "panel_scene.h"
 
 namespace {
@@ -303,6 +304,29 @@ TEST_F(SheetListPageTest, APassThatTheUserAskedForGoesOnAfterAReload)
     }
     EXPECT_EQ(slowPage.tree().itemOf(handleOf(cover))->image(),
               core::SheetImage::ImageSheetMissing);
+}
+
+TEST_F(SheetListPageTest, WhileAFolderDoesNotAnswerThePageAsksNothingAndGoesOn)
+{
+    change([this](TvSmSheetSet&) { setLayout(cover, folder.file("cover.dwg"), u"1E", u"A1"); });
+    folder.write("cover.dwg", "a drawing as far as its name goes");
+    BlockingFiles away(std::this_thread::get_id());
+    panel::SheetListPage patient(window, clock, away);
+    SetCurrentDatabase(database);
+    patient.SwitchDatabase(true);
+    patient.tree().setImage(handleOf(cover), core::SheetImage::ImageSheetMissing);
+    for (int i = 0; i < 10; ++i)
+        patient.UpdateStatusImages();
+    away.waitForQuestion();
+    EXPECT_TRUE(window.has("idle"));
+    EXPECT_FALSE(patient.workOnStatus());
+    EXPECT_EQ(away.askedByForbidden(), 0) << "the thread of the windows never asks the disk";
+    EXPECT_EQ(away.asked(), 1) << "and those who wait do not pile up";
+    EXPECT_EQ(patient.tree().itemOf(handleOf(cover))->image(), core::SheetImage::ImageSheetMissing);
+    away.answer();
+    while (!patient.workOnStatus()) {
+    }
+    EXPECT_EQ(patient.tree().itemOf(handleOf(cover))->image(), core::SheetImage::ImageSheet);
 }
 
 TEST_F(SheetListPageTest, TheTimerStopsBeforeARebuildAndStartsBehindIt)

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include <base/clock.h>
+#include <base/file_ops.h>
 #include <base/tv_string.h>
 
 class TvSmDatabase;
@@ -25,9 +26,10 @@ enum class SheetImage : int {
 /// Looks at the drawings of all sheets of a set, a little at a time, and tells the image of each
 /// sheet and subset: sheets in the order of the tree, a subset behind what is below it.
 ///
-/// Each drawing is asked about once in a pass, however many of its layouts are sheets. Objects are
-/// found anew by their handles in each step, so the set may be changed and loaded between two; what
-/// is gone keeps its image. The pass must be given up before its set closes.
+/// The disk is asked in another thread, so that nobody waits for a folder that does not answer; see
+/// DiskLook. Each drawing is asked about once in a pass, however many of its layouts are sheets.
+/// Objects are found anew by their handles in each step, so the set may be changed and loaded
+/// between two; what is gone keeps its image. The pass must be given up before its set closes.
 class StatusPass
 {
 public:
@@ -35,17 +37,20 @@ public:
 
     /// @param database  null is a pass that is done.
     /// @param tell      called in work(); it must not give up the pass.
-    StatusPass(const TvSmDatabase* database, Tell tell);
+    /// @param ops       asked in the other thread; not owned, outlives it.
+    StatusPass(const TvSmDatabase* database, Tell tell, base::FileOps& ops = base::systemFileOps());
     ~StatusPass();
     StatusPass(StatusPass&&) noexcept;
     StatusPass& operator=(StatusPass&&) noexcept;
 
     bool isDone() const;
-    /// Goes on with one sheet or subset. False when there was none left.
+    /// The disk has not answered yet what comes next.
+    bool isWaiting() const;
+    /// Goes on with one sheet or subset, and waits for the disk. False when there was none left.
     bool step();
-    /// Goes on until @p budgetMs are over, one item at least. @return whether it is done.
-    /// @note one item asks the disk a few times; a share that does not answer holds it up.
-    bool work(base::Clock& clock, int budgetMs = kSliceMs);
+    /// Goes on until @p budgetMs are over. @return whether it is done.
+    /// @param waitMs  for what the disk has not answered yet: it never waits longer than this.
+    bool work(base::Clock& clock, int budgetMs = kSliceMs, int waitMs = kSliceMs);
     /// Everything at once.
     void finish();
     /// How many different drawings were asked about so far.

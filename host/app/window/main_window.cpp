@@ -10,6 +10,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPointer>
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QToolBar>
@@ -191,9 +192,27 @@ void MainWindow::makeActions()
             else
                 perform(row.own);
         });
+        if (row.label == app::Word::SheetSets)
+            showPanelState(*action);
         if (row.isOnToolBar)
             bar->addAction(action);
     }
+}
+
+/// The entry is checked while the panel of sheet sets is shown, and hides it then.
+void MainWindow::showPanelState(QAction& action)
+{
+    action.setCheckable(true);
+    action.disconnect();
+    QObject::connect(&action, &QAction::triggered, this, [this, &action](bool isWanted) {
+        m_commands->run(isWanted ? u"_SHEETSET" : u"_SHEETSETHIDE");
+        action.setChecked(m_program.mainAppService().isSheetSetPaletteShown());
+    });
+    m_program.mainAppService().setSheetSetPaletteListener(
+        [entry = QPointer<QAction>(&action)](bool isShown) {
+            if (entry)
+                entry->setChecked(isShown);
+        });
 }
 
 void MainWindow::fillRecent(QMenu& menu)

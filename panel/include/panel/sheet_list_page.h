@@ -46,8 +46,10 @@ public:
 class SheetListPage : public core::SheetSetPalette, private core::StatusTimer::Page
 {
 public:
-    /// @param window  not owned; outlives the page. @param clock  not owned; of the status pass.
-    SheetListPage(PageWindow& window, base::Clock& clock);
+    /// @param window  not owned; outlives the page. @param clock, files  not owned; of the status
+    /// pass. The files are asked in another thread.
+    SheetListPage(PageWindow& window, base::Clock& clock,
+                  base::FileOps& files = base::systemFileOps());
     ~SheetListPage() override;
 
     SheetTree& tree() { return m_tree; }
@@ -75,10 +77,11 @@ public:
     void SelectNextSheet();
 
     core::StatusTimer& statusTimer() { return m_statusTimer; }
-    /// Begins a look at all drawings, in the place of one that runs. A small set is done at once.
+    /// Begins a look at all drawings, in the place of one that runs; where that waits for the disk,
+    /// behind it. A small set is done at once, as long as its disk answers.
     void UpdateStatusImages() override;
     void ResetStatusImages() override;
-    /// Goes on with it for a moment. @return whether it is done.
+    /// Goes on with it for a moment, and waits for nothing. @return whether it is done.
     bool workOnStatus();
 
     /// Opens or closes all below the root; what the button shows next.
@@ -106,16 +109,19 @@ private:
 
     void fill(const ViewMemory::View* view);
     void rememberView();
+    bool workOnStatus(int waitMs);
     void readPublishFormat();
     void selectSibling(TreeItem* (TreeItem::*next)() const);
 
     PageWindow& m_window;
     base::Clock& m_clock;
+    base::FileOps& m_files;
     core::StatusTimer m_statusTimer;
     SheetTree m_tree;
     ViewMemory m_memory;
     TvSmDatabase* m_displayedDb = nullptr; // the manager's; told when it goes
     std::optional<core::StatusPass> m_pass;
+    bool m_isPassDue = false; // another one, behind the one that waits for the disk
     bool m_collapsed = false;
     int m_publishFormat = 1;
 };

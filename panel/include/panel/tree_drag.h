@@ -65,6 +65,8 @@ public:
     /// goes below itself.
     bool CanDropInto(const TreeItem* target) const;
     const DropPlace& place() const { return m_place; }
+    /// Takes a place that nobody points at. False, and no place, where it is refused.
+    bool aim(const DropPlace& place);
 
     /// Puts the items where track() found a place, in their order, and keeps the change; without a
     /// place it is taken back. Items of objects that are gone stay.
@@ -79,6 +81,7 @@ public:
 
 private:
     DropPlace placeAt(const DragPoint& point) const;
+    void setPlace(const DropPlace& place);
     bool dropOne(TreeItem& item);
     TvSmComponent* objectAt(TreeItem* item) const;
     void end();

@@ -1,5 +1,9 @@
 // The panel in the program, brought by the module as its users have it.
 
+#include <sys/wait.h>
+
+#include <QElapsedTimer>
+
 #include <core/session.h>
 #include <core/sheet_set_panel.h>
 #include <ed/tarv_palette_prop_manager.h>
@@ -10,6 +14,7 @@
 #include <ui/qt_text.h>
 
 #include "../../app/window/window_scene.h"
+#include "tied_fork.h"
 
 namespace {
 
@@ -105,6 +110,30 @@ TEST_F(PanelProgramTest, SheetSetShowsThePaletteSetAndSheetSetHideHidesIt)
     EXPECT_FALSE(program->mainAppService().isSheetSetPaletteShown()) << "by its cross as well";
 }
 
+TEST_F(PanelProgramTest, TheMenuEntryIsCheckedWhileThePanelIsShownAndHidesIt)
+{
+    QAction* entry = nullptr;
+    for (QAction* action : main->findChildren<QAction*>())
+        if (action->text() == ui::textOf(23570))
+            entry = action;
+    ASSERT_NE(entry, nullptr);
+    EXPECT_TRUE(entry->isCheckable());
+    EXPECT_FALSE(entry->isChecked());
+    entry->trigger();
+    settle();
+    ASSERT_NE(panel(), nullptr);
+    EXPECT_TRUE(panel()->isVisible());
+    EXPECT_TRUE(entry->isChecked());
+    panel()->close();
+    EXPECT_FALSE(entry->isChecked()) << "hidden by its cross";
+    type("SHEETSET");
+    EXPECT_TRUE(entry->isChecked()) << "shown by its command";
+    entry->trigger();
+    settle();
+    EXPECT_FALSE(panel()->isVisible());
+    EXPECT_FALSE(entry->isChecked());
+}
+
 TEST_F(PanelProgramTest, AnOpenedSetStandsInTheTree)
 {
     main->openFiles({folder.file("house.dst")});
@@ -139,6 +168,84 @@ TEST_F(PanelProgramTest, WhatAnotherProcessWritesIsShown)
     EXPECT_TRUE(QTest::qWaitFor([this] {
         return tree().model()->index(0, 0).data().toString() == QLatin1String("Villa");
     }));
+}
+
+/// Another process that changes the set and commits.
+template <class Change>
+void changeInAnotherProcess(const TvString& file, Change change)
+{
+    const pid_t child = tiedFork();
+    if (child == 0) {
+        TvSmSheetSetMgr other;
+        TvSmDatabase* copy = other.openDatabase(file, true, 0);
+        const bool isChanged =
+            copy && copy->lockDb(copy) && (change(*copy), true) && copy->unlockDb(copy, true);
+        ::_exit(isChanged ? 0 : 1);
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_EQ(status, 0);
+}
+
+TEST_F(PanelProgramTest, WhatAnotherProcessWritesIsShownWithTheViewAsItWas)
+{
+    const TvString file = folder.file("house.dst");
+    TvString handle;
+    {
+        TvSmSheetSetMgr other;
+        TvSmDatabase* copy = other.openDatabase(file, true, 0);
+        ASSERT_TRUE(copy && copy->lockDb(copy));
+        for (int i = 0; i < 60; ++i) {
+            TvSmSheet* sheet = copy->getSheetSet()->createSheet(TvString().format(u"S%d", i), u"");
+            copy->getSheetSet()->insertComponent(sheet, nullptr);
+            if (i == 40)
+                handle = sheet->objectId().getHandle();
+        }
+        ASSERT_TRUE(copy->unlockDb(copy, true));
+        other.closeDatabase(copy);
+    }
+    main->openFiles({file});
+    settle();
+    panel::SheetTree& items = tree().items().tree();
+    items.ExpandAll(true);
+    items.setExpanded(items.root()->firstChild(), false);
+    const auto open = items.GetExpandSnapshot();
+    items.selectOnly(items.itemOf(handle));
+    settle();
+    tree().scrollToTop(items.itemOf(handle)->previousSibling()->previousSibling());
+    settle();
+    const panel::TreeItem* top = tree().firstVisible();
+    ASSERT_NE(top, items.root());
+
+    QElapsedTimer since;
+    changeInAnotherProcess(file, [&](TvSmDatabase& copy) {
+        tvrxCast<TvSmSheet>(copy.findObject(handle))->setTitle(u"Villa");
+    });
+    since.start();
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return items.labelOf(*items.itemOf(handle)) == u"Villa"; }, 30000));
+    RecordProperty("shownAfterMs", static_cast<int>(since.elapsed()));
+    settle();
+    EXPECT_EQ(items.GetExpandSnapshot(), open);
+    EXPECT_EQ(items.GetSelectedHandles(), std::set<TvString>{handle});
+    EXPECT_EQ(items.caret(), items.itemOf(handle));
+    EXPECT_EQ(tree().firstVisible(), top) << "nothing has scrolled";
+}
+
+TEST_F(PanelProgramTest, AFileThatWasDeletedIsWrittenBackFromMemory)
+{
+    main->openFiles({folder.file("house.dst")});
+    settle();
+    const std::filesystem::path file = folder.path() / "house.dst";
+    ASSERT_TRUE(std::filesystem::remove(file));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(file); }, 30000));
+    settle();
+    EXPECT_TRUE(messages.asked.empty()) << "and the user is not told";
+    TvSmSheetSetMgr other;
+    TvSmDatabase* copy = other.openDatabase(folder.file("house.dst"), true, 0);
+    ASSERT_NE(copy, nullptr);
+    EXPECT_EQ(copy->getSheetSet()->getName(), GetCurrentDatabase()->getSheetSet()->getName());
+    other.closeDatabase(copy);
 }
 
 TEST_F(PanelProgramTest, ThePanelComesBackWhereItWas)

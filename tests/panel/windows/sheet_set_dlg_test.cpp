@@ -18,6 +18,8 @@ TEST_F(PageTest, EachItemHasThePictureOfItsStatus)
 {
     drawingFor(plan, "plan.dwg");
     dlg->page().UpdateStatusImages();
+    while (!dlg->page().workOnStatus()) {
+    }
     EXPECT_EQ(at(plan)->image(), core::SheetImage::ImageSheet);
     EXPECT_EQ(at(cover)->image(), core::SheetImage::ImageSheetMissing);
     const auto picture = [&](const TvSmPersist* object) {

@@ -1,6 +1,19 @@
 #pragma once
 
+#include <vector>
+
 #include <sm/tv_sm_persist.h>
+
+class TvSmFileReference;
+
+namespace sm {
+
+/// The paths under which what is referred to is looked for: the first one where something is there
+/// is meant. Nothing of the disk is asked for this, so that it can be asked elsewhere and later.
+/// @note lets a network host be asked as TvSmFileReference::resolveFileName() does.
+std::vector<TvString> placesOf(const TvSmFileReference& reference);
+
+} // namespace sm
 
 /// A file or folder that a sheet set refers to.
 ///
@@ -33,6 +46,7 @@ class TvSmFileReference : public TvSmPersist
 
 private:
     friend struct sm::Internals;
+    friend std::vector<TvString> sm::placesOf(const TvSmFileReference& reference);
     sm::StoredText m_path;
     sm::StoredText m_relative;
     struct Cache {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <ed/tarv_palette_prop_manager.h>
 
 namespace app {
@@ -15,9 +17,19 @@ public:
     MainAppService& operator=(const MainAppService&) = delete;
 
     bool isSheetSetPaletteShown() const { return m_isPaletteShown; }
+    /// Who shows that state, in the place of whoever did; told of each change.
+    void setSheetSetPaletteListener(std::function<void(bool isShown)> listener)
+    {
+        m_paletteListener = std::move(listener);
+    }
 
     // TarvikMainAppService
-    void setSheetSetPaletteState(bool isShown) override { m_isPaletteShown = isShown; }
+    void setSheetSetPaletteState(bool isShown) override
+    {
+        m_isPaletteShown = isShown;
+        if (m_paletteListener)
+            m_paletteListener(isShown);
+    }
     void AddDstFileToRecentFileList(const TvString& path) override;
     TvString GetUserLocalApplicationDataTemplatePath() override;
     TvString GetUserRoamingDataPath() override { return m_config; }
@@ -25,6 +37,7 @@ public:
 private:
     TvString m_config, m_data;
     bool m_isPaletteShown = false;
+    std::function<void(bool isShown)> m_paletteListener;
 };
 
 } // namespace app

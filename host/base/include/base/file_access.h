@@ -1,5 +1,6 @@
 #pragma once
 
+#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -54,6 +55,7 @@ private:
     FileOps& m_ops; // not owned
     Clock& m_clock; // not owned
     PathRules m_rules;
+    mutable std::mutex m_hostsMutex;   ///< files may be asked about in other threads
     std::set<TvString> m_allowedHosts; ///< Folded: hosts have no case.
 };
 

@@ -4,6 +4,8 @@
 #include <QTreeView>
 
 #include <panel/tree_drag.h>
+#include <panel/tree_filter.h>
+#include <panel/tree_keys.h>
 #include <panel/tree_mouse.h>
 #include <panel_windows/sheet_tree_model.h>
 #include <panel_windows/tree_tips.h>
@@ -30,6 +32,8 @@ public:
         std::function<bool(panel::TreeItem* item, bool withCtrl)> doubleClicked;
         /// Enter, F2 or Delete on the item with the caret. @return whether it meant something.
         std::function<bool(int key)> key;
+        /// Alt and an arrow: the selected items are to be moved.
+        std::function<void(panel::MoveKey key)> moveWanted;
     };
     Events events;
 
@@ -44,6 +48,12 @@ public:
     /// The row under a point of the viewport; null: none.
     panel::TreeItem* itemUnder(const QPoint& at) const;
     bool isDragging() const { return m_drag.isDragging(); }
+    /// Shows what was found alone, with what it stands in; what is open and selected in the tree
+    /// stays as it is, and is shown again with an empty text.
+    void SetFilter(const TvString& text);
+    bool isFiltering() const { return !m_filter.isEmpty(); }
+    /// How many items were found.
+    int matches() const { return m_matches; }
     /// Tips with details show when the mouse rests on an item; a tree that was given none has none.
     void MakeTips(std::unique_ptr<CTarvSheetSetToolTipCtrl> tip);
     /// Null when there are none.
@@ -64,7 +74,15 @@ protected:
 
 private:
     panel::TreeItem* expandButtonUnder(const QPoint& at) const;
+    void connectModel();
     void applyExpansion(const panel::TreeItem& item);
+    void toggle(panel::TreeItem& item);
+    void applyFilter();
+    void hideUnfound(const panel::TreeItem& item, const panel::FilteredTree& found);
+    void showAll(const panel::TreeItem& item);
+    void refilterSoon();
+    void selectShownRange(panel::TreeItem* from, panel::TreeItem* to);
+    bool moveByArrow(int key);
     void showSelection();
     void beginDrag(const QPoint& at);
     void track(const QPoint& at);
@@ -78,6 +96,9 @@ private:
     panel::DragFeedback m_feedback;
     QPoint m_downPoint, m_dragPoint;
     QPixmap m_dragImage;
-    QBasicTimer m_expandTimer, m_scrollTimer;
+    QBasicTimer m_expandTimer, m_scrollTimer, m_filterTimer;
+    TvString m_filter; // empty: everything is shown
+    int m_matches = 0;
+    bool m_isViewAlone = false; // what the view opens and closes now is not the tree's matter
     std::unique_ptr<panel::TreeTips> m_tips;
 };

@@ -12,6 +12,8 @@ public:
     /// What it shows, as of the session.
     static QString text();
     static bool isLocked();
+    /// The file, and who has it while somebody has; empty without a set.
+    static QString tip();
     void openMenu();
     QSize sizeHint() const override;
 

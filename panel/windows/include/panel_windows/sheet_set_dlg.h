@@ -22,6 +22,7 @@ public:
         kTips = 707,
         kRefresh = 708,
         kTree = 709,
+        kFilter = 710, ///< what is looked for in the tree
     };
 
     /// @param isPanelVisible  whether the palette set is shown and not rolled up; not empty.
@@ -52,12 +53,14 @@ protected:
     bool OnInitDialog() override;
     void OnCommand(int id) override;
     void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     class Window;
     class Program;
     void connectTree();
     void connectMenus();
+    void connectFilter();
     void run(int id);
     void popup(const ed::Menu& menu, const QPoint& at);
     void showTreeMenu(panel::TreeItem* hit, Qt::KeyboardModifiers keys, const QPoint& at);

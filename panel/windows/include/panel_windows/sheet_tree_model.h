@@ -50,6 +50,7 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 private:
+    QString accessibleName(TreeItem& item) const;
     void aboutToReset() override { beginResetModel(); }
     void wasReset() override;
     void aboutToInsert(const TreeItem& parent, int first, int last) override;

@@ -16,6 +16,7 @@
 #include <window/program_view.h>
 
 class QLabel;
+class QAction;
 class QMenu;
 class QTabWidget;
 class TvDbEntity;
@@ -73,6 +74,7 @@ private:
     class Reactor;
     void makeActions();
     void makePanels();
+    void showPanelState(QAction& action);
     void fillRecent(QMenu& menu);
     void openFile(const TvString& path);
     void addPage(TvApDocument& document);
