@@ -141,7 +141,7 @@ const std::vector<RatioRow>& ratioRows()
     static const std::vector<RatioRow> rows = {
         {"8 status pass, 10,000 sheets of 1,000 drawings / a stat of each drawing", "StatusPass",
          "StatDrawings", 1, 5, 2},
-        {"3b tree after one moved sheet of 10,000 / filling it, without a window", "MergeOneMove",
+        {"tree after one moved sheet of 10,000 / filling it, without a window", "MergeOneMove",
          "FillTree", 1, 0, 0},
     };
     return rows;
