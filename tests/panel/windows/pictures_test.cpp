@@ -31,7 +31,7 @@ protected:
         PageTest::SetUp();
         drawingFor(plan, "plan.dwg");
         drawingFor(section, "section.dwg");
-        folder.write("plans/readme.txt", "");
+        std::filesystem::create_directory(folder.path() / "plans");
         change(database, [this](TvSmSheetSet& top) {
             auto* location = newFor<TvSmFileReference>(&top);
             location->setFileName(folder.file("plans"));

@@ -19,7 +19,7 @@ constexpr int kInEach = kSheets / kSubsets;
 void start()
 {
     static int count = 1;
-    static char name[] = "panel_window_bench";
+    static char name[] = "window_panel_bench";
     static char* arguments[] = {name, nullptr};
     qputenv("QT_QPA_PLATFORM", "offscreen");
     static QApplication application(count, arguments);
