@@ -281,9 +281,9 @@ const std::vector<RatioRow>& ratioRows()
     static const std::string between = "timeBetweenFrames/iterations:10/manual_time";
     static const std::vector<RatioRow> rows = {
         {"display list of 20,000 entities, opened for it, over their decode", "listOfPlan" + end,
-         "decodePlan" + end, 1, 12, 5},
+         "decodePlan" + end, 1, 3, 2},
         {"display list of 20,000 entities, shown before, over their decode", "listAgain" + end,
-         "decodePlan" + end, 1, 8, 3},
+         "decodePlan" + end, 1, 3, 2},
         {"a frame of all 20,000 entities over the time between frames", "frame/1" + end, between, 1,
          2, 1},
         {"a frame at four times that over the time between frames", "frame/4" + end, between, 1, 1,
@@ -293,7 +293,7 @@ const std::vector<RatioRow>& ratioRows()
         {"5 MB opened, its first sheet listed and drawn, over its decode", "openAndShowSheet" + end,
          "decodeLarge" + end, 1, 3, 1},
         {"5 MB opened, its model listed and drawn, over its decode", "openAndShowModel" + end,
-         "decodeLarge" + end, 1, 20, 5},
+         "decodeLarge" + end, 1, 3, 2},
     };
     return rows;
 }

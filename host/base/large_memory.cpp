@@ -1,5 +1,6 @@
 #include "base/large_memory.h"
 
+#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
@@ -21,9 +22,10 @@ constexpr std::size_t kMostKept = 0; // so that whoever looks at it after it wen
 constexpr std::size_t kMostKept = 64u << 20;
 #endif
 
-// The one piece that was given back last, for the next that needs as much: most of what a piece
-// costs is its first touch. It begins with its own size.
-std::atomic<std::uint8_t*> g_kept;
+// The pieces that were given back last, for the next that need as much: most of what a piece costs
+// is its first touch. Each begins with its own size.
+std::array<std::atomic<std::uint8_t*>, 4> g_kept;
+std::atomic<unsigned> g_oldest; // among them, about
 
 void wishHugePages([[maybe_unused]] std::uint8_t* bytes, [[maybe_unused]] std::size_t size)
 {
@@ -48,11 +50,26 @@ std::size_t sizeOf(const std::uint8_t* piece)
 
 std::uint8_t* takeKept(std::size_t size)
 {
-    std::uint8_t* const piece = g_kept.exchange(nullptr);
-    if (piece && sizeOf(piece) == size)
-        return piece;
-    std::free(piece);
+    for (auto& place : g_kept) {
+        std::uint8_t* const piece = place.exchange(nullptr);
+        if (piece && sizeOf(piece) == size)
+            return piece;
+        std::uint8_t* nothing = nullptr;
+        if (piece && !place.compare_exchange_strong(nothing, piece))
+            std::free(piece); // somebody else put one there meanwhile
+    }
     return nullptr;
+}
+
+/// @return what has to go for it; null when there was room.
+std::uint8_t* keep(std::uint8_t* piece)
+{
+    for (auto& place : g_kept) {
+        std::uint8_t* nothing = nullptr;
+        if (place.compare_exchange_strong(nothing, piece))
+            return nullptr;
+    }
+    return g_kept[g_oldest++ % g_kept.size()].exchange(piece);
 }
 
 std::uint8_t* takeHuge(std::size_t size)
@@ -78,7 +95,7 @@ void FreeLargeMemory::operator()(std::uint8_t* bytes) const
     if (bytes && size != 0 && size <= kMostKept) {
         letSystemTake(bytes, size);
         std::memcpy(bytes, &size, sizeof size);
-        bytes = g_kept.exchange(bytes);
+        bytes = keep(bytes);
     }
     std::free(bytes);
 }

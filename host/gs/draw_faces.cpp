@@ -3,6 +3,8 @@
 #include <db/tv_db_curves.h>
 #include <ge/ocs.h>
 
+#include "solid_edges.h"
+
 namespace gs::draw {
 
 namespace {
@@ -141,7 +143,18 @@ void modelerWires(Scene& scene, const TvDbEntity& entity)
             i == 0 ? path.moveTo(at) : path.lineTo(at);
         }
     }
-    scene.stroke();
+    if (path.isEmpty())
+        addSolidEdges(path, entity.fields());
+    if (!path.isEmpty()) {
+        scene.stroke();
+        return;
+    }
+    // All that is known of it is where it stands, if that.
+    if (!entity.fields().flag("has_point"))
+        return;
+    constexpr double kSign = 0.012; // of the view's height
+    path.polygon({{-kSign, 0, 0}, {0, -kSign, 0}, {kSign, 0, 0}, {0, kSign, 0}});
+    scene.addMarker(db::asPoint(entity.fields().point("point")));
 }
 
 } // namespace gs::draw

@@ -5,6 +5,8 @@
 #include <db/tv_db_annotations.h>
 #include <gs/hatch_shape.h>
 
+#include "gradient_fill.h"
+
 namespace gs::draw {
 
 namespace {
@@ -27,25 +29,6 @@ double spacingOf(const TvDbHatch& hatch)
     return smallest;
 }
 
-Color mean(const Color& a, const Color& b)
-{
-    if (a.kind != Color::Kind::Given || b.kind != Color::Kind::Given)
-        return a.kind == Color::Kind::Given ? b : a;
-    const auto half = [](int x, int y) { return static_cast<std::uint8_t>((x + y) / 2); };
-    return {Color::Kind::Given, half(a.red, b.red), half(a.green, b.green), half(a.blue, b.blue)};
-}
-
-Color gradientColor(const Scene& scene, const Gradient& gradient)
-{
-    if (gradient.colors.empty())
-        return scene.colorOf({});
-    const Color first = scene.colorOf(gradient.colors.front().color);
-    if (!gradient.isOneColor)
-        return mean(first, scene.colorOf(gradient.colors.back().color));
-    const auto shade = static_cast<std::uint32_t>(std::clamp(gradient.tint, 0.0, 1.0) * 255);
-    return mean(first, Color::given(shade << 16 | shade << 8 | shade));
-}
-
 } // namespace
 
 void hatch(Scene& scene, const TvDbEntity& entity)
@@ -66,7 +49,11 @@ void hatch(Scene& scene, const TvDbEntity& entity)
     switch (shape.kind) {
     case HatchShape::Kind::Solid: scene.add(area, shape.area, shape.placement); break;
     case HatchShape::Kind::Gradient:
-        area.color = gradientColor(scene, shape.gradient);
+        if (auto filling = fillingOf(shape.gradient, shape.area, scene); filling) {
+            area.color = meanColor(*filling);
+            area.filling =
+                scene.writer().addFilling(std::move(*filling), scene.placed(shape.placement));
+        }
         scene.add(area, shape.area, shape.placement);
         break;
     case HatchShape::Kind::Tint:

@@ -1,8 +1,12 @@
 #include "drawers.h"
 
+#include <base/path_rules.h>
 #include <db/tv_db_annotations.h>
 #include <db/tv_db_dictionary.h>
 #include <ge/ocs.h>
+
+#include "frames.h"
+#include "picture_sources.h"
 
 namespace gs::draw {
 
@@ -52,10 +56,14 @@ void image(Scene& scene, const TvDbEntity& entity)
     if ((self.fields().integer("display") & kShown) == 0)
         return;
     const TvDbObjectPointer<TvDbRasterImageDef> file(self.imageDefId(), TvDb::kForNotify);
+    const TvString name = file ? file->sourceFileName() : TvString();
+    scene.path().polygon(self.boundary());
+    const auto picture = scene.pictureOf(self.imageDefId().handle().value(),
+                                         [&] { return pictureOfFile(scene.database(), name); });
+    fillWithPicture(scene, {self.origin(), self.width(), self.height()}, picture);
     scene.path().polygon(self.boundary());
     scene.stroke();
-    addFrame(scene, file ? file->sourceFileName() : TvString(), self.origin(), self.width(),
-             self.height());
+    addFrame(scene, name, self.origin(), self.width(), self.height());
 }
 
 void wipeout(Scene& scene, const TvDbEntity& entity)
@@ -94,14 +102,19 @@ void underlay(Scene& scene, const TvDbEntity& entity)
                    {box.highX, box.lowY, 0},
                    {box.highX, box.highY, 0},
                    {box.lowX, box.highY, 0}};
-    if (corners.size() < 3)
+    const TvDbObjectPointer<TvDbUnderlayDefinition> file(self.definitionId(), TvDb::kForNotify);
+    const TvString name = file ? file->sourceFileName() : TvString();
+    if (corners.size() < 3) { // all of a page of unknown size: one unit stands for it
+        const FrameArea page{place * TvGePoint3d(), place * TvGeVector3d(1, 0, 0),
+                             place * TvGeVector3d(0, 1, 0)};
+        drawNamedFrame(scene, page, base::PathRules::native().fileNameOf(name));
+        addFrame(scene, name, page.origin, page.right, page.up);
         return;
+    }
     scene.path().polygon(corners);
     scene.stroke(place);
-    const TvDbObjectPointer<TvDbUnderlayDefinition> file(self.definitionId(), TvDb::kForNotify);
-    addFrame(scene, file ? file->sourceFileName() : TvString(),
-             place * TvGePoint3d(box.lowX, box.lowY, 0), place * TvGeVector3d(box.width(), 0, 0),
-             place * TvGeVector3d(0, box.height(), 0));
+    addFrame(scene, name, place * TvGePoint3d(box.lowX, box.lowY, 0),
+             place * TvGeVector3d(box.width(), 0, 0), place * TvGeVector3d(0, box.height(), 0));
 }
 
 } // namespace gs::draw

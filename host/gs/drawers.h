@@ -47,6 +47,11 @@ void mtext(Scene&, const TvDbEntity&);
 void tolerance(Scene&, const TvDbEntity&);
 // draw_hatches.cpp
 void hatch(Scene&, const TvDbEntity&);
+// draw_foreign.cpp
+void oleFrame(Scene&, const TvDbEntity&);
+void shape(Scene&, const TvDbEntity&);
+void sectionLine(Scene&, const TvDbEntity&);
+void light(Scene&, const TvDbEntity&);
 // draw_viewports.cpp
 void viewport(Scene&, const TvDbEntity&);
 

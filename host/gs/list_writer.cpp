@@ -141,6 +141,7 @@ void ListWriter::put(const ItemLook& look, Item item, const TvGeMatrix3d& map,
     item.widthUnits = look.widthUnits;
     item.detail = look.detail;
     item.coarseAlpha = look.coarseAlpha;
+    item.filling = look.filling;
     item.layer = look.layer;
     item.clip = look.clip;
     item.handle = look.handle;
@@ -221,6 +222,19 @@ std::uint32_t ListWriter::addLayer(Layer layer)
 {
     m_list.m_layers.push_back(std::move(layer));
     return static_cast<std::uint32_t>(m_list.m_layers.size() - 1);
+}
+
+std::uint16_t ListWriter::addFilling(Filling filling, const TvGeMatrix3d& map)
+{
+    const std::size_t number = m_list.m_fillings.size() + 1;
+    filling.place = FlatMap::seenFromAbove(map) * filling.place;
+    const FlatMap& place = filling.place;
+    if (number > std::numeric_limits<std::uint16_t>::max() || filling.stops.empty() ||
+        !isUsable(place.x0, place.y0) || !isUsable(place.xx, place.xy) ||
+        !isUsable(place.yx, place.yy))
+        return 0;
+    m_list.m_fillings.push_back(std::move(filling));
+    return static_cast<std::uint16_t>(number);
 }
 
 void ListWriter::setSheet(const Box& sheet, const Box& printable, double mmPerUnit)

@@ -19,6 +19,7 @@ struct ItemLook {
     float widthUnits = 0;
     float detail = 0;
     std::uint8_t coarseAlpha = 0;
+    std::uint16_t filling = 0;
     std::uint32_t layer = 0;
     std::uint32_t clip = Item::kNoClip;
     std::uint64_t handle = 0;
@@ -52,6 +53,9 @@ public:
     void addText(PlacedText run);
     void addPicture(PictureFrame frame);
     std::uint32_t addLayer(Layer layer);
+    /// @param map  to the list's plane.
+    /// @return the number that items have; 0 when there are too many.
+    std::uint16_t addFilling(Filling filling, const TvGeMatrix3d& map);
 
     void setSheet(const Box& sheet, const Box& printable, double mmPerUnit);
     void setSavedWindow(const Box& window) { m_list.m_savedWindow = window; }

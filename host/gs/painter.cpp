@@ -275,7 +275,8 @@ void Painter::stroke(const Item& item, PathView path)
 
 void Painter::fill(const Item& item, PathView path, Item::Kind kind, std::uint8_t alpha)
 {
-    useColor(item, alpha);
+    if (!useFilling(item, alpha))
+        useColor(item, alpha);
     cairo_new_path(m_context);
     if (isNear(item.box))
         trace(path);
@@ -440,7 +441,7 @@ void Painter::fillItem(const Item& item, const PathRange& range, Item::Kind kind
     const PathView path = pathOf(range);
     // The raster fills what a path winds around; of one loop without crossings it is the same.
     const bool isPlain = kind == Item::Kind::Fill || path.verbs.size() <= kVerbsOfRectangle;
-    if (m_isRaster && isPlain &&
+    if (m_isRaster && isPlain && item.filling == 0 &&
         Raster::isSmall(item.box.width() * m_scale, item.box.height() * m_scale))
         fillSmall(item, path, alpha);
     else

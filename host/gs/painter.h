@@ -54,6 +54,8 @@ private:
     void fill(const Item& item, PathView path, Item::Kind kind, std::uint8_t alpha);
     void strokeItem(const Item& item, const PathRange& range);
     void fillItem(const Item& item, const PathRange& range, Item::Kind kind, std::uint8_t alpha);
+    /// Makes cairo draw with the colours of the item; false when they cannot be told apart.
+    bool useFilling(const Item& item, std::uint8_t alpha);
     void drawCoarse(const Item& item);
     void drawEndless(const Item& item);
     void drawMarker(const Item& item);

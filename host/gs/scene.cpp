@@ -223,6 +223,14 @@ void Scene::add(const ItemLook& look, const Path& flat, const TvGeMatrix3d& plac
     m_writer.add(look, flat, placed(place), coarse);
 }
 
+std::shared_ptr<const Picture> Scene::pictureOf(std::uint64_t handle, const PictureReader& read)
+{
+    const auto [at, isNew] = m_pictures.try_emplace(handle);
+    if (isNew)
+        at->second = read();
+    return at->second;
+}
+
 void Scene::fill(const TvGeMatrix3d& place, Item::Kind kind)
 {
     add(kind, place, m_look.color);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <string_view>
 #include <unordered_set>
 
@@ -100,6 +102,9 @@ public:
     /// Puts the outline of another entity of the same block into path(), if it has one; else leaves
     /// path() as it is.
     void outlineOf(TvDbObjectId id);
+    /// What @p read gives for the object with this handle; read once for each list.
+    using PictureReader = std::function<std::shared_ptr<const Picture>()>;
+    std::shared_ptr<const Picture> pictureOf(std::uint64_t handle, const PictureReader& read);
     /// Draws an entity that belongs to this one (an attribute), as part of it.
     void drawPart(TvDbObjectId id);
 
@@ -124,6 +129,7 @@ private:
         m_openBlocks; // being drawn: they are not drawn within themselves
     std::unordered_map<TvDbObjectId, LinePattern> m_patterns;
     TextTools m_textTools;
+    std::unordered_map<std::uint64_t, std::shared_ptr<const Picture>> m_pictures;
     double m_linetypeScale; // of the drawing
     const Frame* m_frame = nullptr;
     std::uint64_t m_handle = 0;

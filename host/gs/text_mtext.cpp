@@ -6,6 +6,7 @@
 #include <db/ge_values.h>
 #include <ge/ocs.h>
 
+#include "text_columns.h"
 #include "text_setting.h"
 #include "text_style.h"
 
@@ -15,8 +16,9 @@ namespace {
 
 // "bg_flags"
 enum : std::int64_t { kFilled = 1, kPaperColor = 2, kFramed = 16 };
-constexpr std::int64_t kStatic = 1; // columns: a fixed number
-constexpr std::int64_t kExact = 2;  // "line_style"
+constexpr std::int64_t kStatic = 1;                   // columns: a fixed number
+enum : std::int64_t { kDownwards = 3, kAsStyle = 5 }; // "flow"
+constexpr std::int64_t kExact = 2;                    // "line_style"
 constexpr std::size_t kMostColumns = 1000;
 
 double soundLength(double length)
@@ -120,6 +122,13 @@ TextShape mtextShape(std::u16string_view contents, const MTextLook& look, TextTo
     setColumns(look.columns, look.definedHeight, frame);
     const ParagraphText text = parsedParagraphs(contents, letters, tools.fonts);
     TextPen pen(shape, tools.fonts);
+    if (look.isVertical) {
+        const Box around = writeColumns(text, look, attachment, pen);
+        if (!shape.parts.empty())
+            setBackground(look, around, shape);
+        measureExtents(shape);
+        return shape;
+    }
     TextSetter setter(text, frame, pen);
     const SetText size = setter.size();
     const double left = -size.width * ((attachment - 1) % 3) / 2;
@@ -144,6 +153,8 @@ TextShape mtextShape(const db::RecordView& fields, TvDbDatabase* database, TextT
     look.attachment = static_cast<int>(fields.integer("attachment"));
     look.spacing = fields.real("line_factor");
     look.isExact = fields.integer("line_style") == kExact;
+    const std::int64_t flow = fields.integer("flow");
+    look.isVertical = flow == kDownwards || (flow == kAsStyle && look.style.isVertical);
     look.columns = columns;
     const std::int64_t flags = fields.integer("bg_flags");
     look.isFilled = (flags & (kFilled | kPaperColor)) != 0;

@@ -18,6 +18,7 @@ struct MTextLook {
     int attachment = 1;       ///< 1 to 9, from the top left to the bottom right
     double spacing = 1;
     bool isExact = false;
+    bool isVertical = false; ///< letters below each other, lines from the right to the left
     db::MTextColumns columns;
     bool isFilled = false, usesPaperColor = false, hasFrame = false;
     double backgroundScale = 1.5;

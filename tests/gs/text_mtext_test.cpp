@@ -364,4 +364,38 @@ TEST(Tolerance, DrawsACellForEachPart)
     EXPECT_TRUE((shape.placement * TvGePoint3d()).isEqualTo({7, 8, 0}));
 }
 
+TEST(MText, RunsDownwardsFromTheRightToTheLeft)
+{
+    TvDbMText text;
+    text.setTextHeight(3);
+    db::RecordEditor edit = text.edit();
+    edit.setInteger("flow", 3);
+    edit.setInteger("attachment", 1);
+    text.setContents(TvString(u"ABC\\PDE"));
+    const gs::TextShape shape = gs::shapeOf(text, testFonts());
+    ASSERT_EQ(shape.runs.size(), 2U);
+    EXPECT_EQ(shape.runs[0].text, u"ABC");
+    EXPECT_EQ(shape.runs[1].text, u"DE");
+    EXPECT_NEAR(shape.runs[0].direction.y, -1, kNear);
+    EXPECT_NEAR(shape.runs[0].width, 2 * 4.5 + 3, kNear); // a step of half as much again
+    EXPECT_NEAR(shape.runs[0].origin.x - shape.runs[1].origin.x, 5, kNear);
+    EXPECT_NEAR(shape.extents.highY, 0, 0.1);
+    EXPECT_NEAR(shape.extents.lowY, -12, 0.1);
+    EXPECT_GE(shape.extents.lowX, -0.1);
+}
+
+TEST(MText, DownwardsEndsAColumnAtItsHeight)
+{
+    TvDbMText text;
+    text.setTextHeight(2);
+    db::RecordEditor edit = text.edit();
+    edit.setInteger("flow", 3);
+    edit.setReal("rect_height", 6.5);
+    text.setContents(TvString(u"ABCDE"));
+    const gs::TextShape shape = gs::shapeOf(text, testFonts());
+    ASSERT_EQ(shape.runs.size(), 3U);
+    EXPECT_EQ(shape.runs[0].text, u"AB");
+    EXPECT_EQ(shape.runs[2].text, u"E");
+}
+
 } // namespace

@@ -15,8 +15,8 @@ struct FreeLargeMemory {
 using LargeMemory = std::unique_ptr<std::uint8_t, FreeLargeMemory>;
 
 /// Memory of @p size bytes, which the system gives as it is touched: in few large pieces where
-/// there is much of it, since each piece costs a fault. Of what is given back, the last piece is
-/// kept for the next that is as large, as long as the system has memory to spare.
+/// there is much of it, since each piece costs a fault. Of what is given back, the last few
+/// pieces are kept for the next that are as large, as long as the system has memory to spare.
 ///
 /// @param isZero  whether the bytes must be zero; else they are anything.
 /// @return null when there is no such memory.

@@ -20,6 +20,8 @@ class TvDbDatabase;
 
 namespace gs {
 
+struct Picture;
+
 /// A path that lies in a display list; good as long as the list.
 struct PathView {
     std::span<const Path::Verb> verbs;
@@ -36,6 +38,22 @@ struct PathRange {
     std::uint32_t verb = 0, verbCount = 0, point = 0, pointCount = 0;
 
     bool isLetters() const { return (verb & kLetters) != 0; }
+};
+
+/// Colours that pass into each other, within an area that is filled.
+///
+/// Its own square leads to the list's plane by place: where it is not round, its colours change
+/// from x = 0 to x = 1 and stay beyond; where it is, from the middle (0, 0) to 1 away from it.
+struct Filling {
+    struct Stop {
+        double at = 0; ///< 0 to 1
+        Color color;
+        friend bool operator==(const Stop&, const Stop&) = default;
+    };
+    bool isRound = false;
+    FlatMap place;
+    std::shared_ptr<const Picture> picture; ///< counts in place of the stops; null: none
+    std::vector<Stop> stops;                ///< ascending, one at least
 };
 
 /// One thing to draw.
@@ -60,6 +78,9 @@ struct Item {
     /// more than a pixel or two, coarse is drawn in place of path. 0: there are none.
     float detail = 0;
     std::uint8_t coarseAlpha = 0; ///< above 0: coarse is filled, so thickly; else it is stroked
+    /// Of a fill, among fillings(), counted from 1; 0: it has one colour. Who draws one colour only
+    /// draws color, which is what the others make together.
+    std::uint16_t filling = 0;
     std::uint32_t layer = 0;      ///< among layers()
     std::uint32_t clip = kNoClip; ///< among clips()
     PathRange path;
@@ -136,6 +157,12 @@ public:
     /// In the order in which they are drawn.
     std::span<const Item> items() const { return m_items.span(); }
     std::span<const Clip> clips() const { return m_clips; }
+    std::span<const Filling> fillings() const { return m_fillings; }
+    /// Null when the item has one colour.
+    const Filling* fillingOf(const Item& item) const
+    {
+        return item.filling == 0 ? nullptr : &m_fillings[item.filling - 1U];
+    }
     std::span<const Layer> layers() const { return m_layers; }
     std::span<const PlacedText> texts() const { return m_texts; }
     std::span<const PictureFrame> pictures() const { return m_pictures; }
@@ -225,6 +252,7 @@ private:
     std::shared_ptr<Written> m_written; // what path() has put together; null without letters
     std::vector<Clip> m_clips;
     std::vector<Layer> m_layers;
+    std::vector<Filling> m_fillings;
     std::vector<PlacedText> m_texts;
     std::vector<PictureFrame> m_pictures;
     std::shared_ptr<Index> m_index; // null without items

@@ -1,0 +1,95 @@
+#include "frames.h"
+
+#include <cmath>
+
+#include <gs/picture.h>
+
+#include "text_codes.h"
+#include "text_drawing.h"
+#include "text_pen.h"
+
+namespace gs {
+
+namespace {
+
+constexpr double kTallest = 0.1; // letters, of the frame's height
+constexpr double kWidest = 0.9;  // the name, of the frame's width
+constexpr std::size_t kLongestName = 256;
+
+std::u32string lettersOf(const TvString& name)
+{
+    std::u32string letters;
+    std::u16string_view rest = name.view();
+    while (!rest.empty() && letters.size() < kLongestName)
+        letters += takeCharacter(rest);
+    return letters;
+}
+
+/// The colour that all pixels make together.
+Color meanOf(const Picture& picture)
+{
+    constexpr std::size_t kSamples = 4096;
+    const std::size_t step = std::max<std::size_t>(picture.pixels.size() / kSamples, 1);
+    std::uint64_t red = 0, green = 0, blue = 0, count = 0;
+    for (std::size_t i = 0; i < picture.pixels.size(); i += step, ++count) {
+        const std::uint32_t pixel = picture.pixels[i];
+        red += pixel >> 16 & 0xFF, green += pixel >> 8 & 0xFF, blue += pixel & 0xFF;
+    }
+    const auto mean = [count](std::uint64_t sum) {
+        return static_cast<std::uint32_t>(sum / count);
+    };
+    return Color::given(mean(red) << 16 | mean(green) << 8 | mean(blue));
+}
+
+} // namespace
+
+void drawNamedFrame(Scene& scene, const FrameArea& area, const TvString& name)
+{
+    scene.path().polygon(area.corners());
+    scene.stroke();
+    const double width = area.right.length(), height = area.up.length();
+    const std::u32string letters = lettersOf(name);
+    if (!scene.isShown() || letters.empty() || !(width > 0) || !(height > 0))
+        return;
+    TextShape shape;
+    shape.keepsLetters = true;
+    shape.placement = TvGeMatrix3d::coordinateSystem(area.origin, area.right * (1 / width),
+                                                     area.up * (1 / height),
+                                                     area.right.crossProduct(area.up).normal());
+    TextPen pen(shape, scene.fonts());
+    LetterLook look;
+    look.font = &scene.fonts().find({});
+    look.height = height * kTallest;
+    const double wide = pen.width(letters, look).ink();
+    if (wide > width * kWidest)
+        look.height *= width * kWidest / wide;
+    if (!isDrawableHeight(look.height) || !isSound(shape.placement))
+        return;
+    const double ink = pen.width(letters, look).ink();
+    const TvGePoint2d at{(width - ink) / 2, (height - look.height) / 2};
+    pen.write(letters, look, at, {});
+    pen.run(letters, at, look.height, ink, {});
+    drawTextShape(scene, shape);
+}
+
+void fillWithPicture(Scene& scene, const FrameArea& area,
+                     const std::shared_ptr<const Picture>& picture)
+{
+    if (!picture || picture->isEmpty() || !scene.isShown())
+        return;
+    ItemLook look = scene.itemLook();
+    look.kind = Item::Kind::EvenOddFill;
+    look.color = meanOf(*picture);
+    Filling filling;
+    filling.picture = picture;
+    filling.stops = {{0, look.color}};
+    // Seen from the side, heights count: place it by its corners in the list's plane.
+    const TvGeMatrix3d& map = scene.frame().map;
+    const TvGePoint3d origin = map * area.origin;
+    const TvGeVector3d right = map * area.right, up = map * area.up;
+    filling.place = {right.x, up.x, origin.x, right.y, up.y, origin.y};
+    look.filling = scene.writer().addFilling(std::move(filling), {});
+    scene.writer().add(look, scene.lastPath(), map);
+}
+
+} // namespace gs

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <base/tv_string.h>
+
+#include "scene.h"
+
+namespace gs {
+
+/// A parallelogram in the entity's block: where something of another file or program stands.
+struct FrameArea {
+    TvGePoint3d origin;
+    TvGeVector3d right, up; ///< its whole lower and left edge
+
+    std::vector<TvGePoint3d> corners() const
+    {
+        return {origin, origin + right, origin + right + up, origin + up};
+    }
+};
+
+/// What stands for contents that cannot be drawn: the frame, and @p name in its middle.
+void drawNamedFrame(Scene& scene, const FrameArea& area, const TvString& name);
+
+/// Fills what path() holds with @p picture, which covers @p area. Nothing without a picture.
+void fillWithPicture(Scene& scene, const FrameArea& area,
+                     const std::shared_ptr<const Picture>& picture);
+
+} // namespace gs
