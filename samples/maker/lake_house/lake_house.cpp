@@ -1,5 +1,8 @@
 #include "sample_maker/lake_house.h"
 
+#include <stdexcept>
+
+#include <base/kv_file_system.h>
 #include <base/path_rules.h>
 
 #include "lake_house.h"
@@ -20,8 +23,11 @@ void makeLakeHouse(const TvString& folder)
         {u"sections.dwg", lake_house::drawSections},
         {u"details.dwg", lake_house::drawDetails},
     };
+    const TvString drawings = base::PathRules::native().join(folder, lake_house::kDrawingFolder);
+    if (!KvFileSystem::createDirectory(drawings))
+        throw std::runtime_error("the folder of the drawings cannot be made");
     for (const Drawing& each : kDrawings)
-        each.draw(base::PathRules::native().join(folder, each.name));
+        each.draw(base::PathRules::native().join(drawings, each.name));
     lake_house::makeSheetSet(folder);
 }
 

@@ -43,6 +43,7 @@ void drawPlans(const TvString& path);
 void drawElevations(const TvString& path);
 void drawSections(const TvString& path);
 void drawDetails(const TvString& path);
+inline constexpr TvChar kDrawingFolder[] = u"drawings"; // beside the set
 /// The sheet set, of drawings that are there.
 void makeSheetSet(const TvString& folder);
 

@@ -103,6 +103,12 @@ void fill(TvSmSheetSet& set, const TvString& folder)
     // The engineer has not sent it yet.
     add(addSubset(set, u"Structure", u"Drawings of the engineer"),
         {{u"S-101", u"Foundation Plan", u"", u"structure.dwg"}});
+    // New sheets go beside the others.
+    auto place = std::make_unique<TvSmFileReference>();
+    hold(place->initNew(&set, TvString()) && place->setFileName(folder) &&
+             set.setNewSheetLocation(place.get()),
+         "place of new sheets");
+    place.release();
 }
 
 /// The file as if it had been made in a folder that every machine calls the same. Readers find the
@@ -127,7 +133,7 @@ void makeSheetSet(const TvString& folder)
     const TvString path = base::PathRules::native().join(folder, u"lake-house.dst");
     TvSmDatabase* database = manager.createDatabase(path, TvString(), true);
     hold(database != nullptr, "file");
-    fill(*database->getSheetSet(), folder);
+    fill(*database->getSheetSet(), base::PathRules::native().join(folder, kDrawingFolder));
     hold(database->save(0), "saving");
     manager.closeDatabase(database);
     for (const auto& each : std::filesystem::directory_iterator(folder.utf8()))
