@@ -1,4 +1,4 @@
-#include "cut_path.h"
+#include "gs/cut_path.h"
 
 #include <cmath>
 

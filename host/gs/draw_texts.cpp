@@ -67,6 +67,7 @@ void addRun(Scene& scene, const TextRun& run, const TvGeMatrix3d& map)
     text.layer = look.layer;
     text.clip = look.clip;
     text.handle = look.handle;
+    text.isOutlined = run.isOutlined;
     scene.writer().addText(std::move(text));
 }
 

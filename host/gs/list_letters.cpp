@@ -63,6 +63,27 @@ void DisplayList::writeLetters(const PathRange& range, Path& to) const
     }
 }
 
+void DisplayList::letters(const PathRange& range, std::vector<PlacedLetter>& out) const
+{
+    if (!range.isLetters())
+        return;
+    const LetterPath& path = m_letterPaths[range.verb & ~PathRange::kLetters];
+    for (std::uint32_t r = 0; r < path.rowCount; ++r) {
+        const Row& row = m_rows[path.firstRow + r];
+        double x = 0;
+        for (std::uint32_t i = 0; i < row.count; ++i) {
+            const Letter& letter = m_letters[m_rowLetters[row.first + i]];
+            if (letter.face != kNoFace)
+                out.push_back({&m_faces[letter.face],
+                               letter.character,
+                               letter.advance,
+                               {letter.path.verbs(), letter.path.points()},
+                               movedAlong(row.map, x)});
+            x += letter.advance * row.tracking;
+        }
+    }
+}
+
 PathView DisplayList::writtenLetters(const PathRange& range) const
 {
     const std::lock_guard lock(m_written->mutex);
@@ -86,9 +107,21 @@ std::uint32_t ListWriter::numberOf(const Glyph* letter)
     const auto [at, isNew] =
         m_numbers.try_emplace(letter, static_cast<std::uint32_t>(m_list.m_letters.size()));
     if (isNew)
-        m_list.m_letters.push_back({letter->path, gs::boxOf(letter->path), letter->advance});
+        m_list.m_letters.push_back({letter->path, gs::boxOf(letter->path), letter->advance,
+                                    letter->character, faceOf(letter->face)});
     known = {letter, at->second};
     return known.number;
+}
+
+std::uint32_t ListWriter::faceOf(const FontFace* face)
+{
+    if (!face)
+        return DisplayList::kNoFace;
+    const auto [at, isNew] =
+        m_faces.try_emplace(face, static_cast<std::uint32_t>(m_list.m_faces.size()));
+    if (isNew)
+        m_list.m_faces.push_back(*face);
+    return at->second;
 }
 
 Box ListWriter::boxOf(const DisplayList::Row& row) const

@@ -260,7 +260,8 @@ void ListWriter::expect(std::size_t entities)
 
 bool ListWriter::mayVisit()
 {
-    if (++m_visits > m_limits.visits)
+    if (++m_visits > m_limits.visits ||
+        (m_limits.stop && m_limits.stop->load(std::memory_order_relaxed)))
         m_list.m_isCut = true;
     return !m_list.m_isCut;
 }

@@ -81,6 +81,7 @@ private:
     void put(const ItemLook& look, Item item, const TvGeMatrix3d& map, const SpacePath* coarse);
     void forget(const PathRange& range);
     std::uint32_t numberOf(const Glyph* letter);
+    std::uint32_t faceOf(const FontFace* face);
     /// Puts rows where @p map leads; says what they measure.
     void addRows(const TextShape& shape, const TextPart& part, const FlatMap& map, Item& item);
     Box boxOf(const DisplayList::Row& row) const;
@@ -90,6 +91,7 @@ private:
     ListLimits m_limits;
     std::uint32_t m_visits = 0;
     std::unordered_map<const Glyph*, std::uint32_t> m_numbers; // of letters in the list
+    std::unordered_map<const FontFace*, std::uint32_t> m_faces;
     struct Known {
         const Glyph* letter = nullptr;
         std::uint32_t number = 0;

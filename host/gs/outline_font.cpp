@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <fmt/format.h>
+
 #include FT_OUTLINE_H
 #include FT_TRUETYPE_TABLES_H
 
@@ -69,6 +71,16 @@ struct OutlineWalk {
     }
 };
 
+FontFace faceOf(FT_Face face, const std::string& path, int index, const LetterChange& change)
+{
+    FontFace named;
+    named.key = fmt::format("{}\n{}\n{}\n{}\n{}", path, index, change.slant, change.weight,
+                            change.meanWidth);
+    const char* const name = FT_Get_Postscript_Name(face);
+    named.name = name ? name : face->family_name ? face->family_name : "";
+    return named;
+}
+
 } // namespace
 
 FontReader::FontReader()
@@ -90,6 +102,7 @@ std::unique_ptr<OutlineFont> OutlineFont::open(const FontReader& reader, const s
     if (!reader.library() || FT_New_Face(reader.library(), path.c_str(), index, &face) != 0)
         return nullptr;
     std::unique_ptr<OutlineFont> font(new OutlineFont(face, change));
+    font->m_name = faceOf(face, path, index, change);
     return FT_IS_SCALABLE(face) && font->m_scale > 0 ? std::move(font) : nullptr;
 }
 
@@ -165,6 +178,8 @@ std::optional<Glyph> OutlineFont::make(char32_t character)
     Glyph glyph;
     glyph.path = std::move(walk.path);
     glyph.isFilled = true;
+    glyph.character = character;
+    glyph.face = &m_name;
     const double advance = static_cast<double>(m_face->glyph->metrics.horiAdvance) * m_scale;
     glyph.advance = (advance + m_change.weight) * m_widthFactor;
     return glyph;

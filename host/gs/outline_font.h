@@ -57,6 +57,7 @@ private:
 
     FT_Face m_face; // owned
     LetterChange m_change;
+    FontFace m_name;
     double m_scale = 0; // from the face's units to heights of capitals
     double m_widthFactor = 1;
     std::unordered_map<char32_t, std::optional<Glyph>> m_made;

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "cut_path.h"
+#include <gs/cut_path.h>
 
 namespace gs {
 

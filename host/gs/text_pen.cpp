@@ -96,6 +96,7 @@ void TextPen::row(std::u32string_view text, const LetterLook& look, TvGePoint2d 
             rows->push_back({frame * place, look.tracking,
                              static_cast<std::uint32_t>(m_shape.letters.size()), 0});
         }
+        m_hasStrokes |= !g.face && !g.path.isEmpty();
         m_shape.letters.push_back(&g);
         ++rows->back().count;
         at.x += g.advance * x * look.tracking;
@@ -119,6 +120,7 @@ void TextPen::letter(const Glyph& glyph, const LetterLook& look, TvGePoint2d at,
 {
     if (glyph.path.isEmpty())
         return;
+    m_hasStrokes |= !glyph.face;
     const double x = look.height * look.widthFactor;
     const FlatMap place{x, look.slant * look.height, at.x, 0, look.height, at.y};
     if (m_shape.keepsLetters) {
@@ -148,8 +150,9 @@ void TextPen::run(std::u32string_view text, TvGePoint2d at, double height, doubl
 {
     const TvGeVector2d along = frame * TvGeVector2d(1, 0);
     const TvGeVector2d up = frame * TvGeVector2d(0, 1);
-    m_shape.runs.push_back(
-        {utf16Of(text), frame * at, along.normal(), height * up.length(), width * along.length()});
+    m_shape.runs.push_back({utf16Of(text), frame * at, along.normal(), height * up.length(),
+                            width * along.length(), !m_hasStrokes});
+    m_hasStrokes = false;
 }
 
 TextPart& TextPen::part(bool isFilled, OwnColor color)

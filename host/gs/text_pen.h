@@ -77,6 +77,7 @@ private:
 
     TextShape& m_shape;
     Fonts& m_fonts;
+    bool m_hasStrokes = false; // letters since the last run that are of no outline font
 };
 
 /// Measures parts and background; call it when all is written.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -13,6 +14,7 @@
 #include <gs/box.h>
 #include <gs/color.h>
 #include <gs/flat.h>
+#include <gs/fonts.h>
 #include <gs/growing_buffer.h>
 #include <gs/path.h>
 
@@ -115,6 +117,16 @@ struct PlacedText {
     std::uint32_t layer = 0;
     std::uint32_t clip = Item::kNoClip;
     std::uint64_t handle = 0;
+    bool isOutlined = false; ///< every letter of it is of an outline font
+};
+
+/// A letter of an outline font where it stands; good as long as the list.
+struct PlacedLetter {
+    const FontFace* face = nullptr; ///< never null
+    char32_t character = 0;
+    double advance = 0; ///< to where the next one begins
+    PathView outline;   ///< filled, non-zero; capitals are 1 high. Blanks have none.
+    FlatMap place;      ///< from the letter's own plane to that of the list
 };
 
 /// The place of a picture or page of another file: a parallelogram. Its frame is among the items.
@@ -132,6 +144,8 @@ struct ListLimits {
     std::uint32_t items = 4'000'000;
     std::uint32_t points = 64'000'000;
     std::uint32_t visits = 8'000'000; ///< of entities, those in inserted blocks each time
+    /// Set by whoever no longer wants the list: it is cut there. Null: nobody will.
+    const std::atomic<bool>* stop = nullptr;
 };
 
 /// What there is to see of a layout or of model space, made once and played at any scale.
@@ -182,6 +196,10 @@ public:
         return {room.verbs(), room.points()};
     }
 
+    /// Appends the letters of outline fonts that a path of letters is made of; those of strokes are
+    /// left out.
+    void letters(const PathRange& range, std::vector<PlacedLetter>& out) const;
+
     /// Around everything that is drawn, what is cut off left out; empty when that is nothing.
     const Box& extents() const { return m_extents; }
     /// The sheet of paper; nullopt for model space, and for layouts without paper.
@@ -211,12 +229,16 @@ public:
 private:
     friend class ListWriter;
 
+    static constexpr std::uint32_t kNoFace = 0xFFFFFFFF; // of letters of strokes
     /// A letter as its font draws it, in a plane of its own.
     struct Letter {
         Path path;
         Box box;
         double advance = 0;
+        char32_t character = 0;
+        std::uint32_t face = kNoFace; // among m_faces
     };
+
     /// Letters beside each other.
     struct Row {
         FlatMap map;                        // from the plane of the first one to that of the list
@@ -246,6 +268,7 @@ private:
     GrowingBuffer<TvGePoint2d> m_points;
     GrowingBuffer<Item> m_items;
     std::vector<Letter> m_letters;
+    std::vector<FontFace> m_faces;
     GrowingBuffer<std::uint32_t> m_rowLetters; // numbers of letters
     GrowingBuffer<Row> m_rows;
     GrowingBuffer<LetterPath> m_letterPaths;

@@ -19,12 +19,20 @@ struct FontName {
     friend bool operator==(const FontName&, const FontName&) = default;
 };
 
+/// Which outlines letters come from, for who wants to keep them as a font.
+struct FontFace {
+    std::string key;  ///< tells faces apart; the same whenever the program runs on this machine
+    std::string name; ///< for readers
+};
+
 /// A letter. Its capital height is 1, it begins at x = 0 on the baseline y = 0.
 struct Glyph {
-    Path path;             ///< filled, non-zero; or stroked
-    bool isFilled = false; ///< of an outline font
-    double advance = 0;    ///< to where the next one begins
-    double gap = 0;        ///< the part of the advance that is space between letters
+    Path path;                      ///< filled, non-zero; or stroked
+    bool isFilled = false;          ///< of an outline font
+    double advance = 0;             ///< to where the next one begins
+    double gap = 0;                 ///< the part of the advance that is space between letters
+    char32_t character = 0;         ///< of an outline font
+    const FontFace* face = nullptr; ///< of an outline font; lives as long as its Fonts
 };
 
 /// What one font has. Lives as long as its Fonts.

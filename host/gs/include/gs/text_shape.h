@@ -36,6 +36,7 @@ struct TextRun {
     TvGeVector2d direction{1, 0}; ///< along the baseline; of length 1
     double height = 0;            ///< of capitals
     double width = 0;             ///< along the direction
+    bool isOutlined = false;      ///< every letter of it is of an outline font
 };
 
 /// An area behind a text, which hides what is below it.

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gs/path.h>
+#include <plot/job.h>
+
+#include "page_walk.h"
+
+namespace plot {
+
+/// A letter that a page of a PDF shows.
+struct UsedLetter {
+    gs::Path outline;
+    double advance = 0;
+};
+
+/// A font as one page uses it: the code of a letter is its character's place in the plane.
+struct UsedFont {
+    gs::FontFace face;
+    std::uint32_t plane = 0; ///< of Unicode
+    std::map<std::uint16_t, UsedLetter> letters;
+};
+
+/// A link in its place.
+struct PlacedLink {
+    gs::Box areaMm;
+    std::size_t page = 0; ///< among the job's
+};
+
+/// A finished page of a PDF, without anything of the drawing. Its operators name layers as /L0,
+/// /L1..., fonts as /F0..., the font of hidden texts /FH, and opacities as /A0 to /A255.
+struct PageContent {
+    double widthMm = 0, heightMm = 0;
+    std::string stream; ///< packed operators
+    std::vector<TvString> layers;
+    std::vector<UsedFont> fonts;
+    std::set<char16_t> hidden; ///< characters of hidden texts
+    std::set<std::uint8_t> alphas;
+    std::vector<PlacedLink> links;
+};
+
+/// Makes the content of a page. nullopt when @p stop was set meanwhile.
+std::optional<PageContent> pdfContentOf(const Page& page, const PageOrder& order,
+                                        const Stamp& stamp, const PdfOptions& options,
+                                        const std::atomic<bool>* stop);
+
+} // namespace plot

@@ -1,0 +1,186 @@
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include <base/content_hash.h>
+
+#include "cff_font.h"
+#include "pdf_parts.h"
+
+namespace plot {
+
+namespace {
+
+using Object = QPDFObjectHandle;
+
+constexpr std::size_t kMostRanges = 100; // in one block of a table of characters
+
+/// UTF-16, hexadecimal.
+std::string hexOf(char32_t character)
+{
+    if (character < 0x10000)
+        return fmt::format("{:04X}", static_cast<unsigned>(character));
+    const auto rest = static_cast<unsigned>(character - 0x10000);
+    return fmt::format("{:04X}{:04X}", 0xD800 + (rest >> 10), 0xDC00 + (rest & 0x3FF));
+}
+
+/// The table by which a reader gets characters from codes, which are their places in the plane.
+std::string unicodeTable(const std::vector<std::uint16_t>& codes, std::uint32_t plane)
+{
+    struct Range {
+        std::uint16_t first, last;
+    };
+    std::vector<Range> ranges;
+    for (const std::uint16_t code : codes)
+        if (!ranges.empty() && ranges.back().last + 1 == code && (code & 0xFF) != 0)
+            ranges.back().last = code;
+        else
+            ranges.push_back({code, code});
+    std::string out = "/CIDInit /ProcSet findresource begin\n12 dict begin\nbegincmap\n"
+                      "/CIDSystemInfo << /Registry (Adobe) /Ordering (UCS) /Supplement 0 >> def\n"
+                      "/CMapName /Adobe-Identity-UCS def\n/CMapType 2 def\n"
+                      "1 begincodespacerange\n<0000> <FFFF>\nendcodespacerange\n";
+    for (std::size_t first = 0; first < ranges.size(); first += kMostRanges) {
+        const std::size_t end = std::min(first + kMostRanges, ranges.size());
+        out += fmt::format("{} beginbfrange\n", end - first);
+        for (std::size_t i = first; i < end; ++i)
+            out += fmt::format("<{:04X}> <{:04X}> <{}>\n", ranges[i].first, ranges[i].last,
+                               hexOf(plane << 16 | ranges[i].first));
+        out += "endbfrange\n";
+    }
+    return out + "endcmap\nCMapName currentdict /CMap defineresource pop\nend\nend\n";
+}
+
+/// Six letters that tell this selection of a font's letters from others.
+std::string tagOf(const std::string& program)
+{
+    const base::ContentHash hash = base::hashOf(std::as_bytes(std::span(program)));
+    std::uint64_t bits = hash.low;
+    std::string tag;
+    for (int i = 0; i < 6; ++i, bits /= 26)
+        tag += static_cast<char>('A' + bits % 26);
+    return tag;
+}
+
+/// Letters, digits and dashes only.
+std::string plainName(const std::string& name)
+{
+    std::string plain;
+    for (const char c : name)
+        if ((c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-')
+            plain += c;
+    plain.resize(std::min<std::size_t>(plain.size(), 60));
+    return plain.empty() ? "Font" : plain;
+}
+
+/// Around the letters, in units of the font.
+Object fontBox(const std::map<std::uint16_t, UsedLetter>& letters)
+{
+    gs::Box box;
+    box.add({0, 0});
+    for (const auto& [code, letter] : letters)
+        box.addBox(gs::boxOf(letter.outline));
+    const auto edge = [](double value) {
+        return Object::newInteger(static_cast<int>(std::clamp(value * 1000, -16000.0, 16000.0)));
+    };
+    return Object::newArray({edge(box.lowX), edge(box.lowY), edge(box.highX), edge(box.highY)});
+}
+
+struct FontFile {
+    std::string name, program;
+    const std::map<std::uint16_t, UsedLetter>& letters;
+    std::uint32_t plane;
+};
+
+Object widthsOf(const std::map<std::uint16_t, UsedLetter>& letters)
+{
+    Object widths = Object::newArray();
+    int next = -1;
+    Object run;
+    for (const auto& [code, letter] : letters) {
+        if (code != next) {
+            run = Object::newArray();
+            widths.appendItem(Object::newInteger(code));
+            widths.appendItem(run);
+        }
+        run.appendItem(Object::newInteger(cffWidth(letter)));
+        next = code + 1;
+    }
+    return widths;
+}
+
+void writeFont(QPDF& pdf, Object font, const FontFile& file, int defaultWidth)
+{
+    const std::string name = "/" + tagOf(file.program) + "+" + file.name;
+    Object program = pdf.newStream(file.program);
+    program.getDict().replaceKey("/Subtype", Object::newName("/CIDFontType0C"));
+    Object descriptor =
+        Object::parse("<< /Type /FontDescriptor /Flags 4 /ItalicAngle 0 /Ascent 1300 /Descent -400 "
+                      "/CapHeight 1000 /StemV 100 >>");
+    descriptor.replaceKey("/FontName", Object::newName(name));
+    descriptor.replaceKey("/FontBBox", fontBox(file.letters));
+    descriptor.replaceKey("/FontFile3", program);
+    Object inner = Object::parse("<< /Type /Font /Subtype /CIDFontType0 /CIDSystemInfo << "
+                                 "/Registry (Adobe) /Ordering (Identity) /Supplement 0 >> >>");
+    inner.replaceKey("/BaseFont", Object::newName(name));
+    inner.replaceKey("/FontDescriptor", pdf.makeIndirectObject(descriptor));
+    inner.replaceKey("/DW", Object::newInteger(defaultWidth));
+    if (Object widths = widthsOf(file.letters); widths.getArrayNItems() > 0)
+        inner.replaceKey("/W", widths);
+    std::vector<std::uint16_t> codes;
+    for (const auto& [code, letter] : file.letters)
+        codes.push_back(code);
+    font.replaceKey("/Type", Object::newName("/Font"));
+    font.replaceKey("/Subtype", Object::newName("/Type0"));
+    font.replaceKey("/BaseFont", Object::newName(name));
+    font.replaceKey("/Encoding", Object::newName("/Identity-H"));
+    font.replaceKey("/DescendantFonts", Object::newArray({pdf.makeIndirectObject(inner)}));
+    font.replaceKey("/ToUnicode", pdf.newStream(unicodeTable(codes, file.plane)));
+}
+
+} // namespace
+
+Object PdfFonts::use(PageContent& content)
+{
+    Object fonts = Object::newDictionary();
+    for (std::size_t i = 0; i < content.fonts.size(); ++i) {
+        UsedFont& used = content.fonts[i];
+        const auto key = std::pair(used.face.key, used.plane);
+        const auto [at, isNew] = m_byKey.emplace(key, m_fonts.size());
+        if (isNew)
+            m_fonts.push_back(
+                {m_pdf.makeIndirectObject(Object::newDictionary()), {used.face, used.plane, {}}});
+        Font& font = m_fonts[at->second];
+        font.used.letters.merge(used.letters);
+        fonts.replaceKey(fmt::format("/F{}", i), font.object);
+    }
+    if (!content.hidden.empty()) {
+        if (!m_hidden.isInitialized())
+            m_hidden = m_pdf.makeIndirectObject(Object::newDictionary());
+        m_hiddenLetters.merge(content.hidden);
+        fonts.replaceKey("/FH", m_hidden);
+    }
+    return fonts;
+}
+
+void PdfFonts::finish()
+{
+    for (Font& font : m_fonts) {
+        const std::string name = plainName(font.used.face.name);
+        writeFont(m_pdf, font.object,
+                  {name, cffFont(font.used.letters, name), font.used.letters, font.used.plane}, 0);
+    }
+    if (m_hidden.isInitialized())
+        writeHidden();
+}
+
+// Nothing is drawn of it: it needs no outlines, and all its letters are as wide.
+void PdfFonts::writeHidden()
+{
+    std::map<std::uint16_t, UsedLetter> blanks;
+    for (const char16_t letter : m_hiddenLetters)
+        blanks[letter].advance = 0.5;
+    writeFont(m_pdf, m_hidden, {"Hidden", cffFont(blanks, "Hidden"), blanks, 0}, 500);
+}
+
+} // namespace plot
