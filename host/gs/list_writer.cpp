@@ -250,8 +250,8 @@ void ListWriter::setSheet(const Box& sheet, const Box& printable, double mmPerUn
 
 void ListWriter::expect(std::size_t entities)
 {
-    constexpr std::size_t kFewest = 1000, kPointsOfOne = 8;
-    entities = std::min<std::size_t>(entities, m_limits.items);
+    constexpr std::size_t kFewest = 1000, kMost = 400'000, kPointsOfOne = 8;
+    entities = std::min<std::size_t>({entities, m_limits.items, kMost});
     if (entities < kFewest)
         return;
     m_list.m_items.expect(entities + entities / 8);
