@@ -20,6 +20,13 @@ TvString textArgument(const char* name, const std::string& bytes)
     return TvString(std::string_view(bytes));
 }
 
+TvString fileArgument(const char* name, const std::string& bytes)
+{
+    if (bytes.empty())
+        refuseUsage(Word::EmptyArgument, TvString(name));
+    return base::pathFromNative(bytes);
+}
+
 /// A whole number from 0 to 10^6; refuses anything else.
 int numberArgument(const char* name, const std::string& text)
 {
@@ -45,10 +52,18 @@ CLI::Option* OptionList::argument(const char* name, const char* value, Word help
 CLI::Option* OptionList::file(const char* name, TvString& target, Word help)
 {
     return argument(name, "FILE", help, [&target, name](const std::string& bytes) {
-        if (bytes.empty())
-            refuseUsage(Word::EmptyArgument, TvString(name));
-        target = base::pathFromNative(bytes);
+        target = fileArgument(name, bytes);
     });
+}
+
+CLI::Option* OptionList::files(const char* name, std::vector<TvString>& target, Word help)
+{
+    const auto take = [&target, name](const std::vector<std::string>& all) {
+        for (const std::string& shielded : all)
+            target.push_back(fileArgument(name, bare(shielded)));
+    };
+    return m_app.add_option_function<std::vector<std::string>>(name, take, words(help).utf8())
+        ->type_name(name);
 }
 
 CLI::Option* OptionList::text(const char* name, const char* value, TvString& target, Word help)
@@ -74,6 +89,12 @@ CLI::Option* OptionList::texts(const char* name, std::vector<TvString>& target, 
     };
     return m_app.add_option_function<std::vector<std::string>>(name, take, words(help).utf8())
         ->type_name(name);
+}
+
+CLI::Option* OptionList::repeatedText(const char* name, const char* value,
+                                      std::vector<TvString>& target, Word help)
+{
+    return texts(name, target, help)->type_name(value)->allow_extra_args(false);
 }
 
 CLI::Option* OptionList::plain(const char* name, const char* value, std::string& target, Word help)

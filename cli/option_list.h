@@ -22,10 +22,15 @@ public:
 
     /// An argument that names a file, in the system's own bytes.
     CLI::Option* file(const char* name, TvString& target, Word help);
+    /// The same for one or more.
+    CLI::Option* files(const char* name, std::vector<TvString>& target, Word help);
     CLI::Option* text(const char* name, const char* value, TvString& target, Word help);
     CLI::Option* text(const char* name, const char* value, std::optional<TvString>& target,
                       Word help);
     CLI::Option* texts(const char* name, std::vector<TvString>& target, Word help);
+    /// An option that may be given several times, with one text each.
+    CLI::Option* repeatedText(const char* name, const char* value, std::vector<TvString>& target,
+                              Word help);
     CLI::Option* plain(const char* name, const char* value, std::string& target, Word help);
     CLI::Option* plains(const char* name, std::vector<std::string>& target, Word help);
     CLI::Option* number(const char* name, const char* value, std::optional<int>& target, Word help);

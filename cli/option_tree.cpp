@@ -44,6 +44,10 @@ void newOptions(OptionList& list, Invocation& into)
     list.text("--name", "NAME", into.newSet.name, Word::HelpName);
     list.text("--desc", "TEXT", into.newSet.description, Word::HelpDesc);
     list.file("--template", into.newSet.templateFile, Word::HelpTemplate);
+    list.file("--from", into.newSet.from, Word::HelpFrom)->type_name("FOLDER");
+    list.flag("--subsets", into.newSet.subsets, Word::HelpSubsets);
+    CLI::Option* prefix = list.flag("--prefix", into.newSet.prefix, Word::HelpPrefix);
+    list.flag("--no-prefix", into.newSet.noPrefix, Word::HelpNoPrefix)->excludes(prefix);
     dryRunOption(list, into);
 }
 
@@ -64,6 +68,18 @@ void subsetAddOptions(OptionList& list, Invocation& into)
     list.text("NAME", "NAME", into.subsetAdd.name, Word::HelpSubsetName)->required();
     list.text("--in", "HANDLE", into.subsetAdd.in, Word::HelpIn);
     placeOptions(list, into.subsetAdd.place);
+    dryRunOption(list, into);
+}
+
+void sheetImportOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.sheetImport.file);
+    list.files("DRAWING", into.sheetImport.drawings, Word::HelpImportDrawings)->required();
+    CLI::Option* layout =
+        list.repeatedText("--layout", "NAME", into.sheetImport.layouts, Word::HelpImportLayout);
+    list.flag("--all", into.sheetImport.all, Word::HelpImportAll)->excludes(layout);
+    list.text("--in", "HANDLE", into.sheetImport.in, Word::HelpImportIn);
+    list.flag("--no-prefix", into.sheetImport.noPrefix, Word::HelpNoPrefix);
     dryRunOption(list, into);
 }
 
@@ -238,6 +254,7 @@ constexpr Verb kVerbs[] = {
     {"tree",                   Word::SumTree,           Word::DetTree,           Word::ExTree,           treeOptions,              runRead<&I::tree>},
     {"info",                   Word::SumInfo,           Word::DetInfo,           Word::ExInfo,           infoOptions,              runRead<&I::info>},
     {"subset add",             Word::SumSubsetAdd,      Word::DetSubsetAdd,      Word::ExSubsetAdd,      subsetAddOptions,         runChange<&I::subsetAdd>},
+    {"sheet import",           Word::SumSheetImport,    Word::DetSheetImport,    Word::ExSheetImport,    sheetImportOptions,       runChange<&I::sheetImport>},
     {"move",                   Word::SumMove,           Word::DetMove,           Word::ExMove,           moveOptions,              runChange<&I::move>},
     {"set",                    Word::SumSet,            Word::DetSet,            Word::ExSet,            setOptions,               runChange<&I::set>},
     {"prop set",               Word::SumPropSet,        Word::DetPropSet,        Word::ExPropSet,        propSetOptions,           runChange<&I::propSet>},

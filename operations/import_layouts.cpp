@@ -134,7 +134,7 @@ bool LayoutUses::contains(const TvString& drawing, TvDbHandle layout) const
 }
 
 LoadedLayouts loadLayouts(std::span<const TvString> drawings, const KnownSets& sets,
-                          LayoutOrder order)
+                          LayoutOrder order, const std::function<void()>& beforeEach)
 {
     LoadedLayouts loaded;
     if (!sets.manager)
@@ -145,6 +145,8 @@ LoadedLayouts loadLayouts(std::span<const TvString> drawings, const KnownSets& s
         open.add(set);
     NamedSets named(*sets.manager, drawings);
     for (const TvString& path : drawings) {
+        if (beforeEach)
+            beforeEach();
         DrawingLayouts drawing;
         if (base::Status status = readDrawingLayouts(path, order, drawing); !status) {
             loaded.unreadable.push_back({path, std::move(status)});

@@ -65,6 +65,7 @@ TEST(Help, EachVerbTakesJsonLockWaitAndWhereItChangesDryRun)
                                             "prop set",
                                             "prop remove",
                                             "remove",
+                                            "sheet import",
                                             "drawing copy",
                                             "drawing new",
                                             "drawing layout add",

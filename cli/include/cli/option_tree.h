@@ -28,6 +28,7 @@ struct Invocation {
     TreeRequest tree;
     InfoRequest info;
     SubsetAddRequest subsetAdd;
+    SheetImportRequest sheetImport;
     MoveRequest move;
     SetRequest set;
     PropSetRequest propSet;

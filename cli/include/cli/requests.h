@@ -29,6 +29,10 @@ struct NewRequest {
     std::optional<TvString> name; ///< None: the file's name without its extension.
     std::optional<TvString> description;
     TvString templateFile; ///< Empty: an empty set.
+    TvString from;         ///< A folder whose drawings become sheets; empty: none.
+    bool subsets = false;  ///< Each folder below that becomes a subset.
+    bool prefix = false;   ///< Sheets are named after their drawings, as they are anyway.
+    bool noPrefix = false; ///< They are not.
     ChangeOptions change;
 };
 
@@ -46,6 +50,16 @@ struct SubsetAddRequest {
     TvString name;
     TvString in; ///< Empty: where the neighbour stands, or the set itself.
     Place place;
+    ChangeOptions change;
+};
+
+struct SheetImportRequest {
+    TvString file;
+    std::vector<TvString> drawings;
+    std::vector<TvString> layouts; ///< Names; empty: all that can be sheets.
+    TvString in;                   ///< Empty: the set itself.
+    bool noPrefix = false;
+    bool all = false; ///< As without layouts; not together with them.
     ChangeOptions change;
 };
 

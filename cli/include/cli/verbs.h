@@ -17,6 +17,7 @@ Outcome run(const NewRequest& request, Console& console);
 Outcome run(const TreeRequest& request, Console& console);
 Outcome run(const InfoRequest& request, Console& console);
 Outcome run(const SubsetAddRequest& request, Console& console);
+Outcome run(const SheetImportRequest& request, Console& console);
 Outcome run(const MoveRequest& request, Console& console);
 Outcome run(const SetRequest& request, Console& console);
 Outcome run(const PropSetRequest& request, Console& console);

@@ -2,7 +2,7 @@
 
 #include <base/tv_string.h>
 
-/// The words of the tool, by the numbers of their texts in the resources (22000 to 22999). Numbers
+/// The words of the tool, by the numbers of their texts in the resources (22000 to 22999, 24000 to 24999). Numbers
 /// are forever: add, never renumber or reuse. What is put into a text stands in its pattern.
 // clang-format off
 #define KV_TOOL_WORDS(X) \
@@ -356,7 +356,30 @@
     X(AdviceKeepVersion, 22962)                         \
     X(AdviceOverwrite, 22963)                           \
     X(AdviceNotDrawing, 22964)                          \
-    X(AdvicePassword, 22965)
+    X(AdvicePassword, 22965)                            \
+    /* sheets from layouts: verb, options */            \
+    X(SumSheetImport, 24100)                            \
+    X(DetSheetImport, 24101)                            \
+    X(ExSheetImport, 24102)                             \
+    X(HelpImportDrawings, 24110)                        \
+    X(HelpImportLayout, 24111)                          \
+    X(HelpImportIn, 24112)                              \
+    X(HelpNoPrefix, 24113)                              \
+    X(HelpImportAll, 24114)                             \
+    X(HelpFrom, 24115)                                  \
+    X(HelpSubsets, 24116)                               \
+    X(HelpPrefix, 24117)                                \
+    /* what is said of them */                          \
+    X(MadeSheets, 24120)                                \
+    X(MadeSheetsAndSubsets, 24121)                      \
+    X(ImportInUse, 24130)                               \
+    X(ImportNoLayouts, 24131)                           \
+    X(ImportNoSuchLayout, 24132)                        \
+    X(ImportNothing, 24133)                             \
+    X(ImportUnreadable, 24134)                          \
+    X(FromNotAFolder, 24135)                            \
+    X(FromNothing, 24136)                               \
+    X(OptionNeedsOther, 24137)
 // clang-format on
 
 namespace cli {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <set>
 #include <span>
@@ -102,9 +103,12 @@ struct KnownSets {
 /// Looks at each drawing, and judges its layouts. The sets that drawings name are opened for that,
 /// once each, and closed again; one that cannot be opened has no sheets, and one that was open
 /// before stays as it is, locked or not.
+/// @param beforeEach  called before each drawing is read; what it throws ends the load. May be
+/// empty.
 /// @return empty without a manager.
 /// @note O(layouts + sheets), each set being walked once.
 LoadedLayouts loadLayouts(std::span<const TvString> drawings, const KnownSets& sets,
-                          LayoutOrder order = LayoutOrder::Dictionary);
+                          LayoutOrder order = LayoutOrder::Dictionary,
+                          const std::function<void()>& beforeEach = {});
 
 } // namespace operations

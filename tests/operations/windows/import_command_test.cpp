@@ -1,6 +1,7 @@
 // Importing layouts from the panel: the command, what the host asks for, and the recovery of a
 // sheet whose drawing is gone.
 
+#include <QMainWindow>
 #include <QPushButton>
 #include <QTreeWidget>
 
@@ -8,6 +9,8 @@
 #include <operations_windows/import_layout_as_sheet_dialog.h>
 #include <panel/import_layouts.h>
 #include <panel/recover_drawing.h>
+#include <panel_windows/sheet_set_palette_set.h>
+#include <ui/main_frame.h>
 
 #include "page_scene.h"
 #include "program.h"
@@ -151,6 +154,28 @@ TEST_F(ImportCommandTest, ALayoutThatTheDrawingLacksIsToldAndTheOtherOneIsTicked
     });
     importPreset({u"gone", u"B"});
     EXPECT_EQ(childrenOf(ground), (Names{u"Plan", u"Details", u"Section", u"Plans - B"}));
+}
+
+TEST_F(ImportCommandTest, WhatTheHostAsksOfThePanelGoesWhereItsCaretIs)
+{
+    QMainWindow frame;
+    ui::setMainFrame(&frame);
+    const std::unique_ptr<core::SheetSetPanel> shown = panel::makeSheetSetPanel();
+    ASSERT_NE(shown, nullptr);
+    auto* page =
+        dynamic_cast<panel::SheetListPage*>(shown->palette(core::SessionHost::Palette::SheetList));
+    ASSERT_NE(page, nullptr);
+    host.list = page;
+    page->tree().setCaret(nullptr);
+    shown->importLayoutsAsSheets(plans, {u"B"}); // a dialog would wait for ever
+    page->tree().setCaret(page->tree().itemOf(handleOf(roof)));
+    inDialog(text::kIdOk);
+    shown->importLayoutsAsSheets(plans, {u"B"});
+    settle();
+    EXPECT_EQ(dialogs, 1);
+    EXPECT_EQ(childrenOf(roof), Names{u"Plans - B"});
+    host.list = &dlg->page();
+    ui::setMainFrame(nullptr);
 }
 
 TEST_F(ImportCommandTest, ItIsTheCommandOfTheMenu)
