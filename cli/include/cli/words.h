@@ -2,8 +2,9 @@
 
 #include <base/tv_string.h>
 
-/// The words of the tool, by the numbers of their texts in the resources (22000 to 22999, 24000 to 24999). Numbers
-/// are forever: add, never renumber or reuse. What is put into a text stands in its pattern.
+/// The words of the tool, by the numbers of their texts in the resources (22000 to 22999, 24000 to
+/// 24999). Numbers are forever: add, never renumber or reuse. What is put into a text stands in its
+/// pattern.
 // clang-format off
 #define KV_TOOL_WORDS(X) \
     /* the tool and its help */                         \
