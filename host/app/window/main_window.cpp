@@ -11,6 +11,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPointer>
+#include <QStackedWidget>
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QToolBar>
@@ -35,6 +36,7 @@
 
 #include "window/command_panel.h"
 #include "window/document_page.h"
+#include "window/start_page.h"
 
 namespace window {
 
@@ -85,7 +87,8 @@ MainWindow::MainWindow(app::Program& program, app::RecoveryKeeper* recovery,
                        app::CrashReporter* crashes)
     : m_program(program), m_recovery(recovery), m_crashes(crashes),
       m_commands(new CommandPanel(program.commandLine(), program.commands(), this)),
-      m_tabs(new QTabWidget(this)), m_coordinates(new QLabel(this)), m_state(new QLabel(this)),
+      m_pages(new QStackedWidget(this)), m_start(new StartPage(m_pages)),
+      m_tabs(new QTabWidget(m_pages)), m_coordinates(new QLabel(this)), m_state(new QLabel(this)),
       m_view([this](const TvDbDatabase* database) { return pageOf(database); })
 {
     ui::setMainFrame(this);
@@ -125,7 +128,10 @@ void MainWindow::makePanels()
     m_tabs->setTabsClosable(true);
     m_tabs->setMovable(true);
     m_tabs->setElideMode(Qt::ElideMiddle);
-    setCentralWidget(m_tabs);
+    m_pages->addWidget(m_start);
+    m_pages->addWidget(m_tabs);
+    setCentralWidget(m_pages);
+    makeStartPage();
     QObject::connect(m_tabs, &QTabWidget::currentChanged, this, [this] {
         if (DocumentPage* page = m_isSynchronising ? nullptr : currentPage()) {
             m_program.documents().activateDocument(&page->document());
@@ -331,6 +337,7 @@ void MainWindow::synchronise()
         m_tabs->setCurrentWidget(pageOf(active->database()));
     if (DocumentPage* page = currentPage())
         page->refresh();
+    showStartPageIfAlone();
     showState();
     m_isSynchronising = false;
 }
@@ -498,8 +505,6 @@ bool MainWindow::showHelp(const TvString&)
 {
     return false; // the command line says what it knows
 }
-
-void MainWindow::recentFilesChanged() {}
 
 void MainWindow::changeEvent(QEvent* event)
 {

@@ -99,7 +99,12 @@
     X(NoRecent, 23594)                                  \
     X(HandedOver, 23595)                                \
     X(CloseTab, 23596)                                  \
-    X(AskQuitLosing, 23597)
+    X(AskQuitLosing, 23597)                             \
+    X(StartNew, 23600)                                  \
+    X(StartOpen, 23601)                                 \
+    X(StartOpenSet, 23602)                              \
+    X(StartRecent, 23603)                               \
+    X(StartEmpty, 23604)
 // clang-format on
 
 namespace app {

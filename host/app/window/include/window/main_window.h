@@ -18,6 +18,7 @@
 class QLabel;
 class QAction;
 class QMenu;
+class QStackedWidget;
 class QTabWidget;
 class TvDbEntity;
 
@@ -25,6 +26,7 @@ namespace window {
 
 class CommandPanel;
 class DocumentPage;
+class StartPage;
 struct PointerQuestion;
 
 /// The program's window: a tab for each drawing, the command line below, palette sets at the edges.
@@ -47,6 +49,7 @@ public:
     void synchronise();
     void perform(app::WindowAction action);
 
+    StartPage& startPage() { return *m_start; }
     CommandPanel& commandPanel() { return *m_commands; }
     /// Null when nothing is open.
     DocumentPage* currentPage() const;
@@ -75,6 +78,8 @@ private:
     void makeActions();
     void makePanels();
     void showPanelState(QAction& action);
+    void makeStartPage();
+    void showStartPageIfAlone();
     void fillRecent(QMenu& menu);
     void openFile(const TvString& path);
     void addPage(TvApDocument& document);
@@ -93,6 +98,8 @@ private:
     app::CrashReporter* m_crashes;
     app::DrawingWatch m_watch;
     CommandPanel* m_commands; // owned by the toolkit, as all below
+    QStackedWidget* m_pages;  // start page and tabs
+    StartPage* m_start;
     QTabWidget* m_tabs;
     QLabel* m_coordinates;
     QLabel* m_state;
@@ -103,6 +110,7 @@ private:
     bool m_isSynchronising = false;
     bool m_isQuitting = false;
     bool m_saidAutosaveFailed = false;
+    std::vector<TvString> m_recent; // files, as they were told last
 };
 
 } // namespace window
