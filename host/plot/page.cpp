@@ -106,7 +106,9 @@ void place(Page& page, const PageSetup& setup, const std::optional<gs::Box>& are
                             page.heightMm - margins.top};
     double scale = setup.mmPerUnit();
     double x = printable.lowX + setup.offsetXMm, y = printable.lowY + setup.offsetYMm;
-    page.shownMm = printable;
+    // A file has no edge that cannot be printed; a printer keeps to its own.
+    const gs::Box paper{0, 0, page.widthMm, page.heightMm};
+    page.shownMm = paper;
     if (area) {
         if (setup.fits)
             scale = fittingScale(*area, printable);
@@ -117,7 +119,7 @@ void place(Page& page, const PageSetup& setup, const std::optional<gs::Box>& are
         const double around = area->width() * scale + area->height() * scale;
         const gs::Box there{x, y, x + area->width() * scale, y + area->height() * scale};
         // Room for the widths of lines that run along the edge.
-        page.shownMm = printable.common(there.grown(std::min(around / 100, 1.0)));
+        page.shownMm = paper.common(there.grown(std::min(around / 100, 1.0)));
         x -= area->lowX * scale;
         y -= area->lowY * scale;
     }

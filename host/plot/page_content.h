@@ -25,6 +25,19 @@ struct UsedFont {
     std::map<std::uint16_t, UsedLetter> letters;
 };
 
+/// Colours that pass into each other, in a square of their own.
+struct UsedShading {
+    bool isRound = false;
+    std::vector<std::pair<double, std::uint32_t>>
+        stops; ///< from 0 to 1, ascending; red, green, blue
+};
+
+/// A picture: 3 bytes a pixel, row by row from the top.
+struct UsedImage {
+    int width = 0, height = 0;
+    std::string packed;
+};
+
 /// A link in its place.
 struct PlacedLink {
     gs::Box areaMm;
@@ -32,7 +45,8 @@ struct PlacedLink {
 };
 
 /// A finished page of a PDF, without anything of the drawing. Its operators name layers as /L0,
-/// /L1..., fonts as /F0..., the font of hidden texts /FH, and opacities as /A0 to /A255.
+/// /L1..., fonts as /F0..., the font of hidden texts /FH, shadings as /S0..., pictures as /I0...,
+/// and opacities as /A0 to /A255.
 struct PageContent {
     double widthMm = 0, heightMm = 0;
     std::string stream; ///< packed operators
@@ -40,6 +54,8 @@ struct PageContent {
     std::vector<UsedFont> fonts;
     std::set<char16_t> hidden; ///< characters of hidden texts
     std::set<std::uint8_t> alphas;
+    std::vector<UsedShading> shadings;
+    std::vector<UsedImage> images;
     std::vector<PlacedLink> links;
 };
 

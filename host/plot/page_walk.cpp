@@ -105,8 +105,9 @@ private:
         m_sink.stroke(mark, {cut.verbs(), cut.points()});
     }
 
-    void drawFill(const gs::Item& item, const Mark& mark)
+    void drawFill(const gs::Item& item, Mark mark)
     {
+        mark.filling = m_list.fillingOf(item);
         const gs::PathView path = m_list.path(item.path, m_room);
         const bool isEvenOdd = item.kind == gs::Item::Kind::EvenOddFill;
         if (isNear(item.box))

@@ -15,8 +15,9 @@ struct Mark {
     std::uint32_t clip = gs::Item::kNoClip; ///< among the list's
     std::uint32_t rgb = 0;
     std::uint8_t alpha = 255;
-    double widthMm = 0;  ///< of a stroke
-    bool isWide = false; ///< a stroke with square corners and no caps
+    double widthMm = 0;                   ///< of a stroke
+    bool isWide = false;                  ///< a stroke with square corners and no caps
+    const gs::Filling* filling = nullptr; ///< of a fill with many colours; not owned
 };
 
 /// A letter of an outline font.

@@ -9,6 +9,8 @@
 #include <qpdf/QPDFObjectHandle.hh>
 #include <qpdf/QPDFWriter.hh>
 
+#include <base/content_hash.h>
+
 #include "cff_font.h"
 #include "pdf_parts.h"
 #include "plot/reasons.h"
@@ -122,6 +124,15 @@ struct PdfFile::Impl {
         if (options.mergesLines)
             states.replaceKey("/M", Object::parse("<< /BM /Multiply >>"));
         Object used = fonts->use(content);
+        Object shadings = Object::newDictionary(), pictures = Object::newDictionary();
+        for (std::size_t i = 0; i < content.shadings.size(); ++i)
+            shadings.replaceKey(fmt::format("/S{}", i), shadingObject(content.shadings[i]));
+        for (std::size_t i = 0; i < content.images.size(); ++i)
+            pictures.replaceKey(fmt::format("/I{}", i), image(content.images[i]));
+        if (!content.shadings.empty())
+            all.replaceKey("/Shading", shadings);
+        if (!content.images.empty())
+            all.replaceKey("/XObject", pictures);
         if (!content.layers.empty())
             all.replaceKey("/Properties", properties);
         if (!states.getKeys().empty())
@@ -129,6 +140,24 @@ struct PdfFile::Impl {
         if (!used.getKeys().empty())
             all.replaceKey("/Font", used);
         return all;
+    }
+
+    /// A picture that several pages show is there once.
+    Object image(const UsedImage& used)
+    {
+        const base::ContentHash hash = base::hashOf(std::as_bytes(std::span(used.packed)));
+        Object& found = images[{hash.high, hash.low}];
+        if (found.isInitialized())
+            return found;
+        found = contentStream(used.packed);
+        Object dict = found.getDict();
+        dict.replaceKey("/Type", Object::newName("/XObject"));
+        dict.replaceKey("/Subtype", Object::newName("/Image"));
+        dict.replaceKey("/Width", Object::newInteger(used.width));
+        dict.replaceKey("/Height", Object::newInteger(used.height));
+        dict.replaceKey("/ColorSpace", Object::newName("/DeviceRGB"));
+        dict.replaceKey("/BitsPerComponent", Object::newInteger(8));
+        return found;
     }
 
     static Object opacity(std::uint8_t alpha)
@@ -247,7 +276,8 @@ struct PdfFile::Impl {
     QPDF pdf;
     std::unique_ptr<PdfFonts> fonts;
     std::vector<PdfPage> pages;
-    std::map<TvString, Object> layers; // by name, and so shown
+    std::map<TvString, Object> layers;                                // by name, and so shown
+    std::map<std::pair<std::uint64_t, std::uint64_t>, Object> images; // by content
     base::Status status;
 };
 

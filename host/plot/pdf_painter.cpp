@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <gs/picture.h>
+
 #include "inflate.h"
 
 namespace plot {
@@ -302,10 +304,70 @@ void PdfPainter::fill(const Mark& mark, gs::PathView path, bool isEvenOdd)
     if (path.isEmpty())
         return;
     usePlace(mark);
+    if (mark.filling && fillWith(mark, path, isEvenOdd))
+        return;
     useFill(mark);
     if (!traceRectangle(path))
         traceFill(path);
     m_out.text(isEvenOdd ? "f*\n" : "f\n");
+}
+
+// Areas of many colours
+
+std::int32_t PdfPainter::imageFor(const gs::Picture& picture)
+{
+    constexpr int kPacking = 6;
+    const auto [at, isNew] =
+        m_imageNames.emplace(&picture, static_cast<std::int32_t>(m_content.images.size()));
+    if (!isNew)
+        return at->second;
+    std::string bytes;
+    bytes.reserve(picture.pixels.size() * 3);
+    for (const std::uint32_t pixel : picture.pixels)
+        for (const int shift : {16, 8, 0})
+            bytes += static_cast<char>(pixel >> shift & 0xFF);
+    m_content.images.push_back({picture.width, picture.height, deflated(bytes, kPacking)});
+    return at->second;
+}
+
+std::int32_t PdfPainter::shadingFor(const gs::Filling& filling)
+{
+    UsedShading shading;
+    shading.isRound = filling.isRound;
+    for (const gs::Filling::Stop& stop : filling.stops) {
+        const double at = std::clamp(stop.at, 0.0, 1.0);
+        const std::uint32_t rgb =
+            m_page.styles.plotted(gs::rgbOf(stop.color, gs::Background::Paper));
+        if (shading.stops.empty() && at > 0)
+            shading.stops.emplace_back(0, rgb);
+        shading.stops.emplace_back(at, rgb);
+    }
+    if (shading.stops.back().first < 1)
+        shading.stops.emplace_back(1, shading.stops.back().second);
+    m_content.shadings.push_back(std::move(shading));
+    return static_cast<std::int32_t>(m_content.shadings.size() - 1);
+}
+
+bool PdfPainter::fillWith(const Mark& mark, gs::PathView path, bool isEvenOdd)
+{
+    const gs::Filling& filling = *mark.filling;
+    const bool isPicture = filling.picture && !filling.picture->isEmpty();
+    const gs::FlatMap square = m_plane * filling.place;
+    if ((!isPicture && filling.stops.empty()) || !(std::abs(square.determinant()) > 1e-9))
+        return false;
+    flush();
+    useAlpha(mark.alpha);
+    m_out.text("q\n");
+    if (!traceRectangle(path))
+        traceFill(path);
+    m_out.text(isEvenOdd ? "W* n\n" : "W n\n");
+    m_out.real(square.xx).real(square.yx).real(square.xy).real(square.yy);
+    m_out.real(square.x0).real(square.y0).text("cm\n");
+    if (isPicture)
+        m_out.text("/I").number(imageFor(*filling.picture)).text("Do Q\n");
+    else
+        m_out.text("/S").number(shadingFor(filling)).text("sh Q\n");
+    return true;
 }
 
 // Letters

@@ -57,6 +57,10 @@ private:
     bool traceRectangle(gs::PathView path);
     void traceStroke(gs::PathView path, bool joins);
     void traceFill(gs::PathView path);
+    /// Fills @p path with what @p mark says; false when there is nothing to fill with.
+    bool fillWith(const Mark& mark, gs::PathView path, bool isEvenOdd);
+    std::int32_t imageFor(const gs::Picture& picture);
+    std::int32_t shadingFor(const gs::Filling& filling);
     void curve(Spot a, Spot b, Spot to);
     std::size_t fontFor(const Letter& letter);
     /// Letters from @p first on that stand on one line, as one text. @return the one behind them.
@@ -78,6 +82,7 @@ private:
     int m_pending = 0;       // pieces of a path that is not stroked yet
     std::optional<Spot> m_pen;
     std::unordered_map<std::uint32_t, std::size_t> m_layerNames;
+    std::unordered_map<const gs::Picture*, std::int32_t> m_imageNames;
 };
 
 } // namespace plot

@@ -124,6 +124,38 @@ std::string xmpOf(const DocumentInfo& info, const std::string& date)
 
 } // namespace
 
+Object shadingObject(const UsedShading& shading)
+{
+    const auto colorOf = [](std::uint32_t rgb) {
+        Object color = Object::newArray();
+        for (const int shift : {16, 8, 0})
+            color.appendItem(Object::newReal((rgb >> shift & 0xFF) / 255.0, 3));
+        return color;
+    };
+    Object functions = Object::newArray(), bounds = Object::newArray(), encode = Object::newArray();
+    for (std::size_t i = 0; i + 1 < shading.stops.size(); ++i) {
+        Object between = Object::parse("<< /FunctionType 2 /Domain [0 1] /N 1 >>");
+        between.replaceKey("/C0", colorOf(shading.stops[i].second));
+        between.replaceKey("/C1", colorOf(shading.stops[i + 1].second));
+        functions.appendItem(between);
+        encode.appendItem(Object::newInteger(0));
+        encode.appendItem(Object::newInteger(1));
+        if (i > 0)
+            bounds.appendItem(Object::newReal(shading.stops[i].first, 4));
+    }
+    Object all = Object::parse("<< /FunctionType 3 /Domain [0 1] >>");
+    all.replaceKey("/Functions", functions);
+    all.replaceKey("/Bounds", bounds);
+    all.replaceKey("/Encode", encode);
+    Object dict = Object::parse(
+        shading.isRound ? "<< /ShadingType 3 /ColorSpace /DeviceRGB /Coords [0 0 0 0 0 1] "
+                          "/Extend [true true] >>"
+                        : "<< /ShadingType 2 /ColorSpace /DeviceRGB /Coords [0 0 1 0] "
+                          "/Extend [true true] >>");
+    dict.replaceKey("/Function", all);
+    return dict;
+}
+
 Object wholePage(const Object& page)
 {
     return Object::newArray({page, Object::newName("/Fit")});

@@ -46,6 +46,8 @@ private:
     std::set<char16_t> m_hiddenLetters;
 };
 
+/// Colours along a line from x = 0 to 1, or from the middle to 1 away from it.
+QPDFObjectHandle shadingObject(const UsedShading& shading);
 /// A destination: all of a page.
 QPDFObjectHandle wholePage(const QPDFObjectHandle& page);
 /// The tree of subsets with their sheets.

@@ -1,0 +1,147 @@
+#include "publisher.h"
+
+#include <algorithm>
+#include <map>
+#include <thread>
+
+#include <QApplication>
+
+#include <base/path_rules.h>
+#include <ed/tv_ap_doc_manager.h>
+#include <ed/user_prompts.h>
+#include <resources/texts.h>
+#include <rx/tv_user_messages.h>
+#include <sm/tv_sm_database.h>
+#include <sm/tv_sm_sheet_set.h>
+
+#include "plotcmds_ids.h"
+#include "printing.h"
+#include "progress_dialog.h"
+#include "running_job.h"
+
+namespace plotcmds {
+
+namespace {
+
+void tell(int text, std::vector<TvString> arguments = {})
+{
+    TvUserMessages::Message message;
+    message.text = text;
+    message.caption = kPublishing;
+    message.arguments = std::move(arguments);
+    message.icon = TvUserMessages::Icon::Information;
+    tvrxShowMessage(message);
+}
+
+int usefulJobs()
+{
+    return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, 4U));
+}
+
+void start(plot::JobRequest job, std::function<TvString(const plot::JobReport&)> whenDone)
+{
+    job.jobs = usefulJobs();
+    takeOpenDrawings(job);
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance())) {
+        plot::JobWatcher nobody;
+        const plot::JobReport report = plot::run(job, nobody);
+        if (whenDone && report.status)
+            whenDone(report);
+        return;
+    }
+    // Owned by the toolkit: it goes when it is closed.
+    auto* const window =
+        new ProgressDialog(RunningJobs::all().start(std::move(job)), std::move(whenDone));
+    window->Create();
+    window->show();
+}
+
+} // namespace
+
+void takeOpenDrawings(plot::JobRequest& job)
+{
+    TvApDocManager* const documents = tvDocManagerPtr();
+    if (!documents)
+        return;
+    std::map<TvString, std::shared_ptr<const std::vector<std::uint8_t>>> taken;
+    for (plot::PageOrder& page : job.pages) {
+        if (const auto found = taken.find(page.drawing); found != taken.end()) {
+            page.content = found->second;
+            continue;
+        }
+        const TvApDocument* const document = documents->documentOf(page.drawing);
+        TvDbDatabase* const database = document ? document->database() : nullptr;
+        if (database && database->isModified())
+            if (auto bytes = database->toBytes(db::FileFormat::Dwg))
+                page.content = std::make_shared<const std::vector<std::uint8_t>>(std::move(*bytes));
+        taken.emplace(page.drawing, page.content);
+    }
+}
+
+TvString askTarget(plot::OutputKind kind, const TvString& suggested)
+{
+    ed::UserPrompts* const prompts = ed::userPrompts();
+    if (!prompts)
+        return {};
+    ed::UserPrompts::FileQuestion question;
+    question.isForFolder = kind == plot::kPdfPerSheet || kind == plot::kSvgPerSheet;
+    question.title = TvString(text::find(question.isForFolder ? kPublishFolder : kPublishTo));
+    question.start = suggested;
+    question.dialogName = u"Publish";
+    question.isForSaving = !question.isForFolder;
+    if (!question.isForFolder)
+        question.extensions = {u"pdf"};
+    std::vector<TvString> answer;
+    if (prompts->askFiles(question, answer) == ed::kCancelled || answer.empty())
+        return {};
+    TvString path = answer.front();
+    if (!question.isForFolder && !path.endsWithNoCase(u".pdf"))
+        path += u".pdf";
+    return path;
+}
+
+void publishJob(plot::JobRequest job, plot::OutputKind kind, const TvString& suggested)
+{
+    if (kind == plot::kToPrinter) {
+        if (const std::vector<TvString> printers = printersOfMachine(); !printers.empty()) {
+            const auto choice = askPrinter(printers);
+            if (!choice)
+                return;
+            job.target = temporaryPdf();
+            start(std::move(job), [choice = *choice](const plot::JobReport& report) {
+                return printFile(report.files.front(), choice);
+            });
+            return;
+        }
+    }
+    if (job.target.isEmpty())
+        job.target = askTarget(kind, suggested);
+    if (!job.target.isEmpty())
+        start(std::move(job), {});
+}
+
+void publish(const std::vector<TvSmSheet*>& sheets, const TvSmSheetSet& set,
+             const PublishRequest& request, const TvString& target)
+{
+    const auto kind = static_cast<plot::OutputKind>(request.kind);
+    if (kind < plot::kToPrinter || kind > plot::kSvgPerSheet)
+        return;
+    plot::JobRequest job = plot::jobOf(sheets, set, kind);
+    if (job.pages.empty()) {
+        tell(kNothingToPublish);
+        return;
+    }
+    if (request.usePageSetup && !plot::usePageSetup(job, set, request.pageSetupName)) {
+        tell(kNoPageSetups, {request.pageSetupName});
+        return;
+    }
+    job.target = target.isEmpty() ? plot::targetOf(set, kind) : target;
+    TvString suggested;
+    if (set.database())
+        suggested = base::PathRules::native().folderOf(set.database()->getFileName());
+    if (kind == plot::kOnePdf || kind == plot::kToPrinter)
+        suggested = base::PathRules::native().join(suggested, plot::fileNameOf(set) + u".pdf");
+    publishJob(std::move(job), kind, suggested);
+}
+
+} // namespace plotcmds
