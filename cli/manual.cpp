@@ -150,6 +150,7 @@ std::string manualSource()
     out += messageSection(Word::ManMessages, 22400, 22499, "E%05d", 0);
     out += messageList(22920, 22959, "E%05d", 0);
     out += messageList(24130, 24149, "E%05d", 0);
+    out += messageList(24300, 24349, "E%05d", 0);
     out += messageSection(Word::ManFindings, 22501, 22599, "K%03d", 22500);
     out += messageSection(Word::ManDrawingFindings, 22601, 22699, "D%02d", 22600);
     out += section(Word::ManEnvironment) + ".TP\n.B NO_COLOR\n" +

@@ -130,6 +130,30 @@ void removeOptions(OptionList& list, Invocation& into)
     dryRunOption(list, into);
 }
 
+void sheetRenameOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.sheetRename.file);
+    handleArgument(list, into.sheetRename.handle);
+    list.text("--number", "NUMBER", into.sheetRename.number, Word::HelpRenameNumber);
+    list.text("--title", "TITLE", into.sheetRename.title, Word::HelpRenameTitle);
+    list.text("--layout", "NAME", into.sheetRename.layout, Word::HelpRenameLayout);
+    list.text("--file", "NAME", into.sheetRename.drawing, Word::HelpRenameFile);
+    dryRunOption(list, into);
+}
+
+void renumberOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.renumber.file);
+    list.text("--in", "HANDLE", into.renumber.in, Word::HelpRenumberIn);
+    list.text("--first", "NUMBER", into.renumber.first, Word::HelpFirst);
+    list.number("--step", "N", into.renumber.step, Word::HelpStep);
+    list.flag("--rename-layouts", into.renumber.renameLayouts, Word::HelpRenameLayouts);
+    list.flag("--rename-files", into.renumber.renameFiles, Word::HelpRenameFiles);
+    list.flag("--undo", into.renumber.undo, Word::HelpUndo);
+    list.flag("--recover", into.renumber.recover, Word::HelpRecover);
+    dryRunOption(list, into);
+}
+
 void checkOptions(OptionList& list, Invocation& into)
 {
     fileArgument(list, into.check.file);
@@ -255,6 +279,8 @@ constexpr Verb kVerbs[] = {
     {"info",                   Word::SumInfo,           Word::DetInfo,           Word::ExInfo,           infoOptions,              runRead<&I::info>},
     {"subset add",             Word::SumSubsetAdd,      Word::DetSubsetAdd,      Word::ExSubsetAdd,      subsetAddOptions,         runChange<&I::subsetAdd>},
     {"sheet import",           Word::SumSheetImport,    Word::DetSheetImport,    Word::ExSheetImport,    sheetImportOptions,       runChange<&I::sheetImport>},
+    {"sheet rename",           Word::SumSheetRename,    Word::DetSheetRename,    Word::ExSheetRename,    sheetRenameOptions,       runChange<&I::sheetRename>},
+    {"renumber",               Word::SumRenumber,       Word::DetRenumber,       Word::ExRenumber,       renumberOptions,          runChange<&I::renumber>},
     {"move",                   Word::SumMove,           Word::DetMove,           Word::ExMove,           moveOptions,              runChange<&I::move>},
     {"set",                    Word::SumSet,            Word::DetSet,            Word::ExSet,            setOptions,               runChange<&I::set>},
     {"prop set",               Word::SumPropSet,        Word::DetPropSet,        Word::ExPropSet,        propSetOptions,           runChange<&I::propSet>},

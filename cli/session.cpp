@@ -27,6 +27,37 @@ TvSmDatabase* openOrRefuse(TvSmSheetSetMgr& manager, const TvString& file)
 
 } // namespace
 
+namespace {
+
+/// @pre the lock is held.
+operations::RenameRecovery lookAfterRename(TvSmDatabase& db, Console& console)
+{
+    using operations::RenameRecovery;
+    if (!operations::hasRenameToRecover(db.getFileName()))
+        return RenameRecovery::Nothing;
+    const base::Result<RenameRecovery> done = operations::recoverRename(db);
+    if (!done)
+        refuse(done.status(), Doing::Writing);
+    if (*done != RenameRecovery::Nothing)
+        console.warn(messageOf(*done == RenameRecovery::Finished ? Word::WarnRenameFinished
+                                                                 : Word::WarnRenameTakenBack));
+    return *done;
+}
+
+/// For who only reads: where the lock is free for a moment.
+void lookAfterRenameIfFree(TvSmDatabase& db, Console& console)
+{
+    if (!operations::hasRenameToRecover(db.getFileName()))
+        return;
+    const sm::ChangeScope scope(&db);
+    if (scope)
+        lookAfterRename(db, console);
+    else
+        console.warn(messageOf(Word::WarnRenameLeft));
+}
+
+} // namespace
+
 TvString fullPath(const TvString& path)
 {
     const base::PathRules& rules = base::PathRules::native();
@@ -48,9 +79,12 @@ void warnIfLocked(const TvString& file, Console& console)
 
 // --- reading
 
-OpenedSet::OpenedSet(const TvString& file, Console& console) : m_db(openOrRefuse(m_manager, file))
+OpenedSet::OpenedSet(const TvString& file, Console& console)
 {
+    TvSmDatabase* db = openOrRefuse(m_manager, file);
     console.stopIfInterrupted();
+    lookAfterRenameIfFree(*db, console);
+    m_db = db;
     if (sm::isReadOnlyVersion(m_db))
         console.warn(messageOf(Word::WarnNewerVersion, m_db->getFileName(), m_db->getVersion()));
 }
@@ -76,6 +110,8 @@ void ChangedSet::openCopy(const TvString& file)
                       {fullPath(file), m_copy->getVersion()}),
                Doing::Writing);
     warnIfLocked(file, m_console);
+    if (operations::hasRenameToRecover(fullPath(file)))
+        m_console.warn(messageOf(Word::WarnRenameLeft));
     m_db = m_copy.get();
 }
 
@@ -84,6 +120,7 @@ void ChangedSet::openLocked(const TvString& file, std::chrono::milliseconds lock
     m_db = openOrRefuse(m_manager, file);
     if (const Status status = waitForLock(lockWait); !status)
         refuse(status, Doing::Writing);
+    m_recovered = lookAfterRename(*m_db, m_console);
 }
 
 /// Looks again and again, since a lock tells nobody when it ends.

@@ -34,6 +34,8 @@ struct Invocation {
     PropSetRequest propSet;
     PropRemoveRequest propRemove;
     PropListRequest propList;
+    SheetRenameRequest sheetRename;
+    RenumberRequest renumber;
     RemoveRequest remove;
     CheckRequest check;
     LockRequest lock;

@@ -102,6 +102,27 @@ struct PropListRequest {
     TvString handle;
 };
 
+struct SheetRenameRequest {
+    TvString file;
+    TvString handle;
+    std::optional<TvString> number, title; ///< None: as it is.
+    std::optional<TvString> layout;        ///< In its drawing.
+    std::optional<TvString> drawing;       ///< The drawing's file name.
+    ChangeOptions change;
+};
+
+struct RenumberRequest {
+    TvString file;
+    TvString in; ///< Empty: the whole set.
+    std::optional<TvString> first;
+    std::optional<int> step; ///< None: 1.
+    bool renameLayouts = false;
+    bool renameFiles = false;
+    bool undo = false;    ///< Takes the last rename back instead.
+    bool recover = false; ///< Only looks after one that was broken off.
+    ChangeOptions change;
+};
+
 struct RemoveRequest {
     TvString file;
     TvString handle;

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include <operations/rename_apply.h>
 #include <sm/change_scope.h>
 #include <sm/tv_sm_sheet_set_mgr.h>
 
@@ -11,7 +12,8 @@
 
 namespace cli {
 
-/// A sheet set opened for reading; closed when this goes. Takes no lock.
+/// A sheet set opened for reading; closed when this goes. Takes no lock, but for a moment where a
+/// rename of drawings was broken off and is to be looked after.
 class OpenedSet
 {
 public:
@@ -38,6 +40,11 @@ public:
     bool isDryRun() const { return m_copy != nullptr; }
     /// Writes the change, or refuses; nothing in a dry run but to say so.
     void commit();
+    /// Ends the lock and keeps the change, for who does more than change the set; false when it
+    /// could not be written. Never in a dry run.
+    bool tryCommit() { return m_scope->commit(); }
+    /// What became of a rename of drawings that somebody had left in its middle.
+    operations::RenameRecovery recovered() const { return m_recovered; }
 
 private:
     void openCopy(const TvString& file);
@@ -49,6 +56,7 @@ private:
     std::unique_ptr<TvSmDatabase> m_copy;
     TvSmDatabase* m_db = nullptr; // the manager's, or the copy
     std::optional<sm::ChangeScope> m_scope;
+    operations::RenameRecovery m_recovered = operations::RenameRecovery::Nothing;
 };
 
 /// The path as it is told to the user and to lower rooms: absolute, without "." and "..".

@@ -23,6 +23,8 @@ Outcome run(const SetRequest& request, Console& console);
 Outcome run(const PropSetRequest& request, Console& console);
 Outcome run(const PropRemoveRequest& request, Console& console);
 Outcome run(const PropListRequest& request, Console& console);
+Outcome run(const SheetRenameRequest& request, Console& console);
+Outcome run(const RenumberRequest& request, Console& console);
 Outcome run(const RemoveRequest& request, Console& console);
 Outcome run(const CheckRequest& request, Console& console);
 Outcome run(const LockRequest& request, Console& console);

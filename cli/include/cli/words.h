@@ -380,7 +380,57 @@
     X(ImportUnreadable, 24134)                          \
     X(FromNotAFolder, 24135)                            \
     X(FromNothing, 24136)                               \
-    X(OptionNeedsOther, 24137)
+    X(OptionNeedsOther, 24137)                          \
+    /* renaming and renumbering; errors and warnings: shown with their numbers */\
+    X(SumSheetRename, 24200)                            \
+    X(SumRenumber, 24201)                               \
+    X(DetSheetRename, 24205)                            \
+    X(DetRenumber, 24206)                               \
+    X(ExSheetRename, 24210)                             \
+    X(ExRenumber, 24211)                                \
+    X(HelpRenameNumber, 24220)                          \
+    X(HelpRenameTitle, 24221)                           \
+    X(HelpRenameLayout, 24222)                          \
+    X(HelpRenameFile, 24223)                            \
+    X(HelpRenumberIn, 24224)                            \
+    X(HelpFirst, 24225)                                 \
+    X(HelpStep, 24226)                                  \
+    X(HelpRenameLayouts, 24227)                         \
+    X(HelpRenameFiles, 24228)                           \
+    X(HelpUndo, 24229)                                  \
+    X(HelpRecover, 24230)                               \
+    X(EffectFromTo, 24240)                              \
+    X(RecoverNothing, 24241)                            \
+    X(ClashNumberTooLong, 24251)                        \
+    X(ClashNumberCharacters, 24252)                     \
+    X(ClashTitleMissing, 24253)                         \
+    X(ClashTitleTooLong, 24254)                         \
+    X(ClashTitleCharacters, 24255)                      \
+    X(ClashDuplicate, 24256)                            \
+    X(ClashNoLayout, 24257)                             \
+    X(ClashDrawingMissing, 24258)                       \
+    X(ClashDrawingUnreadable, 24259)                    \
+    X(ClashDrawingInUse, 24260)                         \
+    X(ClashDrawingReadOnly, 24261)                      \
+    X(ClashLayoutMissing, 24262)                        \
+    X(ClashLayoutName, 24263)                           \
+    X(ClashLayoutTaken, 24264)                          \
+    X(ClashFileName, 24265)                             \
+    X(ClashFilePathTooLong, 24266)                      \
+    X(ClashFileExists, 24267)                           \
+    X(ClashFileTwice, 24268)                            \
+    X(ClashStale, 24269)                                \
+    X(ClashAbout, 24270)                                \
+    X(RenumberNeedsFirst, 24300)                        \
+    X(BadFirstNumber, 24301)                            \
+    X(BadStep, 24302)                                   \
+    X(RenameNothingGiven, 24303)                        \
+    X(RenameClashes, 24304)                             \
+    X(NotASheet, 24305)                                 \
+    X(UndoNothing, 24306)                               \
+    X(WarnRenameLeft, 24310)                            \
+    X(WarnRenameTakenBack, 24311)                       \
+    X(WarnRenameFinished, 24312)
 // clang-format on
 
 namespace cli {
