@@ -105,6 +105,7 @@ void ChangedSet::openCopy(const TvString& file)
     m_copy = std::make_unique<TvSmDatabase>();
     if (!m_copy->load(fullPath(file)))
         refuse(sm::lastStatus(m_copy.get()), Doing::Reading);
+    m_copy->setFileName(fullPath(file)); // drawings are found from there; it is never saved
     if (sm::isReadOnlyVersion(m_copy.get()))
         refuse(Status(Failure::Unsupported, base::Reason::DstNewerVersion,
                       {fullPath(file), m_copy->getVersion()}),

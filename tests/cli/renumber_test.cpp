@@ -135,8 +135,8 @@ TEST_F(RenumberToolTest, AnyVerbLooksAfterARenameThatWasBrokenOff)
         journal.stage = operations::RenameStage::Leaving;
         journal.drawings.push_back(
             {m_folder.file("plan.dwg"), m_folder.file("new.dwg"), false, {}});
-        ASSERT_TRUE(operations::writeJournal(sm::files(), operations::renameJournalPath(file()),
-                                             journal));
+        ASSERT_TRUE(
+            operations::writeJournal(sm::files(), operations::renameJournalPath(file()), journal));
         std::filesystem::rename(m_folder.path() / "plan.dwg", journal.stagedPath(0));
         const Said said = isReading ? run({"tree"}) : run({"renumber", "--recover"});
         EXPECT_EQ(said.code, cli::ExitCode::Ok);
