@@ -11,7 +11,7 @@ enum Code : int {
     NotApplicable = 15,  ///< null, or content of another class
     UnknownHandle = 16,  ///< a handle that leads to no object
     NotAttachable = 72,  ///< a drawing cannot become a reference of this one
-    FileGone = 76,        ///< a drawing's file has gone meanwhile
+    FileGone = 76,       ///< a drawing's file has gone meanwhile
     NoDatabase = 124,    ///< no database, or its file could not be read
     NameReserved = 351,  ///< the name belongs to something else (the model layout's name)
     FileInUse = 433,     ///< another person or document has the file open
