@@ -149,6 +149,7 @@ std::string manualSource()
     out += commonSection() + exitSection();
     out += messageSection(Word::ManMessages, 22400, 22499, "E%05d", 0);
     out += messageList(22920, 22959, "E%05d", 0);
+    out += messageList(24020, 24049, "E%05d", 0);
     out += messageList(24130, 24149, "E%05d", 0);
     out += messageList(24300, 24349, "E%05d", 0);
     out += messageSection(Word::ManFindings, 22501, 22599, "K%03d", 22500);

@@ -165,6 +165,20 @@ void lockOptions(OptionList& list, Invocation& into)
     fileArgument(list, into.lock.file);
 }
 
+void sheetNewOptions(OptionList& list, Invocation& into)
+{
+    SheetNewRequest& sheet = into.sheetNew;
+    fileArgument(list, sheet.file);
+    list.text("--title", "TEXT", sheet.title, Word::HelpSheetTitle)->required();
+    list.text("--number", "TEXT", sheet.number, Word::HelpSheetNumber);
+    list.text("--in", "HANDLE", sheet.in, Word::HelpSheetIn);
+    placeOptions(list, sheet.place);
+    list.file("--template", sheet.templateFile, Word::HelpSheetTemplate);
+    list.text("--layout", "NAME", sheet.templateLayout, Word::HelpSheetTemplateLayout);
+    list.text("--file", "NAME", sheet.fileName, Word::HelpSheetFile);
+    dryRunOption(list, into);
+}
+
 void drawingArgument(OptionList& list, TvString& file)
 {
     list.file("FILE", file, Word::HelpDrawingFile)->required();
@@ -278,6 +292,7 @@ constexpr Verb kVerbs[] = {
     {"tree",                   Word::SumTree,           Word::DetTree,           Word::ExTree,           treeOptions,              runRead<&I::tree>},
     {"info",                   Word::SumInfo,           Word::DetInfo,           Word::ExInfo,           infoOptions,              runRead<&I::info>},
     {"subset add",             Word::SumSubsetAdd,      Word::DetSubsetAdd,      Word::ExSubsetAdd,      subsetAddOptions,         runChange<&I::subsetAdd>},
+    {"sheet new",              Word::SumSheetNew,       Word::DetSheetNew,       Word::ExSheetNew,       sheetNewOptions,          runChange<&I::sheetNew>},
     {"sheet import",           Word::SumSheetImport,    Word::DetSheetImport,    Word::ExSheetImport,    sheetImportOptions,       runChange<&I::sheetImport>},
     {"sheet rename",           Word::SumSheetRename,    Word::DetSheetRename,    Word::ExSheetRename,    sheetRenameOptions,       runChange<&I::sheetRename>},
     {"renumber",               Word::SumRenumber,       Word::DetRenumber,       Word::ExRenumber,       renumberOptions,          runChange<&I::renumber>},

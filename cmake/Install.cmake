@@ -28,6 +28,10 @@ foreach(room IN LISTS KV_ROOMS)
 endforeach()
 
 install(FILES docs/man/kvsheetset.1 DESTINATION share/man/man1)
+# Templates lie in the same place behind a program that was built as behind one that was installed.
+install(DIRECTORY samples/templates/ DESTINATION share/tarvik/templates)
+file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/share/tarvik)
+file(CREATE_LINK ${CMAKE_SOURCE_DIR}/samples/templates ${CMAKE_BINARY_DIR}/share/tarvik/templates SYMBOLIC)
 if(TARGET tarvik)
     install(FILES docs/man/tarvik.1 DESTINATION share/man/man1)
     install(FILES host/app/desktop/org.tarvik.Tarvik.desktop DESTINATION share/applications)

@@ -98,7 +98,10 @@ base::Result<TvString> makeSheetDrawing(const TvSmDatabase* database, const Shee
         const auto bytes = drawing.toBytes(db::FileFormat::Dwg, TvDb::kAc1032);
         return bytes ? base::Result<TvString>(std::move(handle)) : bytes.status();
     }
-    if (drawing.saveAs(sheet.drawing, false, TvDb::kAc1032, nullptr) != TvStatus::Ok)
+    const TvStatusCode saved =
+        sheet.mustBeNew ? db::saveNew(drawing, sheet.drawing, db::FileFormat::Dwg, TvDb::kAc1032)
+                        : drawing.saveAs(sheet.drawing, false, TvDb::kAc1032, nullptr);
+    if (saved != TvStatus::Ok)
         return cannotMake(drawing, sheet);
     return handle;
 }

@@ -94,7 +94,8 @@ Program::Program(const Setup& setup)
     registry.atPut(kTvRegisteredCommands, &m_commands);
     m_documents = std::make_unique<TvApDocManager>(m_linker.get());
     ed::setRecentFilesFolder(m_folders.state);
-    m_mainAppService = std::make_unique<MainAppService>(m_folders.config, m_folders.data);
+    m_mainAppService =
+        std::make_unique<MainAppService>(m_folders.config, m_folders.data, m_folders.program);
     ed::setExtentsSource(measured);
     ed::addHostCommands(m_commands);
 }

@@ -28,6 +28,14 @@ std::vector<TvString> moduleFoldersFor(const TvString& programFolder)
             rules.normalise(rules.join(programFolder, u"../lib/tarvik/modules"))};
 }
 
+TvString templateFolderFor(const TvString& programFolder)
+{
+    const base::PathRules& rules = base::PathRules::native();
+    return programFolder.isEmpty()
+               ? programFolder
+               : rules.normalise(rules.join(programFolder, u"../share/tarvik/templates"));
+}
+
 ProgramFolders ProgramFolders::ofUser()
 {
     ProgramFolders folders{base::configFolder(),

@@ -208,11 +208,14 @@ int CTvUiDialog::DoModal()
 {
     if (!Create())
         return kFailed;
+    if (const std::optional<int> ended = std::exchange(m_ended, std::nullopt); ended && !m_thrown)
+        return *ended; // it found out at the start that there is nothing to ask
     const bool isKept = !(m_controls->plan.style & text::kFixedSize);
     const TvString name = isKept ? m_stateName : TvString();
     ui::restoreWindow(*this, name);
     setModal(true);
     const int result = exec();
+    m_ended.reset();
     ui::rememberWindow(*this, name);
     if (m_thrown)
         std::rethrow_exception(std::exchange(m_thrown, nullptr));
@@ -221,6 +224,7 @@ int CTvUiDialog::DoModal()
 
 void CTvUiDialog::EndDialog(int result)
 {
+    m_ended = result;
     done(result);
 }
 

@@ -65,6 +65,7 @@ TEST(Help, EachVerbTakesJsonLockWaitAndWhereItChangesDryRun)
                                             "prop set",
                                             "prop remove",
                                             "remove",
+                                            "sheet new",
                                             "sheet import",
                                             "drawing copy",
                                             "drawing new",

@@ -45,6 +45,19 @@ public:
 /// House: Ground (1 - Plan), Roof
 class NewSheetScene : public DocumentTest
 {
+public:
+    static void setTemplate(TvSmSubset& subset, const TvString& drawing, const TvString& layout)
+    {
+        auto* reference = newFor<TvSmTvDbLayoutReference>(&subset);
+        EXPECT_TRUE(reference->setFileName(drawing) && reference->setName(layout) &&
+                    subset.setDefaultTemplateLayout(reference));
+    }
+    static void setFolder(TvSmSubset& subset, const TvString& where)
+    {
+        auto* reference = newFor<TvSmFileReference>(&subset);
+        EXPECT_TRUE(reference->setFileName(where) && subset.setNewSheetLocation(reference));
+    }
+
 protected:
     void SetUp() override
     {
@@ -66,17 +79,6 @@ protected:
     TvString sheetPath(const char* name) const
     {
         return folder.file("sheets/" + std::string(name));
-    }
-    static void setTemplate(TvSmSubset& subset, const TvString& drawing, const TvString& layout)
-    {
-        auto* reference = newFor<TvSmTvDbLayoutReference>(&subset);
-        EXPECT_TRUE(reference->setFileName(drawing) && reference->setName(layout) &&
-                    subset.setDefaultTemplateLayout(reference));
-    }
-    static void setFolder(TvSmSubset& subset, const TvString& where)
-    {
-        auto* reference = newFor<TvSmFileReference>(&subset);
-        EXPECT_TRUE(reference->setFileName(where) && subset.setNewSheetLocation(reference));
     }
     /// Names in the folder of the sheets.
     std::vector<std::string> drawings() const

@@ -76,6 +76,25 @@ protected:
     void OnCommand(int id) override { commands.push_back(id); }
 };
 
+class EndsAtOnce : public CTvUiDialog
+{
+public:
+    EndsAtOnce() : CTvUiDialog(kPlan) {}
+    bool wasShown = false;
+
+protected:
+    bool OnInitDialog() override
+    {
+        EndDialog(text::kIdCancel);
+        return true;
+    }
+    void showEvent(QShowEvent* event) override
+    {
+        wasShown = true;
+        CTvUiDialog::showEvent(event);
+    }
+};
+
 class DialogTest : public Program
 {
 };
@@ -437,4 +456,14 @@ TEST_F(DialogTest, LooksWellInBothThemes)
         EXPECT_EQ(dialog.grab().toImage().pixelColor(2, 2), ui::color(ui::ColorRole::Window));
         keepPicture(dialog, QStringLiteral("dialog-%1").arg(static_cast<int>(theme)));
     }
+}
+
+TEST_F(DialogTest, OneThatEndsWhileItIsMadeIsNeverShown)
+{
+    EndsAtOnce dialog;
+    EXPECT_EQ(dialog.DoModal(), text::kIdCancel);
+    EXPECT_FALSE(dialog.wasShown);
+    whenWaiting([&] { dialog.Item<QPushButton>(text::kIdOk)->click(); });
+    EXPECT_EQ(dialog.DoModal(), text::kIdOk) << "the next time it is asked";
+    EXPECT_TRUE(dialog.wasShown);
 }

@@ -39,6 +39,7 @@ struct Invocation {
     RemoveRequest remove;
     CheckRequest check;
     LockRequest lock;
+    SheetNewRequest sheetNew;
     DrawingInfoRequest drawingInfo;
     DrawingCheckRequest drawingCheck;
     DrawingCopyRequest drawingCopy;

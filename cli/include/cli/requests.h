@@ -138,6 +138,18 @@ struct LockRequest {
     TvString file;
 };
 
+struct SheetNewRequest {
+    TvString file;
+    TvString number; ///< May be empty.
+    TvString title;
+    TvString in; ///< Empty: where the neighbour stands, or the set itself.
+    Place place;
+    TvString templateFile;   ///< Given with a layout; empty: what the set has for this place.
+    TvString templateLayout; ///< Alone: another layout of that template.
+    std::optional<TvString> fileName; ///< None: number, a blank, title.
+    ChangeOptions change;
+};
+
 struct DrawingInfoRequest {
     TvString file;
 };

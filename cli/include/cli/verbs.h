@@ -28,6 +28,7 @@ Outcome run(const RenumberRequest& request, Console& console);
 Outcome run(const RemoveRequest& request, Console& console);
 Outcome run(const CheckRequest& request, Console& console);
 Outcome run(const LockRequest& request, Console& console);
+Outcome run(const SheetNewRequest& request, Console& console);
 Outcome run(const DrawingInfoRequest& request, Console& console);
 Outcome run(const DrawingCheckRequest& request, Console& console);
 Outcome run(const DrawingCopyRequest& request, Console& console);

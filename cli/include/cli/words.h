@@ -358,6 +358,26 @@
     X(AdviceOverwrite, 22963)                           \
     X(AdviceNotDrawing, 22964)                          \
     X(AdvicePassword, 22965)                            \
+    /* the verbs of sheets: new ones */                 \
+    X(SumSheetNew, 24000)                               \
+    X(DetSheetNew, 24001)                               \
+    X(ExSheetNew, 24002)                                \
+    X(HelpSheetNumber, 24003)                           \
+    X(HelpSheetTitle, 24004)                            \
+    X(HelpSheetIn, 24005)                               \
+    X(HelpSheetTemplate, 24006)                         \
+    X(HelpSheetTemplateLayout, 24007)                   \
+    X(HelpSheetFile, 24008)                             \
+    /* their errors, with numbers */                    \
+    X(SheetCharacters, 24020)                           \
+    X(SheetTitleMissing, 24021)                         \
+    X(SheetTwice, 24022)                                \
+    X(SheetFileMissing, 24023)                          \
+    X(SheetPathNotPossible, 24024)                      \
+    X(NoSheetTemplate, 24025)                           \
+    X(SheetTemplateGone, 24026)                         \
+    X(NoSheetFolder, 24027)                             \
+    X(SheetTemplateHalf, 24028)                         \
     /* sheets from layouts: verb, options */            \
     X(SumSheetImport, 24100)                            \
     X(DetSheetImport, 24101)                            \

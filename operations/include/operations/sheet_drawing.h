@@ -22,7 +22,8 @@ struct SheetDrawing {
     TvString drawing; ///< path
     TvString layout;  ///< the name that the layout gets
     TvString templateDrawing, templateLayout;
-    bool isTried = false; ///< all is done but writing the file
+    bool isTried = false;   ///< all is done but writing the file
+    bool mustBeNew = false; ///< a file that is there is not replaced: Exists
 };
 
 /// The same with the reason why it did not work.

@@ -10,8 +10,10 @@ namespace app {
 class MainAppService : public TarvikMainAppService
 {
 public:
-    /// @param config  folder of the preferences. @param data  of the user's own templates.
-    MainAppService(const TvString& config, const TvString& data);
+    /// @param config   folder of the preferences.
+    /// @param data     below which the user's own templates lie.
+    /// @param program  of the program's file, behind which its templates lie; may be empty.
+    MainAppService(const TvString& config, const TvString& data, const TvString& program = {});
     ~MainAppService();
     MainAppService(const MainAppService&) = delete;
     MainAppService& operator=(const MainAppService&) = delete;
@@ -31,11 +33,12 @@ public:
             m_paletteListener(isShown);
     }
     void AddDstFileToRecentFileList(const TvString& path) override;
+    /// The user's own; until he has some for sheet sets, those that came with the program.
     TvString GetUserLocalApplicationDataTemplatePath() override;
     TvString GetUserRoamingDataPath() override { return m_config; }
 
 private:
-    TvString m_config, m_data;
+    TvString m_config, m_data, m_program;
     bool m_isPaletteShown = false;
     std::function<void(bool isShown)> m_paletteListener;
 };

@@ -22,5 +22,7 @@ struct ProgramFolders {
 /// The module folders of a program that lies in @p programFolder: beside it in a build tree, and
 /// below lib where it was installed.
 std::vector<TvString> moduleFoldersFor(const TvString& programFolder);
+/// Where the templates lie that came with such a program.
+TvString templateFolderFor(const TvString& programFolder);
 
 } // namespace app

@@ -3,6 +3,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include <QDialog>
 
@@ -34,7 +35,7 @@ public:
     /// Runs it until it ends.
     /// @return kIdOk, kIdCancel, or what EndDialog() was given; kFailed.
     int DoModal();
-    /// Ends it, with that as the result.
+    /// Ends it, with that as the result; called by OnInitDialog(), before it is ever shown.
     void EndDialog(int result);
 
     /// The control of that id; null for 0, for an unknown one, and before Create().
@@ -91,6 +92,7 @@ private:
     std::unique_ptr<Controls> m_controls;
     TvString m_helpTopic, m_stateName;
     std::exception_ptr m_thrown;
+    std::optional<int> m_ended; // before it ran
 };
 
 namespace ui {
