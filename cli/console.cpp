@@ -8,6 +8,8 @@ namespace cli {
 
 namespace {
 
+constexpr int kOneLine = -1; // an indent
+
 constexpr std::string_view kReset = "\x1b[0m";
 
 std::string_view colorOf(Tone tone)
@@ -75,6 +77,11 @@ void Console::say(const TvString& message)
         m_ports.err(safe(message) + "\n");
 }
 
+void Console::event(const Json& event)
+{
+    m_ports.err(documentText(event, kOneLine));
+}
+
 void Console::warn(const Message& message)
 {
     m_warnings->push_back(jsonOf(message));
@@ -119,9 +126,9 @@ std::string jsonText(const TvString& text)
     return text.utf8();
 }
 
-std::string documentText(const Json& document)
+std::string documentText(const Json& document, int indent)
 {
-    const std::string plain = document.dump(2, ' ', false, Json::error_handler_t::replace);
+    const std::string plain = document.dump(indent, ' ', false, Json::error_handler_t::replace);
     std::u16string out;
     out.reserve(plain.size() + 1);
     // Such characters stand within texts only, where a document may write them in two ways.

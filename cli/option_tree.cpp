@@ -160,6 +160,18 @@ void checkOptions(OptionList& list, Invocation& into)
     list.flag("--drawings", into.check.drawings, Word::HelpDrawings);
 }
 
+void publishOptions(OptionList& list, Invocation& into)
+{
+    fileArgument(list, into.publish.file);
+    list.texts("--select", into.publish.select, Word::HelpSelect)->type_name("HANDLE");
+    list.file("--out", into.publish.out, Word::HelpOut);
+    list.plain("--format", "pdf|pdf-per-sheet|svg", into.publish.format, Word::HelpFormat);
+    list.flag("--reverse", into.publish.reverse, Word::HelpReverse);
+    list.text("--page-setup", "NAME", into.publish.pageSetup, Word::HelpPageSetup);
+    list.number("--jobs", "N", into.publish.jobs, Word::HelpJobs);
+    list.plain("--progress", "auto|plain|json|none", into.publish.progress, Word::HelpProgress);
+}
+
 void lockOptions(OptionList& list, Invocation& into)
 {
     fileArgument(list, into.lock.file);
@@ -303,6 +315,7 @@ constexpr Verb kVerbs[] = {
     {"prop list",              Word::SumPropList,       Word::DetPropList,       Word::ExPropList,       propListOptions,          runRead<&I::propList>},
     {"remove",                 Word::SumRemove,         Word::DetRemove,         Word::ExRemove,         removeOptions,            runChange<&I::remove>},
     {"check",                  Word::SumCheck,          Word::DetCheck,          Word::ExCheck,          checkOptions,             runRead<&I::check>},
+    {"publish",                Word::SumPublish,        Word::DetPublish,        Word::ExPublish,        publishOptions,           runRead<&I::publish>},
     {"lock",                   Word::SumLock,           Word::DetLock,           Word::ExLock,           lockOptions,              runRead<&I::lock>},
     {"drawing info",           Word::SumDrawingInfo,    Word::DetDrawingInfo,    Word::ExDrawingInfo,    drawingInfoOptions,       runRead<&I::drawingInfo>},
     {"drawing check",          Word::SumDrawingCheck,   Word::DetDrawingCheck,   Word::ExDrawingCheck,   drawingCheckOptions,      runRead<&I::drawingCheck>},

@@ -1,5 +1,6 @@
 #include <nlohmann/json.hpp>
 
+#include <base/kv_file_system.h>
 #include <sm/limits.h>
 
 #include "cli/components.h"
@@ -130,6 +131,26 @@ bool setText(TvSmComponent& c, const TvString& value)
                                     : (as<TvSmSheetSet>(c).*OfSet)(value);
 }
 
+TvString pageSetupsOf(const TvSmComponent& c)
+{
+    const TvSmFileReference* reference = as<TvSmSheetSet>(c).getAltPageSetups();
+    return reference ? reference->getFileName() : TvString();
+}
+
+/// @param value  a path; empty: none.
+bool setPageSetups(TvSmComponent& c, const TvString& value)
+{
+    auto& set = as<TvSmSheetSet>(c);
+    if (value.isEmpty())
+        return set.setAltPageSetups(nullptr);
+    auto reference = std::make_unique<TvSmFileReference>();
+    if (!reference->initNew(&set, TvString()) || !reference->setFileName(fullPath(value)) ||
+        !set.setAltPageSetups(reference.get()))
+        return false;
+    reference.release(); // the set's now
+    return true;
+}
+
 // clang-format off
 #define KV_TEXT(n)                                                                                \
     textOf<&TvSmSheet::getSheetText##n, &TvSmSheetSet::getSheetSetText##n>,                       \
@@ -145,6 +166,7 @@ constexpr Key kKeys[] = {
     {u"text2",    kSheet | kSet,    kNoLimit,             KV_TEXT(2)},
     {u"text3",    kSheet | kSet,    kNoLimit,             KV_TEXT(3)},
     {u"text4",    kSheet | kSet,    kNoLimit,             KV_TEXT(4)},
+    {u"pageSetups", kSet,           kNoLimit,             pageSetupsOf, setPageSetups},
 };
 #undef KV_TEXT
 // clang-format on
@@ -181,6 +203,10 @@ Assignment parse(const TvString& text)
         requireFits(name, parsed.value, parsed.key->limit);
     if (parsed.key->set == setExcluded && !truthOf(parsed.value))
         refuseUsage(Word::NotYesOrNo, name, parsed.value);
+    if (parsed.key->set == setPageSetups && !parsed.value.isEmpty() &&
+        !KvFileSystem::isFileExisting(fullPath(parsed.value)))
+        refuse({base::Failure::NotFound, base::Reason::FileMissing, {fullPath(parsed.value)}},
+               Doing::Reading);
     return parsed;
 }
 

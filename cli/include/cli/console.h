@@ -73,6 +73,8 @@ public:
 
     /// A message to a person: left out when quiet or when a document is wanted.
     void say(const TvString& message);
+    /// One event of what goes on, as a line of JSON on the standard error, at once.
+    void event(const Json& event);
     /// Something that the user should know although the verb goes on.
     void warn(const Message& message);
     /// Why the verb ended, on the standard error and in the document.
@@ -95,7 +97,8 @@ private:
 std::string jsonText(const TvString& text);
 /// The document's text: characters that could steer a terminal are written as \\uXXXX, which means
 /// the same.
-std::string documentText(const Json& document);
+/// @param indent  of each level; below 0: all on one line.
+std::string documentText(const Json& document, int indent = 2);
 
 /// How a verb ended.
 struct Outcome {

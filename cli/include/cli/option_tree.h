@@ -38,6 +38,7 @@ struct Invocation {
     RenumberRequest renumber;
     RemoveRequest remove;
     CheckRequest check;
+    PublishRequest publish;
     LockRequest lock;
     SheetNewRequest sheetNew;
     DrawingInfoRequest drawingInfo;

@@ -134,6 +134,17 @@ struct CheckRequest {
     bool drawings = false; ///< A drawing that is not there is an error.
 };
 
+struct PublishRequest {
+    TvString file;
+    std::vector<TvString> select; ///< Handles of subsets and sheets; none: the whole set.
+    TvString out; ///< A file or folder; empty: as the set's options say, or beside it.
+    std::string format = "pdf";
+    bool reverse = false;
+    TvString pageSetup; ///< By name; empty: each layout's own.
+    std::optional<int> jobs;
+    std::string progress = "auto";
+};
+
 struct LockRequest {
     TvString file;
 };

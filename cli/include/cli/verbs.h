@@ -27,6 +27,7 @@ Outcome run(const SheetRenameRequest& request, Console& console);
 Outcome run(const RenumberRequest& request, Console& console);
 Outcome run(const RemoveRequest& request, Console& console);
 Outcome run(const CheckRequest& request, Console& console);
+Outcome run(const PublishRequest& request, Console& console);
 Outcome run(const LockRequest& request, Console& console);
 Outcome run(const SheetNewRequest& request, Console& console);
 Outcome run(const DrawingInfoRequest& request, Console& console);

@@ -450,7 +450,27 @@
     X(UndoNothing, 24306)                               \
     X(WarnRenameLeft, 24310)                            \
     X(WarnRenameTakenBack, 24311)                       \
-    X(WarnRenameFinished, 24312)
+    X(WarnRenameFinished, 24312)                        \
+    /* publishing */                                      \
+    X(SumPublish, 24400)                                \
+    X(DetPublish, 24401)                                \
+    X(ExPublish, 24402)                                 \
+    X(HelpSelect, 24403)                                \
+    X(HelpOut, 24404)                                   \
+    X(HelpFormat, 24405)                                \
+    X(HelpReverse, 24406)                               \
+    X(HelpPageSetup, 24407)                             \
+    X(HelpJobs, 24408)                                  \
+    X(HelpProgress, 24409)                              \
+    X(PageDone, 24410)                                  \
+    X(PageFailed, 24411)                                \
+    X(PublishSummary, 24412)                            \
+    X(NotAChoice, 24420)                                \
+    X(JobsOutOfRange, 24421)                            \
+    X(NotPublishable, 24422)                            \
+    X(NothingToPublish, 24423)                          \
+    X(NotAPdfName, 24424)                               \
+    X(NoPageSetups, 24425)
 // clang-format on
 
 namespace cli {
