@@ -230,5 +230,6 @@ TEST_F(PublishDialogTest, TheButtonNamesItsFormat)
         tips.push_back(tip());
     }
     EXPECT_EQ(tips,
-              (std::vector<std::string>{"Publish as DWF", "Publish as DWFx", "Publish as PDF"}));
+              (std::vector<std::string>{"Publish as PDF, a file a sheet",
+                                        "Publish as SVG, a file a sheet", "Publish as one PDF"}));
 }
