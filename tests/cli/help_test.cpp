@@ -67,6 +67,8 @@ TEST(Help, EachVerbTakesJsonLockWaitAndWhereItChangesDryRun)
                                             "remove",
                                             "sheet new",
                                             "sheet import",
+                                            "sheet rename",
+                                            "renumber",
                                             "drawing copy",
                                             "drawing new",
                                             "drawing layout add",

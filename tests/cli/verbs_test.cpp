@@ -398,7 +398,8 @@ TEST(Set, WhatIsSoAlreadyLeavesTheFileAlone)
 TEST(Set, RefusesWhatMakesNoSense)
 {
     const SampleFolder sample;
-    const std::string keys = "number, title, name, desc, excluded, text1, text2, text3, text4.";
+    const std::string keys =
+        "number, title, name, desc, excluded, text1, text2, text3, text4, pageSetups.";
     struct Case {
         const char16_t* handle;
         std::vector<TvString> assignments;
