@@ -417,7 +417,7 @@ TEST(Set, RefusesWhatMakesNoSense)
         {u"g1",
          {u"excluded=yes"},
          "E22436: the sheet set has no \"excluded\"; it has: name, desc, text1, text2, text3, "
-         "text4."},
+         "text4, pageSetups."},
         {u"g5",
          {u"name=x"},
          "E22422: g5 is a part of another object, which has no texts and properties of its own."},
