@@ -170,9 +170,10 @@ FieldId ownedListOf(const RecordView& owner)
 
 base::Status fillOwnedFromChain(const DrawingFile& file, Record& owner)
 {
+    if (owner.version() != Version::Ac1015 || file.format() != FileFormat::Dwg)
+        return {}; // before anything of the record is looked for: it is every entity that is read
     const OwnerFields* const fields = fieldsOf(owner.fields());
-    const bool isChained = file.format() == FileFormat::Dwg && owner.version() == Version::Ac1015;
-    if (!fields || !isChained || !hasList(owner.fields()))
+    if (!fields || !hasList(owner.fields()))
         return {};
     const std::uint64_t first = owner.handle(fields->first), last = owner.handle(fields->last);
     ChainWalk walk(file, owner);

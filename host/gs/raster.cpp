@@ -12,6 +12,15 @@ Raster::Rectangle Raster::Rectangle::common(const Rectangle& other) const
 
 namespace {
 
+constexpr std::uint32_t kHalf = 0x00FF00FF; // two of a pixel's four channels
+
+/// The whole number at or below @p number, which is one that int holds.
+inline int wholeBelow(double number)
+{
+    const int cut = static_cast<int>(number);
+    return cut - (number < cut ? 1 : 0);
+}
+
 bool isWhole(double number)
 {
     return number == std::floor(number) && std::abs(number) < 1 << 20;
@@ -77,22 +86,19 @@ void Raster::close()
 
 void Raster::setColor(std::uint32_t rgb, std::uint8_t alpha)
 {
-    m_argb = 0xFF000000 | rgb;
-    m_alpha = alpha;
+    m_ink = {rgb & kHalf, 0x00FF0000 | (rgb >> 8 & 0xFF), alpha};
 }
 
 // Two of the four channels at a time: each has room for eight more bits above it.
-inline void Raster::blend(std::uint32_t& pixel, std::uint32_t coverage) const
+inline void Raster::Ink::blend(std::uint32_t& pixel, std::uint32_t coverage) const
 {
-    constexpr std::uint32_t kHalf = 0x00FF00FF;
-    std::uint32_t part = coverage * m_alpha;
+    std::uint32_t part = coverage * alpha;
     part = (part + 128 + (part >> 8)) >> 8; // by 255
     part += part >> 7;                      // 0 to 256
     const std::uint32_t rest = 256 - part;
-    const std::uint32_t low = ((m_argb & kHalf) * part + (pixel & kHalf) * rest) >> 8 & kHalf;
-    const std::uint32_t high =
-        ((m_argb >> 8 & kHalf) * part + (pixel >> 8 & kHalf) * rest) & ~kHalf;
-    pixel = low | high;
+    const std::uint32_t lowHalf = (low * part + (pixel & kHalf) * rest) >> 8 & kHalf;
+    const std::uint32_t highHalf = (high * part + (pixel >> 8 & kHalf) * rest) & ~kHalf;
+    pixel = lowHalf | highHalf;
 }
 
 void Raster::rectangle(const Rectangle& area, std::uint32_t coverage)
@@ -100,14 +106,14 @@ void Raster::rectangle(const Rectangle& area, std::uint32_t coverage)
     const Rectangle seen = area.common(m_scissors);
     for (int y = seen.top; y < seen.bottom; ++y)
         for (int x = seen.left; x < seen.right; ++x)
-            blend(row(y)[x], coverage);
+            m_ink.blend(row(y)[x], coverage);
 }
 
 void Raster::pixel(const TvGePoint2d& at)
 {
     if (at.x >= m_scissors.left && at.x < m_scissors.right && at.y >= m_scissors.top &&
         at.y < m_scissors.bottom)
-        blend(row(static_cast<int>(std::floor(at.y)))[static_cast<int>(std::floor(at.x))], 255);
+        m_ink.blend(row(wholeBelow(at.y))[wholeBelow(at.x)], 255);
 }
 
 // From pixel to pixel along the longer side; across it, the line covers parts of two.
@@ -116,10 +122,8 @@ void Raster::slanted(double from, double to, double across, double slope)
 {
     const int low = IsSteep ? m_scissors.left : m_scissors.top;
     const int high = IsSteep ? m_scissors.right : m_scissors.bottom;
-    const int first =
-        std::max(static_cast<int>(std::floor(from)), IsSteep ? m_scissors.top : m_scissors.left);
-    const int last = std::min(static_cast<int>(std::floor(to)),
-                              (IsSteep ? m_scissors.bottom : m_scissors.right) - 1);
+    const int first = std::max(wholeBelow(from), IsSteep ? m_scissors.top : m_scissors.left);
+    const int last = std::min(wholeBelow(to), (IsSteep ? m_scissors.bottom : m_scissors.right) - 1);
     constexpr double kOne = 65536;
     auto place = static_cast<std::int64_t>((across + (first + 0.5 - from) * slope - 0.5) * kOne);
     const auto step = static_cast<std::int64_t>(slope * kOne);
@@ -127,9 +131,22 @@ void Raster::slanted(double from, double to, double across, double slope)
     const std::int64_t end = place + step * (last - first);
     const bool isWithin =
         (std::min(place, end) >> 16) >= low && (std::max(place, end) >> 16) + 1 < high;
+    const Ink ink = m_ink;
+    if (isWithin && m_isSmooth) {
+        const std::ptrdiff_t beside = IsSteep ? 1 : m_stride, on = IsSteep ? m_stride : 1;
+        std::uint32_t* const pixels = m_pixels;
+        for (int along = first; along <= last; ++along, place += step) {
+            std::uint32_t* const at = pixels + along * on + (place >> 16) * beside;
+            const auto part = static_cast<std::uint32_t>(place >> 8 & 0xFF);
+            ink.blend(at[0], 255 - part);
+            if (part != 0) // of level and upright lines it always is 0
+                ink.blend(at[beside], part);
+        }
+        return;
+    }
     const auto put = [&](int along, std::int64_t side, std::uint32_t coverage) {
-        if (isWithin || (side >= low && side < high))
-            blend(IsSteep ? row(along)[side] : row(static_cast<int>(side))[along], coverage);
+        if (side >= low && side < high)
+            ink.blend(IsSteep ? row(along)[side] : row(static_cast<int>(side))[along], coverage);
     };
     for (int along = first; along <= last; ++along, place += step) {
         const std::int64_t side = place >> 16;
@@ -179,11 +196,11 @@ void Raster::line(const TvGePoint2d& a, const TvGePoint2d& b)
         std::swap(from, to);
     if (isSteep) {
         if (std::abs(way.x) < kStraight) // upright lines stand in one column
-            from.x = to.x = std::floor(from.x) + 0.5;
+            from.x = to.x = wholeBelow(from.x) + 0.5;
         slanted<true>(from.y, to.y, from.x, to.y > from.y ? (to.x - from.x) / (to.y - from.y) : 0);
     } else {
         if (std::abs(way.y) < kStraight)
-            from.y = to.y = std::floor(from.y) + 0.5;
+            from.y = to.y = wholeBelow(from.y) + 0.5;
         slanted<false>(from.x, to.x, from.y, to.x > from.x ? (to.y - from.y) / (to.x - from.x) : 0);
     }
 }
@@ -248,6 +265,7 @@ void Raster::finishArea()
 {
     const auto width = static_cast<std::size_t>(m_area.right - m_area.left) + 2;
     const Rectangle seen = m_area.common(m_scissors);
+    const Ink ink = m_ink;
     for (int y = seen.top; y < seen.bottom; ++y) {
         const float* const cover =
             m_cover.data() + static_cast<std::size_t>(y - m_area.top) * width;
@@ -259,9 +277,9 @@ void Raster::finishArea()
             if (x < seen.left || inside < 1.0F / 512)
                 continue;
             if (m_isSmooth)
-                blend(pixels[x], static_cast<std::uint32_t>(inside * 255 + 0.5F));
+                ink.blend(pixels[x], static_cast<std::uint32_t>(inside * 255 + 0.5F));
             else if (inside >= 0.5F)
-                blend(pixels[x], 255);
+                ink.blend(pixels[x], 255);
         }
     }
 }

@@ -71,7 +71,12 @@ private:
     void close();
     template <bool IsSteep>
     void slanted(double from, double to, double across, double slope);
-    void blend(std::uint32_t& pixel, std::uint32_t coverage) const;
+    /// What is drawn with, two channels in each half; a copy of it stays in registers.
+    struct Ink {
+        std::uint32_t low, high, alpha;
+
+        void blend(std::uint32_t& pixel, std::uint32_t coverage) const;
+    };
     std::uint32_t* row(int y) const { return m_pixels + static_cast<std::ptrdiff_t>(y) * m_stride; }
 
     cairo_surface_t* m_surface = nullptr; // not owned; the context's target
@@ -79,7 +84,7 @@ private:
     std::ptrdiff_t m_stride = 0;          // pixels
     Rectangle m_whole, m_scissors;
     bool m_isSmooth, m_isOpen = false;
-    std::uint32_t m_argb = 0xFF000000, m_alpha = 255;
+    Ink m_ink{0, 0x00FF0000, 255};
     std::vector<float> m_cover; // of the area: by how much each pixel differs from its left one
     Rectangle m_area;
 };

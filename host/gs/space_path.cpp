@@ -25,7 +25,10 @@ void SpacePath::bowTo(const TvGePoint3d& center, const TvGeVector3d& u, const Tv
     // One curve for at most a quarter: within 3/10000 of the radius of the true bow.
     const int pieces =
         std::clamp(static_cast<int>(std::ceil(std::abs(sweep) / kQuarter - 1e-9)), 1, 5);
-    const double step = sweep / pieces, handle = 4.0 / 3 * std::tan(step / 4);
+    // Most bows are circles.
+    static const double kHandleOfQuarter = 4.0 / 3 * std::tan(kQuarter / 4);
+    const double step = sweep / pieces;
+    const double handle = step == kQuarter ? kHandleOfQuarter : 4.0 / 3 * std::tan(step / 4);
     double cosine = std::cos(start), sine = std::sin(start);
     for (int i = 1; i <= pieces; ++i) {
         const double nextCosine = std::cos(start + i * step), nextSine = std::sin(start + i * step);

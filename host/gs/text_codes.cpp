@@ -199,7 +199,15 @@ void appendUtf16(std::u16string& to, char32_t character)
 
 std::u16string utf16Of(std::u32string_view text)
 {
+    const bool isPlain =
+        std::all_of(text.begin(), text.end(), [](char32_t c) { return c < 0x10000; });
     std::u16string out;
+    if (isPlain) {
+        out.resize(text.size());
+        std::transform(text.begin(), text.end(), out.begin(),
+                       [](char32_t c) { return static_cast<char16_t>(c); });
+        return out;
+    }
     out.reserve(text.size());
     for (const char32_t character : text)
         appendUtf16(out, character);

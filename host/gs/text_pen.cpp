@@ -87,6 +87,7 @@ void TextPen::row(std::u32string_view text, const LetterLook& look, TvGePoint2d 
     const double x = look.height * look.widthFactor;
     std::vector<LetterRow>* rows = nullptr; // of the part that the last letter is in
     bool isFilled = false;
+    m_shape.letters.reserve(m_shape.letters.size() + text.size());
     for (const char32_t character : text) {
         const Glyph& g = glyph(look, character);
         if (!rows || (g.isFilled != isFilled && !g.path.isEmpty())) {

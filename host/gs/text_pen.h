@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string_view>
 
 #include "gs/text_shape.h"
@@ -67,7 +68,16 @@ public:
 
     const Glyph& glyph(const LetterLook& look, char32_t character)
     {
-        return m_fonts.glyph(*look.font, character);
+        if (character >= m_known.size())
+            return m_fonts.glyph(*look.font, character);
+        if (look.font != m_knownFont) {
+            m_known.fill(nullptr);
+            m_knownFont = look.font;
+        }
+        const Glyph*& known = m_known[character];
+        if (!known)
+            known = &m_fonts.glyph(*look.font, character);
+        return *known;
     }
 
 private:
@@ -77,6 +87,8 @@ private:
 
     TextShape& m_shape;
     Fonts& m_fonts;
+    Font* m_knownFont = nullptr;             // not owned; of m_known
+    std::array<const Glyph*, 128> m_known{}; // each letter is asked for twice at least
     bool m_hasStrokes = false; // letters since the last run that are of no outline font
 };
 

@@ -15,7 +15,8 @@ std::size_t bucketOf(FieldId id, std::size_t mask)
 
 void StructDef::index()
 {
-    m_buckets.assign(std::bit_ceil(fields.size() * 2 + 1), 0);
+    // Few fields share a bucket: most questions end at the first one.
+    m_buckets.assign(std::bit_ceil(fields.size() * 4 + 1), 0);
     const std::size_t mask = m_buckets.size() - 1;
     for (std::size_t i = 0; i < fields.size(); ++i) {
         std::size_t at = bucketOf(fields[i].id, mask);
