@@ -51,6 +51,23 @@ TEST_F(SheetDrawingTest, ATemplateWithFourPapersGivesADrawingWithTheModelAndOneL
     EXPECT_EQ(layoutNamesOf(*drawing()), (Names{u"Model", u"A-01 Plan"}));
 }
 
+TEST_F(SheetDrawingTest, EachSheetOfTheTemplatesThatComeWithTheProgramGivesADrawingWithoutAFinding)
+{
+    for (const auto& [name, sheets] :
+         {std::pair{"ISO sheets.dwt", Names{u"ISO A1", u"ISO A3", u"ISO A1 Four Views"}},
+          std::pair{"Imperial sheets.dwt", Names{u"ANSI D", u"ARCH D", u"ARCH D Four Views"}}})
+        for (const TvString& sheet : sheets) {
+            const TvString from(std::string(KV_TEMPLATES) + "/" + name);
+            ASSERT_TRUE(CreateSheetDrawingFromTemplate(house, sheetPath("new.dwg"), u"A-01 Plan",
+                                                       from, sheet, handle))
+                << sheet.utf8();
+            const auto read = drawing();
+            EXPECT_EQ(layoutNamesOf(*read), (Names{u"Model", u"A-01 Plan"})) << sheet.utf8();
+            EXPECT_EQ(findings(*read), std::vector<std::string>()) << sheet.utf8();
+            EXPECT_EQ(read->originalFileVersion(), TvDb::kAc1032) << sheet.utf8();
+        }
+}
+
 TEST_F(SheetDrawingTest, TheChosenLayoutIsTheFirstPaperWhicheverOneItWas)
 {
     for (const TvChar* chosen : {u"A1", u"Cover", u"Details", u"A3"}) {
