@@ -204,7 +204,9 @@ void SheetTree::AddChildrenToTree(TreeItem* parent, const TvSmSubset* subset)
     const int first = static_cast<int>(parent->m_children.size());
     const int last = first + static_cast<int>(apart.m_children.size()) - 1;
     m_listener->aboutToInsert(*parent, first, last);
-    m_itemByHandle.reserve(m_itemByHandle.size() + apart.m_children.size());
+    std::size_t count = m_itemByHandle.size();
+    forEachBelow(apart, [&count](const TreeItem&) { ++count; });
+    m_itemByHandle.reserve(count);
     for (std::unique_ptr<TreeItem>& child : apart.m_children) {
         child->m_parent = parent;
         enter(*child);

@@ -44,28 +44,33 @@ private:
     {
         m_tree.UpdateSheetLabel(&parent);
         Wanted wanted;
-        for (const TvSmComponent* child : sm::each(subset.getSheetEnumerator()))
+        wanted.reserve(parent.m_children.size());
+        std::size_t first = 0; // row that differs; looked for while each object is at hand
+        for (const TvSmComponent* child : sm::each(subset.getSheetEnumerator())) {
+            if (first == wanted.size() && first < parent.m_children.size() &&
+                isSame(parent.m_children[first], child))
+                ++first;
             wanted.push_back(child);
-        arrange(parent, wanted);
+        }
+        arrange(parent, wanted, first);
         for (std::size_t i = 0; i < wanted.size(); ++i) {
             TreeItem& child = *parent.m_children[i];
             if (child.m_kind == TreeItemData::kSubset)
                 mergeBelow(child, *tvrxCast<TvSmSubset>(wanted[i]));
-            else
+            else if (child.m_hasLabel)
                 m_tree.UpdateSheetLabel(&child);
         }
     }
 
-    void arrange(TreeItem& parent, const Wanted& wanted)
+    static bool isSame(const std::unique_ptr<TreeItem>& item, const TvSmComponent* object)
     {
-        const auto isSame = [](const std::unique_ptr<TreeItem>& item, const TvSmComponent* object) {
-            return item->m_id == object->objectId();
-        };
+        return item->m_id == object->objectId();
+    }
+
+    /// @param first  how many rows at the top are as they are wanted.
+    void arrange(TreeItem& parent, const Wanted& wanted, std::size_t first)
+    {
         const Children& present = parent.m_children;
-        std::size_t first = 0;
-        while (first < present.size() && first < wanted.size() &&
-               isSame(present[first], wanted[first]))
-            ++first;
         std::size_t kept = 0; // at the end
         while (first + kept < present.size() && first + kept < wanted.size() &&
                isSame(present[present.size() - 1 - kept], wanted[wanted.size() - 1 - kept]))

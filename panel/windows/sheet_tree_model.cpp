@@ -100,7 +100,9 @@ bool SheetTreeModel::setData(const QModelIndex& index, const QVariant&, int role
 
 Qt::ItemFlags SheetTreeModel::flags(const QModelIndex& index) const
 {
-    const Qt::ItemFlags usual = QAbstractItemModel::flags(index);
+    Qt::ItemFlags usual = QAbstractItemModel::flags(index);
+    if (const TreeItem* item = itemAt(index); item && item->kind() == TreeItemData::kSheet)
+        usual |= Qt::ItemNeverHasChildren; // the view asks no more about it
     return isChecked && index.isValid() ? usual | Qt::ItemIsUserCheckable : usual;
 }
 
