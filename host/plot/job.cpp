@@ -261,17 +261,29 @@ private:
         for (std::size_t i = 0; i < m_request.pages.size(); ++i) {
             auto made = m_watcher.isCancelled() ? std::nullopt : workers.fetch(m_watcher);
             if (!made) {
-                m_report.status = cancelled();
                 for (; i < m_request.pages.size(); ++i)
                     m_report.pages[i].status = cancelled();
-                return;
+                return end(cancelled());
             }
             PageOutcome& outcome = m_report.pages[i];
             outcome = write(i, std::move(*made));
             m_watcher.pageDone(i, outcome);
         }
         workers.stop();
+        // Files of single sheets are all there already.
+        if (m_pdf && m_watcher.isCancelled())
+            return end(cancelled());
         finish();
+    }
+
+    /// Ends the job without the one PDF, so that no page is in it.
+    void end(base::Status status)
+    {
+        m_report.status = std::move(status);
+        if (!m_pdf)
+            return;
+        for (PageOutcome& page : m_report.pages)
+            page.file = TvString();
     }
 
     PageOutcome write(std::size_t number, Made made)
@@ -331,12 +343,10 @@ private:
         }
         if (!m_pdf)
             return;
-        m_report.status = writePdf(*m_pdf, m_request.target);
-        if (m_report.status)
-            m_report.files.push_back(m_request.target);
+        if (base::Status status = writePdf(*m_pdf, m_request.target); !status)
+            end(std::move(status));
         else
-            for (PageOutcome& page : m_report.pages)
-                page.file = TvString();
+            m_report.files.push_back(m_request.target);
     }
 
     const JobRequest& m_request;

@@ -335,7 +335,8 @@ std::int32_t PdfPainter::shadingFor(const gs::Filling& filling)
     UsedShading shading;
     shading.isRound = filling.isRound;
     for (const gs::Filling::Stop& stop : filling.stops) {
-        const double at = std::clamp(stop.at, 0.0, 1.0);
+        const double least = shading.stops.empty() ? 0 : shading.stops.back().first;
+        const double at = stop.at > least ? std::min(stop.at, 1.0) : least;
         const std::uint32_t rgb =
             m_page.styles.plotted(gs::rgbOf(stop.color, gs::Background::Paper));
         if (shading.stops.empty() && at > 0)
@@ -564,7 +565,8 @@ std::optional<PageContent> pdfContentOf(const Page& page, const PageOrder& order
                                         const Stamp& stamp, const PdfOptions& options,
                                         const std::atomic<bool>* stop)
 {
-    constexpr int kPacking = 6;
+    // Places of lines hardly repeat: a longer search takes most of a page's time for few bytes.
+    constexpr int kPacking = 3;
     PageContent content;
     content.widthMm = page.widthMm;
     content.heightMm = page.heightMm;

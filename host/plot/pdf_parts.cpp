@@ -1,5 +1,6 @@
 #include "pdf_parts.h"
 
+#include <cmath>
 #include <ctime>
 #include <memory>
 
@@ -133,15 +134,21 @@ Object shadingObject(const UsedShading& shading)
         return color;
     };
     Object functions = Object::newArray(), bounds = Object::newArray(), encode = Object::newArray();
+    const auto fineOf = [](double at) { return std::lround(at * 10'000); };
     for (std::size_t i = 0; i + 1 < shading.stops.size(); ++i) {
+        const auto& [from, color] = shading.stops[i];
+        const auto& [to, next] = shading.stops[i + 1];
+        // Where colours change at once nothing is between them, and bounds must ascend.
+        if (fineOf(from) == fineOf(to))
+            continue;
+        if (functions.getArrayNItems() > 0)
+            bounds.appendItem(Object::newReal(from, 4));
         Object between = Object::parse("<< /FunctionType 2 /Domain [0 1] /N 1 >>");
-        between.replaceKey("/C0", colorOf(shading.stops[i].second));
-        between.replaceKey("/C1", colorOf(shading.stops[i + 1].second));
+        between.replaceKey("/C0", colorOf(color));
+        between.replaceKey("/C1", colorOf(next));
         functions.appendItem(between);
         encode.appendItem(Object::newInteger(0));
         encode.appendItem(Object::newInteger(1));
-        if (i > 0)
-            bounds.appendItem(Object::newReal(shading.stops[i].first, 4));
     }
     Object all = Object::parse("<< /FunctionType 3 /Domain [0 1] >>");
     all.replaceKey("/Functions", functions);

@@ -10,12 +10,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Notes what it is told, and may end the job.
+/// Notes what it is told.
 struct Watcher : plot::JobWatcher {
     void pageDone(std::size_t page, const plot::PageOutcome&) override { done.push_back(page); }
-    bool isCancelled() override { return done.size() >= most; }
     std::vector<std::size_t> done;
-    std::size_t most = ~std::size_t(0);
 };
 
 plot::PageOrder orderOf(PlotScene& scene, const TvChar* number, const TvChar* title)
@@ -126,19 +124,6 @@ TEST_F(PlotJob, WhenAllPagesFailNothingIsWritten)
     const plot::JobReport report = run();
 
     EXPECT_FALSE(report.status);
-    EXPECT_EQ(folder.read("out.pdf"), "old");
-}
-
-TEST_F(PlotJob, AJobThatWasCancelledLeavesTheOldFile)
-{
-    addPages(20);
-    watcher.most = 2;
-    folder.write("out.pdf", "old");
-    const plot::JobReport report = run();
-
-    EXPECT_EQ(report.status.failure(), base::Failure::Interrupted);
-    EXPECT_EQ(watcher.done.size(), 2U);
-    EXPECT_EQ(report.pages.back().status.failure(), base::Failure::Interrupted);
     EXPECT_EQ(folder.read("out.pdf"), "old");
 }
 
