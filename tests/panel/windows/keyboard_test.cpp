@@ -1,7 +1,9 @@
 // The page for those who use the keyboard, or hear what is shown; and finding.
 
 #include <QAccessible>
+#include <QHelpEvent>
 #include <QLineEdit>
+#include <QToolTip>
 
 #include "page_scene.h"
 
@@ -147,6 +149,11 @@ TEST_F(KeyboardTest, TheTipOfTheBoxTellsWhoHasTheSet)
 {
     const QString file = ui::toQt(database->getFileName());
     EXPECT_EQ(COpenComboBox::tip(), file);
+    COpenComboBox shown(nullptr);
+    QHelpEvent rest(QEvent::ToolTip, QPoint(1, 1), QPoint(1, 1));
+    QApplication::sendEvent(&shown, &rest);
+    EXPECT_EQ(QToolTip::text(), file.toHtmlEscaped());
+    QToolTip::hideText();
     TvSmSheetSetMgr other;
     TvSmDatabase* copy = other.openDatabase(folder.file("house.dst"), true, 0);
     ASSERT_TRUE(copy->lockDb(copy));
