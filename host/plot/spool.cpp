@@ -12,7 +12,7 @@ namespace plot {
 
 namespace {
 
-constexpr std::size_t kMostInMemory = std::size_t(8) << 20;
+constexpr std::size_t kMostInMemory = std::size_t(256) << 10;
 
 } // namespace
 
