@@ -41,7 +41,11 @@ struct Folder {
 class Asking
 {
 public:
-    explicit Asking(base::FileOps& ops) : m_ops(ops) {}
+    /// @param isGivenUp  from then on nothing is asked: the files may be gone.
+    Asking(base::FileOps& ops, const std::atomic<bool>& isGivenUp)
+        : m_ops(ops), m_isGivenUp(isGivenUp)
+    {
+    }
 
     DiskLook::Answer answer(const DiskLook::Question& question)
     {
@@ -64,6 +68,8 @@ private:
         base::FileInfo info;
         int error = m_ops.describeName(path, info);
         const bool isLink = !error && info.kind == Kind::Link;
+        if (m_isGivenUp)
+            return DiskLook::What::Nothing;
         if (isLink)
             error = m_ops.describeTarget(path, info);
         folder.isAway = isAway(error);
@@ -71,6 +77,8 @@ private:
             return DiskLook::What::Nothing;
         if (info.kind != Kind::Regular)
             return info.kind == Kind::Folder ? DiskLook::What::Other : DiskLook::What::Nothing;
+        if (m_isGivenUp)
+            return DiskLook::What::Nothing;
         const bool mayHaveMark =
             isLink || hasMark(folder, folderName, path.substr(folderName.size()));
         return mayHaveMark && CFileOpenInfoTipManager::IsInfoFileExists(base::pathFromNative(path))
@@ -96,6 +104,7 @@ private:
     }
 
     base::FileOps& m_ops;
+    const std::atomic<bool>& m_isGivenUp;
     std::map<std::string, Folder> m_folders; // by name, with the slash at its end
 };
 
@@ -117,7 +126,7 @@ struct DiskLook::Shared {
 
     void run()
     {
-        Asking asking(ops);
+        Asking asking(ops, isGivenUp);
         for (std::size_t i = 0; i < questions.size() && !isGivenUp; ++i) {
             answers[i] = asking.answer(questions[i]);
             const std::lock_guard guard(mutex);
