@@ -222,7 +222,6 @@ TEST_F(BareModules, ThatLackAnExportAreSilent)
     app.entryPoint(1, nullptr);
     EXPECT_TRUE(core::transmitModule().isThere());
     EXPECT_EQ(core::transmitModule().entry<void (*)()>("KvCmd_Archive"), nullptr);
-    EXPECT_FALSE(core::plotCommandsModule().isThere());
     TvSmDatabase* database = made("a.dst");
     ActivateSheetSet(database);
     type(u"ARCHIVE");
