@@ -33,6 +33,7 @@ constexpr ClashRow kClashes[] = {
     {Clash::DrawingUnreadable, "drawingUnreadable", Word::ClashDrawingUnreadable},
     {Clash::DrawingInUse,      "drawingInUse",      Word::ClashDrawingInUse},
     {Clash::DrawingReadOnly,   "drawingReadOnly",   Word::ClashDrawingReadOnly},
+    {Clash::DrawingLinked,     "drawingLinked",     Word::ClashDrawingLinked},
     {Clash::LayoutMissing,     "layoutMissing",     Word::ClashLayoutMissing},
     {Clash::LayoutName,        "layoutName",        Word::ClashLayoutName},
     {Clash::LayoutTaken,       "layoutTaken",       Word::ClashLayoutTaken},

@@ -9,6 +9,7 @@
 #include <core/read_drawing_file.h>
 #include <db/file_open_info_tip_manager.h>
 #include <db/tv_db_layout.h>
+#include <sm/environment.h>
 #include <sm/kv_db_util.h>
 #include <sm/limits.h>
 #include <sm/tv_sm_database.h>
@@ -28,6 +29,13 @@ const base::PathRules& paths()
 TvString folded(const TvString& name)
 {
     return name.toLower();
+}
+
+bool hasOtherNames(const TvString& path)
+{
+    base::FileInfo info;
+    return sm::files().describeName(base::nativePath(path), info) == 0 &&
+           (info.kind == base::FileInfo::Kind::Link || info.links > 1);
 }
 
 /// Plans drawing by drawing: all sheets of one are seen together.
@@ -207,6 +215,8 @@ private:
             if (!renamed.emplace(handle.value(), &sheet).second)
                 note(sheet, Clash::LayoutTaken, sheet.newLayout); // two sheets on one layout
         }
+        if (drawing.changesLayouts && hasOtherNames(drawing.oldPath))
+            note(drawing, Clash::DrawingLinked);
         checkLayoutNames(database, renamed);
     }
     static void checkLayoutNames(TvDbDatabase& database,

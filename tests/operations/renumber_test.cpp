@@ -194,6 +194,14 @@ TEST_F(RenumberTest, EachThingInTheWayIsNamed)
         const Held held(folder.file("plan.dwg"));
         EXPECT_EQ(clashOf({plan, none, none, u"L", none}), Clash::DrawingInUse);
     }
+    std::filesystem::create_hard_link(folder.path() / "plan.dwg", folder.path() / "other.dwg");
+    EXPECT_EQ(clashOf({plan, none, none, u"L", none}), Clash::DrawingLinked);
+    EXPECT_EQ(clashOf({plan, none, none, none, u"x.dwg"}), Clash::None) << "a move parts nothing";
+    std::filesystem::remove(folder.path() / "other.dwg");
+    std::filesystem::rename(folder.path() / "plan.dwg", folder.path() / "other.dwg");
+    std::filesystem::create_symlink("other.dwg", folder.path() / "plan.dwg");
+    EXPECT_EQ(clashOf({plan, none, none, u"L", none}), Clash::DrawingLinked);
+    std::filesystem::rename(folder.path() / "other.dwg", folder.path() / "plan.dwg");
     std::filesystem::permissions(folder.path() / "plan.dwg", std::filesystem::perms(0444));
     EXPECT_EQ(clashOf({plan, none, none, none, u"x.dwg"}), Clash::DrawingReadOnly);
     plan->getLayoutReference()->setHandle(u"FFFF");

@@ -441,6 +441,7 @@
     X(ClashFileTwice, 24268)                            \
     X(ClashStale, 24269)                                \
     X(ClashAbout, 24270)                                \
+    X(ClashDrawingLinked, 24271)                        \
     X(RenumberNeedsFirst, 24300)                        \
     X(BadFirstNumber, 24301)                            \
     X(BadStep, 24302)                                   \

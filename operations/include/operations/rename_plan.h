@@ -24,6 +24,7 @@ enum class Clash {
     DrawingUnreadable,
     DrawingInUse, ///< about: by whom
     DrawingReadOnly,
+    DrawingLinked, ///< a link, or a file of several names: new content would part them
     LayoutMissing,
     LayoutName,  ///< no layout may be called so
     LayoutTaken, ///< another layout of the drawing is called so
