@@ -78,25 +78,29 @@ void oleFrame(Scene& scene, const TvDbEntity& entity)
 
 void shape(Scene& scene, const TvDbEntity& entity)
 {
-    // Its outline is in a file of the program that made it: a crossed box of its size stands for
-    // it.
     const db::RecordView fields = entity.fields();
     const double size = fields.real("size"), factor = fields.real("width_factor");
     const double slant = std::tan(std::remainder(fields.real("oblique"), std::numbers::pi));
     if (!std::isfinite(size) || !std::isfinite(factor) || !(std::abs(slant) < 10))
         return;
-    const auto at = [&](double x, double y) {
-        return TvGePoint3d((x * factor + y * slant) * size, y * size, 0);
-    };
+    TvGeMatrix3d form = TvGeMatrix3d::scaling(size);
+    form.entry[0][0] = factor * size;
+    form.entry[0][1] = slant * size;
     SpacePath& path = scene.path();
-    path.polygon({at(0, 0), at(1, 0), at(1, 1), at(0, 1)});
-    path.moveTo(at(0, 0));
-    path.lineTo(at(1, 1));
-    path.moveTo(at(0, 1));
-    path.lineTo(at(1, 0));
+    const Path* const known =
+        scene.shapes().find(entity.idOf(fields.handle("style")), fields.integer("shape_number"));
+    if (known) {
+        path.append(*known, 0);
+    } else { // its file is not here: a crossed box of its size stands for it
+        path.polygon({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}});
+        path.moveTo({0, 0, 0});
+        path.lineTo({1, 1, 0});
+        path.moveTo({0, 1, 0});
+        path.lineTo({1, 0, 0});
+    }
     scene.stroke(ge::ocsToWcs(db::asVector(fields.point("normal"))) *
                  TvGeMatrix3d::translation(db::asPoint(fields.point("ins_pt")).asVector()) *
-                 TvGeMatrix3d::rotation(fields.real("rotation"), TvGeVector3d::zAxis()));
+                 TvGeMatrix3d::rotation(fields.real("rotation"), TvGeVector3d::zAxis()) * form);
 }
 
 void sectionLine(Scene& scene, const TvDbEntity& entity)

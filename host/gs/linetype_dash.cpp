@@ -14,6 +14,8 @@ namespace {
 constexpr std::size_t kMostChords = 64, kFewestChords = 4;
 // Of all curves of a path; when there are more curves, each gets fewer.
 constexpr std::size_t kChordsOfPath = 1'000'000;
+// Of all shapes along a path; beyond, they are left out.
+constexpr std::size_t kMostShapePoints = 1'000'000;
 
 /// A stretch of chords that is dashed in one go.
 struct Stretch {
@@ -168,7 +170,7 @@ private:
 
     void writeTexts(const LinePattern::Dash& dash, double at)
     {
-        if (!m_pen || dash.texts.empty())
+        if (dash.texts.empty())
             return;
         const TvGePoint2d place = pointAt(at);
         const auto& s = *m_stretch;
@@ -179,8 +181,28 @@ private:
             write(text, place, way.angle());
     }
 
+    FlatMap mapOf(const LinePattern::Text& text, const TvGePoint2d& place, double lineAngle) const
+    {
+        const TvGeVector2d offset = text.offset * m_scale;
+        return FlatMap::moving(place.x, place.y) * FlatMap::turning(lineAngle) *
+               FlatMap::moving(offset.x, offset.y) *
+               FlatMap::turning(text.isUpright ? text.rotation - lineAngle : text.rotation);
+    }
+
+    void drawShape(const LinePattern::Text& text, const TvGePoint2d& place, double lineAngle)
+    {
+        const double size = text.height * m_scale;
+        if (isDrawableHeight(size) && m_out.lines.points().size() < kMostShapePoints)
+            appendMapped(m_out.lines, *text.shape,
+                         mapOf(text, place, lineAngle) * FlatMap::scaling(size, size));
+    }
+
     void write(const LinePattern::Text& text, const TvGePoint2d& place, double lineAngle)
     {
+        if (text.shape)
+            return drawShape(text, place, lineAngle);
+        if (!m_pen)
+            return;
         LetterLook look;
         look.font = &m_fonts->find(text.font);
         look.height = text.height * m_scale;
@@ -191,10 +213,7 @@ private:
         std::u32string letters;
         for (const LineCharacter& letter : decodedLine(text.text, kMostElementLetters))
             letters += letter.character;
-        const TvGeVector2d offset = text.offset * m_scale;
-        FlatMap map = FlatMap::moving(place.x, place.y) * FlatMap::turning(lineAngle) *
-                      FlatMap::moving(offset.x, offset.y) *
-                      FlatMap::turning(text.isUpright ? text.rotation - lineAngle : text.rotation);
+        FlatMap map = mapOf(text, place, lineAngle);
         if (text.staysReadable && map.xx < 0) // about its middle
             map = map * FlatMap::moving(m_pen->width(letters, look).ink(), look.height) *
                   FlatMap::scaling(-1, -1);

@@ -4,6 +4,7 @@
 #include <db/version.h>
 
 #include "gs/linetype.h"
+#include "shape_files.h"
 #include "text_pen.h"
 #include "text_style.h"
 
@@ -12,7 +13,7 @@ namespace gs {
 namespace {
 
 // "flags" of a dash
-enum : std::int64_t { kUpright = 1, kHasText = 2, kReadable = 8 };
+enum : std::int64_t { kUpright = 1, kHasText = 2, kHasShape = 4, kReadable = 8 };
 constexpr std::uint32_t kMostElements = 100;
 
 /// Texts of a linetype, which end in zeros and follow one another.
@@ -44,31 +45,45 @@ private:
     std::size_t m_unit, m_at = 0;
 };
 
+void place(LinePattern::Text& text, const db::RecordView& dash)
+{
+    text.rotation = dash.real("rotation");
+    text.offset = {dash.real("x_offset"), dash.real("y_offset")};
+    text.isUpright = (dash.integer("flags") & kUpright) != 0;
+}
+
 LinePattern::Text textOf(const TvDbLinetypeTableRecord& record, std::uint32_t index,
-                         std::u16string text)
+                         std::u16string text, ShapeFiles* shapes)
 {
     const db::RecordView dash = record.fields().array("dashes")[index];
     const db::ArrayView styles = record.fields().array("styles");
-    const TextStyle style =
-        textStyleOf(index < styles.size() ? record.idOf(styles.handle(index)) : TvDbObjectId());
+    const TvDbObjectId styleId =
+        index < styles.size() ? record.idOf(styles.handle(index)) : TvDbObjectId();
+    const std::int64_t flags = dash.integer("flags");
     LinePattern::Text out;
+    if ((flags & kHasText) == 0) { // a shape knows no style but its file
+        if (const Path* const shape = shapes->find(styleId, dash.integer("shape_number")); shape)
+            out.shape = std::make_shared<const Path>(*shape);
+        out.height = dash.real("scale");
+        place(out, dash);
+        return out;
+    }
+    const TextStyle style = textStyleOf(styleId);
     out.text = std::move(text);
     out.font = style.font;
     out.height = dash.real("scale") * (style.height > 0 ? style.height : 1);
     out.widthFactor = soundFactor(style.widthFactor);
     out.oblique = style.oblique;
-    out.rotation = dash.real("rotation");
-    out.offset = {dash.real("x_offset"), dash.real("y_offset")};
-    const std::int64_t flags = dash.integer("flags");
-    out.isUpright = (flags & kUpright) != 0;
     out.staysReadable = (flags & kReadable) != 0;
+    place(out, dash);
     return out;
 }
 
 bool isSound(const LinePattern::Text& text)
 {
-    return isDrawableHeight(text.height) && !text.text.empty() && std::isfinite(text.rotation) &&
-           std::abs(text.offset.x) < kFarthestPlace && std::abs(text.offset.y) < kFarthestPlace;
+    return isDrawableHeight(text.height) && (!text.text.empty() || text.shape) &&
+           std::isfinite(text.rotation) && std::abs(text.offset.x) < kFarthestPlace &&
+           std::abs(text.offset.y) < kFarthestPlace;
 }
 
 } // namespace
@@ -83,13 +98,13 @@ double LinePattern::length() const
 
 bool LinePattern::isContinuous() const
 {
-    const bool hasGap =
-        std::any_of(dashes.begin(), dashes.end(), [](const Dash& d) { return d.length < 0; });
+    const bool hasGap = std::any_of(dashes.begin(), dashes.end(),
+                                    [](const Dash& d) { return d.length < 0 || !d.texts.empty(); });
     const double sum = length();
     return !hasGap || !(sum > 0) || !std::isfinite(sum);
 }
 
-LinePattern patternOf(TvDbObjectId linetype)
+LinePattern patternOf(TvDbObjectId linetype, ShapeFiles* shapes)
 {
     LinePattern pattern;
     const TvDbObjectPointer<TvDbLinetypeTableRecord> record(linetype, TvDb::kForNotify);
@@ -100,8 +115,12 @@ LinePattern patternOf(TvDbObjectId linetype)
     for (std::uint32_t i = 0; i < std::min(dashes.size(), kMostElements); ++i) {
         LinePattern::Dash dash;
         dash.length = dashes[i].real("length");
-        if (dashes[i].integer("flags") & kHasText)
-            if (LinePattern::Text text = textOf(*record, i, texts.next()); isSound(text))
+        const std::int64_t flags = dashes[i].integer("flags");
+        const bool hasText = (flags & kHasText) != 0;
+        if (hasText || (shapes && (flags & kHasShape) != 0))
+            if (LinePattern::Text text =
+                    textOf(*record, i, hasText ? texts.next() : std::u16string(), shapes);
+                isSound(text))
                 dash.texts.push_back(std::move(text));
         pattern.dashes.push_back(std::move(dash));
     }

@@ -6,7 +6,9 @@
 #include <base/clock.h>
 #include <base/file_access.h>
 #include <base/file_ops.h>
-#include <base/path_rules.h>
+
+#include "jpeg_picture.h"
+#include "named_files.h"
 
 namespace gs {
 
@@ -14,6 +16,7 @@ namespace {
 
 constexpr std::int64_t kLargestFile = 64 << 20;
 constexpr std::array<std::uint8_t, 8> kPng{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+constexpr std::array<std::uint8_t, 3> kJpeg{0xFF, 0xD8, 0xFF};
 constexpr std::size_t kBitmapFileHeader = 14; // before the info header, in files
 constexpr int kMostTries = 64;                // places in bytes that look like a picture
 
@@ -33,25 +36,10 @@ std::shared_ptr<const Picture> pictureOfBytes(std::span<const std::uint8_t> byte
         return pictureFrom(bytes, db::Preview::Kind::Png);
     if (bytes.size() > kBitmapFileHeader && bytes[0] == 'B' && bytes[1] == 'M')
         return pictureFrom(bytes.subspan(kBitmapFileHeader), db::Preview::Kind::Bmp);
+    if (bytes.size() > kJpeg.size() && std::equal(kJpeg.begin(), kJpeg.end(), bytes.begin()))
+        if (Picture picture = pictureFromJpeg(bytes); !picture.isEmpty())
+            return std::make_shared<const Picture>(std::move(picture));
     return nullptr;
-}
-
-/// The names under which the file may be found, in the order in which they are tried.
-std::vector<TvString> placesOf(TvDbDatabase& database, const TvString& name)
-{
-    const base::PathRules& rules = base::PathRules::native();
-    std::vector<TvString> places;
-    if (name.isEmpty() || rules.isNetwork(name) || base::PathRules::isUrl(name))
-        return places;
-    const TvString folder = rules.folderOf(database.getFilename());
-    if (rules.isAbsolute(name))
-        places.push_back(name);
-    if (!folder.isEmpty() && !rules.isNetwork(folder)) {
-        if (!rules.isAbsolute(name))
-            places.push_back(rules.normalise(rules.join(folder, name)));
-        places.push_back(rules.join(folder, rules.fileNameOf(name)));
-    }
-    return places;
 }
 
 bool looksLikeInfoHeader(std::span<const std::uint8_t> bytes)
@@ -86,7 +74,9 @@ std::shared_ptr<const Picture> pictureWithin(std::span<const std::uint8_t> bytes
             ++tries;
             if (auto picture = pictureFrom(rest, db::Preview::Kind::Bmp); picture)
                 return picture;
-        } else if (rest[0] == kPng[0] && rest[1] == kPng[1]) {
+        } else if ((rest[0] == kPng[0] && rest[1] == kPng[1]) ||
+                   (rest.size() > 2 && rest[0] == kJpeg[0] && rest[1] == kJpeg[1] &&
+                    rest[2] == kJpeg[2])) {
             ++tries;
             if (auto picture = pictureOfBytes(rest); picture)
                 return picture;

@@ -8,7 +8,8 @@
 
 namespace gs {
 
-/// The picture in a file that @p database names: a PNG, or a bitmap that is not packed.
+/// The picture in a file that @p database names: a PNG, a JPEG, or a bitmap that is not
+/// packed.
 ///
 /// Looked for where the name says, beside the drawing when that is relative, and by its last part
 /// beside the drawing. Network paths are left alone.

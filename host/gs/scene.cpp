@@ -15,33 +15,11 @@ namespace {
 
 constexpr std::size_t kMostDashes = 20'000; // of one line; beyond, it is drawn without its pattern
 
-Path flattened(const SpacePath& path)
-{
-    Path flat;
-    std::size_t at = 0;
-    const auto next = [&] {
-        const TvGePoint3d& point = path.points()[at++];
-        return TvGePoint2d(point.x, point.y);
-    };
-    for (const Path::Verb verb : path.verbs())
-        switch (verb) {
-        case Path::Verb::Move: flat.moveTo(next()); break;
-        case Path::Verb::Line: flat.lineTo(next()); break;
-        case Path::Verb::Curve: {
-            const TvGePoint2d a = next(), b = next();
-            flat.curveTo(a, b, next());
-            break;
-        }
-        case Path::Verb::Close: flat.close(); break;
-        }
-    return flat;
-}
-
 } // namespace
 
 Scene::Scene(TvDbDatabase& database, ListWriter& writer)
     : m_database(database), m_writer(writer), m_looks(database, writer), m_textTools(fonts(), true),
-      m_linetypeScale(database.headerRecord().real("LTSCALE"))
+      m_shapes(database), m_linetypeScale(database.headerRecord().real("LTSCALE"))
 {
     if (!(m_linetypeScale > 0))
         m_linetypeScale = 1;
@@ -60,7 +38,7 @@ const LinePattern& Scene::patternOf(TvDbObjectId linetype)
 {
     const auto [at, isNew] = m_patterns.try_emplace(linetype);
     if (isNew)
-        at->second = gs::patternOf(linetype);
+        at->second = gs::patternOf(linetype, &m_shapes);
     return at->second;
 }
 
@@ -203,7 +181,7 @@ bool Scene::strokeDashed(const ItemLook& look, const TvGeMatrix3d& map, bool res
     options.mostDashes = kMostDashes;
     SpacePath solid = m_path;
     solid.transform(map);
-    const DashedPath pieces = dashed(flattened(solid), pattern, options, &fonts());
+    const DashedPath pieces = dashed(solid.seenFromAbove(), pattern, options, &fonts());
     if (pieces.isWhole)
         return false;
     ItemLook lines = look;

@@ -8,6 +8,7 @@
 #include <db/passing_entities.h>
 
 #include "looks.h"
+#include "shape_files.h"
 #include "text_tools.h"
 
 namespace gs {
@@ -89,6 +90,7 @@ public:
     Color colorOf(const OwnColor& own) const;
     Fonts& fonts() const;
     TextTools& textTools() { return m_textTools; }
+    ShapeFiles& shapes() { return m_shapes; }
     /// Whether anything of the entity is to be seen.
     bool isShown() const { return !m_outline && !m_looks.layerAt(m_look.layer).isOff; }
     /// All but the kind, of an item of the entity that is drawn.
@@ -129,6 +131,7 @@ private:
         m_openBlocks; // being drawn: they are not drawn within themselves
     std::unordered_map<TvDbObjectId, LinePattern> m_patterns;
     TextTools m_textTools;
+    ShapeFiles m_shapes;
     std::unordered_map<std::uint64_t, std::shared_ptr<const Picture>> m_pictures;
     double m_linetypeScale; // of the drawing
     const Frame* m_frame = nullptr;

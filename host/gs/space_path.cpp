@@ -85,4 +85,26 @@ void SpacePath::transform(const TvGeMatrix3d& map)
         point = map * point;
 }
 
+Path SpacePath::seenFromAbove() const
+{
+    Path flat;
+    std::size_t at = 0;
+    const auto next = [&] {
+        const TvGePoint3d& point = m_points[at++];
+        return TvGePoint2d(point.x, point.y);
+    };
+    for (const Verb verb : m_verbs)
+        switch (verb) {
+        case Verb::Move: flat.moveTo(next()); break;
+        case Verb::Line: flat.lineTo(next()); break;
+        case Verb::Curve: {
+            const TvGePoint2d a = next(), b = next();
+            flat.curveTo(a, b, next());
+            break;
+        }
+        case Verb::Close: flat.close(); break;
+        }
+    return flat;
+}
+
 } // namespace gs

@@ -38,6 +38,8 @@ public:
     void append(const Path& flat, double elevation);
     void append(const SpacePath& other);
     void transform(const TvGeMatrix3d& map);
+    /// Its x and y.
+    Path seenFromAbove() const;
 
     const std::vector<Verb>& verbs() const { return m_verbs; }
     const std::vector<TvGePoint3d>& points() const { return m_points; }

@@ -32,10 +32,12 @@ struct UsedShading {
         stops; ///< from 0 to 1, ascending; red, green, blue
 };
 
-/// A picture: 3 bytes a pixel, row by row from the top.
+/// A picture: 3 bytes a pixel, row by row from the top, or a JPEG as it is.
 struct UsedImage {
     int width = 0, height = 0;
     std::string packed;
+    bool isJpeg = false;
+    bool isGray = false; ///< of a JPEG: one channel
 };
 
 /// A link in its place.

@@ -91,13 +91,13 @@ struct PdfFile::Impl {
         fonts = std::make_unique<PdfFonts>(pdf);
     }
 
-    Object contentStream(const std::string& packed)
+    Object contentStream(const std::string& packed, const char* filter = "/FlateDecode")
     {
         const std::uint64_t offset = spool->size();
         status = spool->add(packed);
         Object stream = pdf.newStream();
         stream.replaceStreamData(std::make_shared<FromSpool>(spool, offset, packed.size()),
-                                 Object::newName("/FlateDecode"), Object::newNull());
+                                 Object::newName(filter), Object::newNull());
         return stream;
     }
 
@@ -149,13 +149,13 @@ struct PdfFile::Impl {
         Object& found = images[{hash.high, hash.low}];
         if (found.isInitialized())
             return found;
-        found = contentStream(used.packed);
+        found = contentStream(used.packed, used.isJpeg ? "/DCTDecode" : "/FlateDecode");
         Object dict = found.getDict();
         dict.replaceKey("/Type", Object::newName("/XObject"));
         dict.replaceKey("/Subtype", Object::newName("/Image"));
         dict.replaceKey("/Width", Object::newInteger(used.width));
         dict.replaceKey("/Height", Object::newInteger(used.height));
-        dict.replaceKey("/ColorSpace", Object::newName("/DeviceRGB"));
+        dict.replaceKey("/ColorSpace", Object::newName(used.isGray ? "/DeviceGray" : "/DeviceRGB"));
         dict.replaceKey("/BitsPerComponent", Object::newInteger(8));
         return found;
     }

@@ -321,12 +321,19 @@ std::int32_t PdfPainter::imageFor(const gs::Picture& picture)
         m_imageNames.emplace(&picture, static_cast<std::int32_t>(m_content.images.size()));
     if (!isNew)
         return at->second;
+    if (!picture.jpeg.empty()) {
+        m_content.images.push_back({picture.width, picture.height,
+                                    std::string(picture.jpeg.begin(), picture.jpeg.end()), true,
+                                    picture.isGrayJpeg});
+        return at->second;
+    }
     std::string bytes;
     bytes.reserve(picture.pixels.size() * 3);
     for (const std::uint32_t pixel : picture.pixels)
         for (const int shift : {16, 8, 0})
             bytes += static_cast<char>(pixel >> shift & 0xFF);
-    m_content.images.push_back({picture.width, picture.height, deflated(bytes, kPacking)});
+    m_content.images.push_back(
+        {picture.width, picture.height, deflated(bytes, kPacking), false, false});
     return at->second;
 }
 

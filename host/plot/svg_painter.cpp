@@ -4,6 +4,7 @@
 #include <unordered_map>
 
 #include <fmt/format.h>
+#include <gs/picture.h>
 
 namespace plot {
 
@@ -35,6 +36,24 @@ std::string xmlOf(const TvString& text)
             if (static_cast<unsigned char>(c) >= 0x20)
                 out += c;
         }
+    return out;
+}
+
+std::string base64(std::span<const std::uint8_t> bytes)
+{
+    constexpr char kLetters[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string out;
+    out.reserve((bytes.size() + 2) / 3 * 4);
+    for (std::size_t at = 0; at < bytes.size(); at += 3) {
+        const auto byte = [&](std::size_t i) {
+            return at + i < bytes.size() ? std::uint32_t(bytes[at + i]) : 0;
+        };
+        const std::uint32_t group = byte(0) << 16 | byte(1) << 8 | byte(2);
+        for (const int shift : {18, 12, 6, 0})
+            out += kLetters[group >> shift & 63];
+    }
+    for (std::size_t i = 0; i < (3 - bytes.size() % 3) % 3; ++i)
+        out[out.size() - 1 - i] = '=';
     return out;
 }
 
@@ -77,7 +96,11 @@ public:
             return;
         flush();
         usePlace(mark);
-        m_style = fmt::format("fill=\"{}\" stroke=\"none\"", rgbText(mark.rgb));
+        if (mark.filling && showPicture(mark, path, isEvenOdd))
+            return;
+        const std::string gradient = mark.filling ? gradientName(*mark.filling) : std::string();
+        m_style = fmt::format("fill=\"{}\" stroke=\"none\"",
+                              gradient.empty() ? rgbText(mark.rgb) : "url(#" + gradient + ")");
         if (mark.alpha != 255)
             m_style += fmt::format(" fill-opacity=\"{:.3f}\"", mark.alpha / 255.0);
         if (isEvenOdd)
@@ -132,7 +155,7 @@ public:
             "stroke-linejoin=\"round\">\n<title>{}</title>\n",
             m_page.widthMm, m_page.heightMm, size(m_page.widthMm), size(m_page.heightMm),
             xmlOf(title));
-        out += "<defs>\n" + m_clips + "</defs>\n";
+        out += "<defs>\n" + m_defined + "</defs>\n";
         out += fmt::format("<rect width=\"{}\" height=\"{}\" fill=\"#ffffff\"/>\n",
                            size(m_page.widthMm), size(m_page.heightMm));
         return out + m_body + "</svg>\n";
@@ -195,12 +218,80 @@ private:
         }
         std::string data;
         trace(data, path, map);
-        m_clips += fmt::format("<clipPath id=\"{}\"", name);
+        m_defined += fmt::format("<clipPath id=\"{}\"", name);
         if (!within.empty())
-            m_clips += fmt::format(" clip-path=\"url(#{})\"", within);
-        m_clips += "><path clip-rule=\"evenodd\" d=\"" + data + "\"/></clipPath>\n";
+            m_defined += fmt::format(" clip-path=\"url(#{})\"", within);
+        m_defined += "><path clip-rule=\"evenodd\" d=\"" + data + "\"/></clipPath>\n";
         return name;
     }
+    /// From the square of a filling to the page; nullopt when nothing of it could be seen.
+    std::optional<std::string> placeOf(const gs::Filling& filling) const
+    {
+        const gs::FlatMap square = m_plane * filling.place;
+        if (!(std::abs(square.determinant()) > 1e-9))
+            return std::nullopt;
+        return fmt::format("matrix({:.6g} {:.6g} {:.6g} {:.6g} {:.6g} {:.6g})", square.xx,
+                           square.yx, square.xy, square.yy, square.x0, square.y0);
+    }
+
+    /// "" when the filling is not one of colours that pass into each other.
+    std::string gradientName(const gs::Filling& filling)
+    {
+        const auto place = placeOf(filling);
+        if (!place || filling.stops.empty())
+            return {};
+        std::string name = fmt::format("g{}", m_gradients++);
+        const char* const kind = filling.isRound ? "radialGradient" : "linearGradient";
+        m_defined += fmt::format(
+            "<{} id=\"{}\" gradientUnits=\"userSpaceOnUse\" {} gradientTransform=\"{}\">", kind,
+            name,
+            filling.isRound ? "cx=\"0\" cy=\"0\" r=\"1\"" : "x1=\"0\" y1=\"0\" x2=\"1\" y2=\"0\"",
+            *place);
+        for (const gs::Filling::Stop& stop : filling.stops)
+            m_defined += fmt::format(
+                "<stop offset=\"{:.4g}\" stop-color=\"{}\"/>", stop.at,
+                rgbText(m_page.styles.plotted(gs::rgbOf(stop.color, gs::Background::Paper))));
+        m_defined += fmt::format("</{}>\n", kind);
+        return name;
+    }
+
+    /// A picture within the area of @p path; false when there is none to be seen.
+    bool showPicture(const Mark& mark, gs::PathView path, bool isEvenOdd)
+    {
+        const gs::Filling& filling = *mark.filling;
+        const auto place = placeOf(filling);
+        if (!filling.picture || filling.picture->isEmpty() || !place)
+            return false;
+        std::string data;
+        trace(data, path, m_plane);
+        const std::string area = fmt::format("a{}", m_areas++);
+        m_defined +=
+            fmt::format("<clipPath id=\"{}\"><path clip-rule=\"{}\" d=\"{}\"/></clipPath>\n", area,
+                        isEvenOdd ? "evenodd" : "nonzero", data);
+        // Pictures count downwards, and their square upwards.
+        m_body += fmt::format("<g clip-path=\"url(#{})\"", area);
+        if (mark.alpha != 255)
+            m_body += fmt::format(" opacity=\"{:.3f}\"", mark.alpha / 255.0);
+        m_body += fmt::format("><use href=\"#{}\" transform=\"{} matrix(1 0 0 -1 0 1)\"/></g>\n",
+                              pictureName(*filling.picture), *place);
+        return true;
+    }
+
+    /// Pictures stand in the file once, in a square of 1 by 1.
+    std::string pictureName(const gs::Picture& picture)
+    {
+        const auto [at, isNew] = m_pictures.emplace(&picture, m_pictures.size());
+        std::string name = fmt::format("i{}", at->second);
+        if (!isNew)
+            return name;
+        const bool isJpeg = !picture.jpeg.empty();
+        m_defined += fmt::format("<image id=\"{}\" width=\"1\" height=\"1\" "
+                                 "preserveAspectRatio=\"none\" href=\"data:image/{};base64,",
+                                 name, isJpeg ? "jpeg" : "png");
+        m_defined += base64(isJpeg ? picture.jpeg : gs::pngBytes(picture)) + "\"/>\n";
+        return name;
+    }
+
     void flush()
     {
         if (!m_data.empty())
@@ -234,10 +325,12 @@ private:
     const Page& m_page;
     const PdfOptions& m_options;
     gs::FlatMap m_plane;
-    std::string m_body, m_clips, m_data, m_style;
+    std::string m_body, m_defined, m_data, m_style;
     bool m_isOpen = false; // two groups: layer and clip
     std::uint32_t m_layer = 0, m_clip = 0;
     std::unordered_map<std::uint32_t, bool> m_named;
+    std::unordered_map<const gs::Picture*, std::size_t> m_pictures; // the list's
+    int m_gradients = 0, m_areas = 0;
 };
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include <db/tv_db_symbol_table.h>
@@ -7,10 +8,14 @@
 
 namespace gs {
 
+class ShapeFiles;
+
 /// Dashes and gaps that follow one another along a line.
 struct LinePattern {
     struct Text {
         std::u16string text;
+        /// In place of the text: strokes of a shape, in units of which one is height long.
+        std::shared_ptr<const Path> shape;
         FontName font;
         double height = 0;
         double widthFactor = 1;
@@ -28,13 +33,15 @@ struct LinePattern {
 
     /// The sum of all lengths without their signs.
     double length() const;
-    /// Nothing to dash: one line without gaps.
+    /// Nothing to dash: one line without gaps, and nothing in it.
     bool isContinuous() const;
 };
 
 /// The pattern of a linetype. Continuous for a null id, by layer, by block, and for a pattern that
-/// makes no sense (numbers that are not finite, no length). Shapes of files are left out.
-LinePattern patternOf(TvDbObjectId linetype);
+/// makes no sense (numbers that are not finite, no length).
+/// @param shapes  where shapes in it come from; null: they are left out, as those are that it does
+///                not know.
+LinePattern patternOf(TvDbObjectId linetype, ShapeFiles* shapes = nullptr);
 
 struct DashOptions {
     /// Of the pattern: the drawing's scale times the object's, and what the view adds.

@@ -14,6 +14,9 @@ namespace gs {
 struct Picture {
     int width = 0, height = 0;
     std::vector<std::uint32_t> pixels;
+    /// The bytes of the JPEG that the pixels are from, for who can show it itself; else empty.
+    std::vector<std::uint8_t> jpeg = {};
+    bool isGrayJpeg = false; ///< its bytes tell one channel, else three
 
     bool isEmpty() const { return pixels.empty(); }
     std::uint32_t at(int x, int y) const
