@@ -120,6 +120,8 @@ void PlaceViewCommand()
 
 void InsertLabelOrCallout()
 {
+    if (!GetCurrentDatabase())
+        return;
     // Rolled back on the way out, whatever was inserted: the blocks stand in the drawing.
     const auto change = sm::ChangeScope::withoutTest(GetCurrentDatabase());
     sayNotAvailable(u"VIEWLABEL");

@@ -6,7 +6,7 @@
 #include <ed/layouts.h>
 #include <ed/tv_ap_doc_manager.h>
 #include <ed/tv_ax_doc_lock.h>
-#include <sm/kv_db_util.h>
+#include <sm/tv_sm_database.h>
 
 #include "panel/recover_drawing.h"
 
@@ -16,15 +16,6 @@ namespace {
 
 constexpr int kNoDrawingTitle = 618, kNoDrawing = 619;
 constexpr int kNoLayoutTitle = 622, kNoLayout = 623;
-
-bool isOpen(const TvSmDatabase* database)
-{
-    if (const TvSmSheetSetMgr* manager = KvDbUtil::tarvGetSheetSetMgr())
-        for (const TvSmDatabase* each : sm::each(manager->getDatabaseEnumerator()))
-            if (each == database)
-                return true;
-    return false;
-}
 
 enum class Outcome { Nothing, Refresh };
 
@@ -90,7 +81,7 @@ template <class Each>
 void forEachReference(TvSmDatabase* database, const std::vector<TvString>& handles, Each each)
 {
     for (const TvString& handle : handles) {
-        if (!database || !isOpen(database))
+        if (!database || !isStillOpen(database))
             return;
         const auto* sheet = tvrxCast<TvSmSheet>(database->findObject(handle));
         if (sheet && sheet->getLayoutReference())

@@ -5,6 +5,7 @@
 #include <resources/texts.h>
 #include <rx/tv_user_messages.h>
 #include <sm/change_scope.h>
+#include <sm/kv_db_util.h>
 
 namespace panel {
 
@@ -50,6 +51,15 @@ void replaceLayout(TvSmDatabase& database, TvSmSheet& sheet)
 
 } // namespace
 
+bool isStillOpen(const TvSmDatabase* database)
+{
+    if (const TvSmSheetSetMgr* manager = KvDbUtil::tarvGetSheetSetMgr())
+        for (const TvSmDatabase* each : sm::each(manager->getDatabaseEnumerator()))
+            if (each == database)
+                return true;
+    return false;
+}
+
 void setReplaceLayout(ReplaceLayout replace)
 {
     g_replaceLayout = std::move(replace);
@@ -74,7 +84,9 @@ void RecoverMissingDrawing(const TvSmTvDbLayoutReference* reference, int titleId
         return;
     const TvString handle = sheet->objectId().getHandle();
     const int answer = ask(*reference, *sheet, *database->getSheetSet(), titleId, textId);
-    // The question may have stood for long: the sheet is looked for again.
+    // The question may have stood for long: set and sheet are looked for again.
+    if (!isStillOpen(database))
+        return;
     sheet = tvrxCast<TvSmSheet>(database->findObject(handle));
     if (!sheet || database->getLockStatus() != 0)
         return;

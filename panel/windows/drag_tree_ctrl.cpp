@@ -211,7 +211,9 @@ void CDragTreeCtrl::track(const QPoint& at)
     point.item = viewport()->rect().contains(at) ? itemUnder(at) : nullptr;
     if (point.item) {
         const QRect row = rectOf(point.item);
-        point.isOnItem = at.x() >= row.left();
+        const int width =
+            sizeHintForIndex(m_model.indexOf(point.item)).width(); // to the label's end
+        point.isOnItem = at.x() >= row.left() && at.x() < row.left() + width;
         point.isInLowestPart = at.y() > row.bottom() - panel::DragPoint::kLowestPart;
     }
     m_feedback = m_drag.track(point);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <set>
 
@@ -22,22 +23,29 @@
 
 using Trace = std::vector<std::string>;
 
-/// What the parts of the host note, one after the other; that the internal interface came or went
-/// is noted with what comes next.
+/// What the parts of the host note, one after the other. What comes and goes without telling
+/// anybody, as the internal interface, is noted with what comes next.
 class Noted
 {
 public:
+    struct Probe {
+        std::string name;
+        std::function<bool()> isThere;
+        bool wasThere = false;
+    };
+
     void operator()(const std::string& what)
     {
-        const bool isSet = tarvGetSheetSetInternal() != nullptr;
-        if (std::exchange(m_wasSet, isSet) != isSet)
-            trace.push_back(isSet ? "(internal interface is set)" : "(internal interface is gone)");
+        for (Probe& probe : probes) {
+            const bool isThere = probe.isThere();
+            if (std::exchange(probe.wasThere, isThere) != isThere)
+                trace.push_back("(" + probe.name + (isThere ? " is set)" : " is gone)"));
+        }
         trace.push_back(what);
     }
     Trace trace;
-
-private:
-    bool m_wasSet = false;
+    std::vector<Probe> probes = {
+        {"internal interface", [] { return tarvGetSheetSetInternal() != nullptr; }}};
 };
 
 /// Loads the built modules and the optional ones of a folder, but for those that are said to be

@@ -19,7 +19,8 @@ void HideSheetSetPalette();
 /// current set the user is told; a missing module, or a set that somebody holds, is silent.
 void ArchiveSheetSet();
 void PlaceViewCommand();
-/// For both kinds of blocks: under the lock of the current set, which is never committed.
+/// For both kinds of blocks: under the lock of the current set, which is never committed. Nothing
+/// without a current set.
 void InsertLabelOrCallout();
 void InsertSheetListTableCommand();
 

@@ -22,6 +22,9 @@ void setReplaceLayout(ReplaceLayout replace);
 /// @param titleId    text of the title. @param textId  of the question; 1: the path as stored.
 void RecoverMissingDrawing(const TvSmTvDbLayoutReference* reference, int titleId, int textId);
 
+/// Whether that set is still open. It is not looked into: it may be gone.
+bool isStillOpen(const TvSmDatabase* database);
+
 /// The question before sheets are removed. @param what  their label, or how many.
 bool confirmRemoval(const TvString& what, const TvSmDatabase& database);
 

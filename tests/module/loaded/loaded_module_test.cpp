@@ -308,6 +308,10 @@ TEST_F(LoadedModule, CommandsOpenASetByDialogAndByPrompt)
 TEST_F(LoadedModule, CommandsThatAreNotBuiltYetSaySo)
 {
     ASSERT_TRUE(load());
+    type(u"VIEWLABEL");
+    type(u"CALLOUT");
+    EXPECT_TRUE(said.empty()) << "there is no set to take blocks from";
+    ActivateSheetSet(made("a.dst"));
     const Trace names = {"SHEETSET",  "SHEETSETHIDE", "NEWSHEETSET", "PLACEVIEW",
                          "VIEWLABEL", "CALLOUT",      "SMINSERTTOC"};
     Trace expected;
@@ -318,6 +322,7 @@ TEST_F(LoadedModule, CommandsThatAreNotBuiltYetSaySo)
             expected.push_back("8900 " + name);
     }
     EXPECT_EQ(said, expected);
+    CloseCurrentSheetSet();
 }
 
 } // namespace

@@ -1,0 +1,193 @@
+// Commands whose set or sheet goes while a question stands.
+
+#include <panel/panel_commands.h>
+#include <panel/recover_drawing.h>
+
+#include "document_scene.h"
+
+namespace {
+
+class QuietProgram : public panel::PanelProgram
+{
+public:
+    void exploreFile(const TvString&) override {}
+    void hidePanel() override {}
+};
+
+/// Does something while a task dialog stands, and then answers.
+class ActingMessages : public ScriptedMessages
+{
+public:
+    TaskAnswer showTask(const TaskDialog&) override
+    {
+        ++tasks;
+        if (meanwhile)
+            meanwhile();
+        TaskAnswer given;
+        given.button = task;
+        return given;
+    }
+    std::function<void()> meanwhile;
+    int task = 2, tasks = 0;
+};
+
+/// The session's palettes are the page.
+class PageHost : public NotingHost
+{
+public:
+    core::SheetSetPalette* palette(Palette which) override
+    {
+        return which == Palette::SheetList ? page : nullptr;
+    }
+    panel::SheetListPage* page = nullptr;
+};
+
+class CommandEdgesTest : public DocumentTest
+{
+protected:
+    void SetUp() override
+    {
+        DocumentTest::SetUp();
+        m_cookie = manager().registerEventHandler(&m_events);
+        core::setSessionHost(&pageHost);
+        set(u"SSMSHEETSTATUS", 0);
+        database = made("house.dst");
+        DrawingMaker maker;
+        maker.paper(u"A1").saveAs(folder.file("b.dwg"));
+        change(database, [&](TvSmSheetSet& top) {
+            lost = addSheet(&top, u"1", u"Lost");
+            setLayout(lost, folder.file("lost.dwg"), u"22", u"A1");
+            plan = addSheet(&top, u"2", u"Plan");
+            setLayout(plan, folder.file("b.dwg"), maker.handleOf(u"A1"), u"A1");
+            roof = addSubset(&top, u"Roof");
+            addSheet(roof, u"3", u"Tiles");
+        });
+        pageHost.page = &page;
+        ActivateSheetSet(database);
+    }
+    void TearDown() override
+    {
+        DocumentTest::TearDown();
+        pageHost.page = nullptr;
+        manager().unregisterEventHandler(m_cookie);
+    }
+    panel::TreeItem* at(const TvSmPersist* object) { return page.tree().itemOf(handleOf(object)); }
+    void select(std::initializer_list<const TvSmPersist*> objects)
+    {
+        page.tree().ClearSelection();
+        for (const TvSmPersist* object : objects)
+            page.tree().SelectItem(at(object));
+        page.tree().setCaret(at(*objects.begin()));
+    }
+
+    TvSmDatabase* database = nullptr;
+    TvSmSheet *lost = nullptr, *plan = nullptr;
+    TvSmSubset* roof = nullptr;
+    PageHost pageHost;
+    panel::PageWindow window;
+    panel::SheetListPage page{window, base::systemClock()};
+    panel::PanelMenus menus{page};
+    QuietProgram program;
+    ActingMessages answers;
+    panel::PanelCommands commands{page, menus, program};
+
+private:
+    CTvSmSheetSetEventsHandler m_events{&g_watchTable};
+    int m_cookie = -1;
+};
+
+TEST_F(CommandEdgesTest, SheetsOfASetThatClosesMeanwhileAreLeftAlone)
+{
+    answers.meanwhile = [] { CloseCurrentSheetSet(); };
+    select({lost, plan});
+    commands.run(panel::kOpenSheet);
+    EXPECT_EQ(answers.tasks, 1);
+    EXPECT_EQ(documents().documentCount(), 0);
+}
+
+TEST_F(CommandEdgesTest, ASheetThatGoesWhileItsRecoveryIsAskedAboutIsNotRemovedAgain)
+{
+    answers.meanwhile = [this] {
+        change(database, [this](TvSmSheetSet& top) { top.removeSheet(lost); });
+    };
+    answers.task = 1001;
+    answers.answer = TvUserMessages::Answer::Ok;
+    panel::RecoverMissingDrawing(lost->getLayoutReference(), 618, 619);
+    EXPECT_EQ(answers.tasks, 1);
+    EXPECT_TRUE(answers.asked.empty());
+}
+
+TEST_F(CommandEdgesTest, ASetThatIsLockedWhileItsRecoveryIsAskedAboutStaysAsItIs)
+{
+    answers.meanwhile = [this] { ASSERT_TRUE(database->lockDb(database)); };
+    for (const int task : {1001, 1002}) {
+        answers.task = task;
+        answers.answer = TvUserMessages::Answer::Ok;
+        bool isReplaced = false;
+        panel::setReplaceLayout([&](TvSmDatabase&, TvSmSheet&) { return isReplaced = true; });
+        panel::RecoverMissingDrawing(lost->getLayoutReference(), 618, 619);
+        panel::setReplaceLayout({});
+        EXPECT_FALSE(isReplaced);
+        EXPECT_TRUE(answers.asked.empty());
+        ASSERT_TRUE(database->unlockDb(database, false));
+    }
+}
+
+TEST_F(CommandEdgesTest, BothQuestionsOfRemovalOfferOkAndCancel)
+{
+    select({lost});
+    commands.run(panel::kRemoveSheets);
+    select({roof});
+    commands.run(panel::kRemoveSubset);
+    ASSERT_EQ(answers.numbers(), (std::vector<int>{347, 587}));
+    EXPECT_EQ(answers.asked[1].caption, 586);
+    for (const TvUserMessages::Message& message : answers.asked)
+        EXPECT_EQ(message.buttons, TvUserMessages::Buttons::OkCancel);
+    EXPECT_NE(at(roof), nullptr);
+}
+
+TEST_F(CommandEdgesTest, AnExcludedSubsetShowsItThoughImagesFollowNoEvents)
+{
+    change(database, [this](TvSmSheetSet& top) {
+        auto* place = newFor<TvSmFileReference>(&top);
+        place->setFileName(TvString(folder.path().u16string().c_str()));
+        ASSERT_TRUE(top.setNewSheetLocation(place));
+        auto* sheet = tvrxCast<TvSmSheet>(itemsOf(roof->getSheetEnumerator()).front());
+        setLayout(sheet, folder.file("b.dwg"), u"22", u"A1");
+    });
+    select({roof});
+    commands.run(panel::kExcludeSubset);
+    while (!page.workOnStatus()) {
+    }
+    EXPECT_EQ(at(roof)->image(), core::SheetImage::ImageSubsetNoPublish);
+    commands.run(panel::kIncludeSubset);
+    while (!page.workOnStatus()) {
+    }
+    EXPECT_EQ(at(roof)->image(), core::SheetImage::ImageSubset);
+}
+
+TEST_F(CommandEdgesTest, ThePanelsOldSetIsNotTheOneThatCommandsChange)
+{
+    TvSmDatabase* other = made("other.dst");
+    select({lost});
+    SetCurrentDatabase(other); // without telling the page
+    answers.answer = TvUserMessages::Answer::Ok;
+    commands.run(panel::kRemoveSheets);
+    commands.run(3);
+    EXPECT_TRUE(answers.asked.empty());
+    EXPECT_EQ(other->getSheetSet()->getPublishOptions()->getEplotFormat(),
+              TvSmDatabase().getSheetSet()->getPublishOptions()->getEplotFormat());
+    EXPECT_NE(at(lost), nullptr);
+    SetCurrentDatabase(database);
+}
+
+TEST_F(CommandEdgesTest, TheRootIsNoSubsetToBeRemoved)
+{
+    select({database->getSheetSet()});
+    answers.answer = TvUserMessages::Answer::Ok;
+    commands.run(panel::kRemoveSubset);
+    EXPECT_TRUE(answers.asked.empty());
+    EXPECT_EQ(childrenOf(database->getSheetSet()).size(), 3u);
+}
+
+} // namespace
