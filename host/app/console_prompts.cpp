@@ -16,8 +16,8 @@ bool isFailure(int text)
 {
     constexpr int kFirstReason = 21000, kLastReason = 21999;
     return (text >= kFirstReason && text <= kLastReason) || text == ed::kUnknownCommand ||
-           text == ed::kVariableReadOnly || text == ed::kNoValueFor ||
-           text == ed::kCommandCancelled || ed::isRefusal(text);
+           text == ed::kNoValueFor || text == ed::kCommandCancelled || text == ed::kCommandFailed ||
+           ed::isRefusal(text);
 }
 
 /// A name or word of any length and content, as far as it helps.

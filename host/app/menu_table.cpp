@@ -37,6 +37,8 @@ constexpr MenuRow kRows[] = {
     {W::MenuLayout, W::PreviousLayout,  nullptr,        "Ctrl+PgUp",      nullptr,          A::PreviousLayout},
     {W::MenuLayout, kSeparator,         nullptr,        nullptr,          nullptr},
     {W::MenuLayout, W::NewLayout,       "layout",       nullptr,          u"_LAYOUT New"},
+    {W::MenuLayout, W::RenameLayout,    nullptr,        nullptr,          u"_LAYOUT Rename"},
+    {W::MenuLayout, W::DeleteLayout,    nullptr,        nullptr,          u"_LAYOUT Delete"},
     {W::MenuTools,  W::SheetSets,       "sheet-set",    "Ctrl+4",         u"_SHEETSET",     A::None, true},
     {W::MenuTools,  W::OpenSheetSet,    "folder",       nullptr,          u"_OPENSHEETSET"},
     {W::MenuTools,  W::NewSheetSet,     nullptr,        nullptr,          u"_NEWSHEETSET"},

@@ -6,6 +6,7 @@
 #include "new_object.h"
 #include "quiet_edit.h"
 
+#include <db/dictionary_variable.h>
 #include <db/tv_db_dictionary.h>
 
 TVRX_DEFINE_MEMBERS(TvDbScale, TvDbObject)
@@ -14,7 +15,6 @@ const TvChar* const tvdbAnnotationScaleCollectionName = u"ACDB_ANNOTATIONSCALES"
 
 namespace {
 
-constexpr const TvChar* kVariables = u"AcDbVariableDictionary";
 constexpr const TvChar* kCurrent = u"CANNOSCALE";
 constexpr const TvChar* kScaleList = u"ACAD_SCALELIST";
 constexpr const TvChar* kUnitScale = u"1:1";
@@ -25,43 +25,10 @@ bool isUnit(double value)
     return std::isfinite(value) && value > 0;
 }
 
-TvDbObjectId entryOf(TvDbObjectId dictionary, const TvString& key)
-{
-    const TvDbObjectPointer<TvDbDictionary> entries(dictionary, TvDb::kForNotify);
-    TvDbObjectId id;
-    if (entries)
-        entries->getAt(key, id);
-    return id;
-}
-
-/// The variable of the drawing that names the current scale; null when it has none.
-TvDbObjectId currentVariable(const TvDbDatabase& database)
-{
-    return entryOf(entryOf(database.namedObjectsDictionaryId(), TvString(kVariables)),
-                   TvString(kCurrent));
-}
-
 TvString currentName(const TvDbDatabase& database)
 {
-    const TvDbObjectPointer<TvDbObject> variable(currentVariable(database), TvDb::kForNotify);
-    const TvString name = variable ? TvString(variable->fields().text("value")) : TvString();
+    const TvString name = db::dictionaryVariable(database, TvString(kCurrent));
     return name.isEmpty() ? TvString(kUnitScale) : name;
-}
-
-/// The entry, which is made when it is missing; null when that is not possible.
-TvDbObjectId neededEntry(TvDbObjectId dictionary, const TvString& key, const char* className)
-{
-    if (const TvDbObjectId known = entryOf(dictionary, key))
-        return known;
-    const TvDbObjectPointer<TvDbDictionary> entries(dictionary, TvDb::kForWrite);
-    if (!entries)
-        return {};
-    std::unique_ptr<TvDbObject> made = db::newObject(*db::classNamed(className));
-    TvDbObjectId id;
-    if (entries->setAt(key, made.get(), id) != TvStatus::Ok)
-        return {};
-    made.release()->close();
-    return id;
 }
 
 } // namespace
@@ -166,12 +133,7 @@ TvStatusCode TvDbObjectContextCollection::setCurrentContext(const TvString& name
         return status;
     if (currentName(m_database) == scale.getName())
         return TvStatus::Ok;
-    const TvDbObjectId variables =
-        neededEntry(m_database.namedObjectsDictionaryId(), TvString(kVariables), "DICTIONARY");
-    db::QuietEdit edit(neededEntry(variables, TvString(kCurrent), "DICTIONARYVAR"));
-    if (!edit)
-        return TvStatus::NotUnderstood;
-    return edit->setText("value", scale.getName().view()) ? TvStatus::Ok : TvStatus::NotUnderstood;
+    return db::setDictionaryVariable(m_database, TvString(kCurrent), scale.getName());
 }
 
 TvStatusCode TvDbObjectContextCollection::addContext(const TvDbAnnotationScale& scale,
@@ -187,7 +149,8 @@ TvStatusCode TvDbObjectContextCollection::addContext(const TvDbAnnotationScale& 
     if (hasContext(scale.getName()))
         return TvStatus::DuplicateName;
     const TvDbObjectPointer<TvDbDictionary> list(
-        neededEntry(m_database.namedObjectsDictionaryId(), TvString(kScaleList), "DICTIONARY"),
+        db::neededDictionaryEntry(m_database.namedObjectsDictionaryId(), TvString(kScaleList),
+                                  "DICTIONARY"),
         TvDb::kForWrite);
     if (!list)
         return list.openStatus();

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 
+#include <base/kv_error_status.h>
 #include <db/tv_db_host_application_services.h>
 #include <rx/tv_ed_command_stack.h>
 #include <rx/tv_rx_dictionary.h>
 
 #include "command_texts.h"
 #include "ed/host_commands.h"
+#include "ed/program_control.h"
 #include "ed/system_variables.h"
 #include "ed/tv_ap_doc_manager.h"
 #include "ed/tv_ax_doc_lock.h"
@@ -54,6 +56,7 @@ public:
         if (TvEditor* editor = tvedEditor())
             editor->fireCommandWillStart(m_name);
     }
+    const TvString& name() const { return m_name; }
     void end(bool isCancelled)
     {
         m_context.reset(); // reactors are told in the context of the application
@@ -69,7 +72,33 @@ private:
     std::optional<TvApDocManager::CommandContext> m_context;
 };
 
+/// A flag that is cleared when it ends.
+class FlagScope
+{
+public:
+    FlagScope(bool& flag, bool value) : m_flag(flag) { m_flag = value; }
+    ~FlagScope() { m_flag = false; }
+    FlagScope(const FlagScope&) = delete;
+    FlagScope& operator=(const FlagScope&) = delete;
+
+private:
+    bool& m_flag;
+};
+
 } // namespace
+
+TvString wordsOfFailure(const std::exception_ptr& thrown)
+{
+    try {
+        std::rethrow_exception(thrown);
+    } catch (const KvErrorStatus& status) {
+        return status.text().isEmpty() ? TvString().format(u"%d", status.code()) : status.text();
+    } catch (const std::exception& failure) {
+        return TvString(failure.what());
+    } catch (...) {
+        return {};
+    }
+}
 
 CommandLine* commandLine()
 {
@@ -150,18 +179,19 @@ void CommandLine::work()
 {
     if (m_isWorking)
         return;
-    m_isWorking = true;
+    const FlagScope working(m_isWorking, true);
     TvString word;
     while (takeWord(word)) {
-        m_isRunningScript = m_isAnswerOfScript;
+        const FlagScope script(m_isRunningScript, m_isAnswerOfScript);
         perform(word);
-        m_isRunningScript = false;
     }
-    m_isWorking = false;
 }
 
-void CommandLine::perform(const TvString& word)
+void CommandLine::perform(const TvString& typed)
 {
+    // Menus and habit put an apostrophe before what may run within another command. Here each runs
+    // by itself, and the name is the same.
+    const TvString word = typed.startsWith(u"'") ? typed.substr(1) : typed;
     TvEdCommandStack* stack = commandStack();
     if (TvEdCommand* command = stack ? stack->lookupCmd(word) : nullptr)
         return run(*command);
@@ -170,7 +200,19 @@ void CommandLine::perform(const TvString& word)
             stack && !aliased.isEmpty() ? stack->lookupGlobalCmd(aliased) : nullptr)
         return run(*command);
     if (!askVariable(word))
-        say(kUnknownCommand, {word});
+        say(kUnknownCommand, {typed});
+}
+
+/// @return whether the command came to its end.
+bool CommandLine::call(void (*function)(), const TvString& name)
+{
+    try {
+        function();
+        return true;
+    } catch (...) {
+        say(kCommandFailed, {name, wordsOfFailure(std::current_exception())});
+    }
+    return false;
 }
 
 void CommandLine::run(TvEdCommand& command)
@@ -178,9 +220,11 @@ void CommandLine::run(TvEdCommand& command)
     RunningCommand running(command);
     m_running = &command;
     m_isCancelled = false;
-    command.functionAddr()();
+    const bool isDone = call(command.functionAddr(), running.name());
     m_running = nullptr;
-    if (m_isCancelled)
+    if (!isDone)
+        m_isCancelled = true;
+    else if (m_isCancelled)
         say(kCommandCancelled, {});
     running.end(m_isCancelled);
     if (m_isCancelled && m_isRunningScript)
@@ -216,4 +260,6 @@ void tvedPostCommand(const TvString& text)
 {
     if (ed::CommandLine* line = ed::commandLine())
         line->post(text);
+    if (ed::ProgramControl* program = ed::programControl())
+        program->posted();
 }

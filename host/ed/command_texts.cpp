@@ -50,6 +50,7 @@ bool isRefusal(int text)
     case Wording::NoScale:
     case Wording::CannotShow:
     case Wording::ScriptNested:
+    case Wording::NoVariable:
     case Wording::UndoBlocked:
     case Wording::NoUndoGroup: return true;
     default: return false;

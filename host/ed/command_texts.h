@@ -133,6 +133,7 @@ enum class Wording : int {
     VariableRow = 23253,
     VariableRowFixed = 23254,
     AskNewValue = 23255,
+    NoVariable = 23256,
     AskUndo = 23260,
     KeysUndo = 23261,
     UndoSteps = 23262,

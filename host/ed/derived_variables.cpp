@@ -1,6 +1,7 @@
 #include "derived_variables.h"
 
 #include <base/path_rules.h>
+#include <db/dictionary_variable.h>
 #include <db/tv_db_database.h>
 #include <db/tv_db_dictionary.h>
 #include <db/tv_db_layout.h>
@@ -91,6 +92,42 @@ Value documentFile(TvDbDatabase& database)
     return document ? document->fileName() : database.getFilename();
 }
 
+constexpr TvChar kTableStyle[] = u"CTABLESTYLE";
+constexpr TvChar kStandardStyle[] = u"Standard";
+
+/// As the drawing's dictionary of table styles spells it; nullopt when it has none of that name.
+std::optional<TvString> tableStyleNamed(const TvDbDatabase& database, const TvString& name)
+{
+    const TvDbObjectPointer<TvDbDictionary> styles(database.tableStyleDictionaryId());
+    TvDbObjectId style;
+    TvString spelt;
+    if (!styles || styles->getAt(name, style) != TvStatus::Ok ||
+        styles->nameAt(style, spelt) != TvStatus::Ok)
+        return std::nullopt;
+    return spelt;
+}
+
+/// A style that is gone is still told: who looks for it finds none.
+Value currentTableStyle(TvDbDatabase& database)
+{
+    const TvString kept = db::dictionaryVariable(database, kTableStyle);
+    const TvString name = kept.isEmpty() ? TvString(kStandardStyle) : kept;
+    return tableStyleNamed(database, name).value_or(name);
+}
+
+bool setCurrentTableStyle(TvDbDatabase& database, const TvString& wanted)
+{
+    const std::optional<TvString> style = tableStyleNamed(database, wanted);
+    if (!style)
+        return false;
+    if (currentTableStyle(database) == VariableValue(*style))
+        return true;
+    if (db::setDictionaryVariable(database, kTableStyle, *style) != TvStatus::Ok)
+        return false;
+    tellChange(kTableStyle);
+    return true;
+}
+
 Value daysOf(const TvDbDate& date)
 {
     constexpr double kMillisecondsPerDay = 86'400'000.0;
@@ -107,6 +144,10 @@ const std::vector<DerivedVariable> kDerived = {
      [](TvDbDatabase& database) { return Value(currentLayoutName(database)); },
      [](TvDbDatabase& database, const VariableValue& value) {
          return setCurrentLayout(database, std::get<TvString>(value)) == TvStatus::Ok;
+     }},
+    {kTableStyle, VariableKind::Text, currentTableStyle,
+     [](TvDbDatabase& database, const VariableValue& value) {
+         return setCurrentTableStyle(database, std::get<TvString>(value));
      }},
     {u"CVPORT", VariableKind::Short,
      [](TvDbDatabase& database) { return Value(currentViewportNumber(database)); },

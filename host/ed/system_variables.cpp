@@ -66,7 +66,7 @@ constexpr Row kRows[] = {
     {u"PSLTSCALE", Kind::Short, Home::Drawing, 1, 0, 1},
     {u"QTEXTMODE", Kind::Short, Home::Drawing, 0, 0, 1},
     {u"REGENMODE", Kind::Short, Home::Drawing, 1, 0, 1},
-    {u"SSKEEPCREATE", Kind::Short, Home::User, 0, 0, 1},
+    {u"SSKEEPCREATE", Kind::Short, Home::User, 1, 0, 1},
     {u"SSLOCATE", Kind::Short, Home::User, 1, 0, 1},
     {u"SSMAUTOOPEN", Kind::Short, Home::User, 1, 0, 1},
     {u"SSMPOLLTIME", Kind::Short, Home::User, 60, 20, 600},

@@ -103,8 +103,11 @@ void runHelp()
         return;
     if (command)
         return tellOf(*command);
-    if (!topic->isEmpty())
-        return say(Wording::NoOption, {*topic});
+    if (!topic->isEmpty()) {
+        if (UserPrompts* prompts = userPrompts())
+            prompts->say(kUnknownCommand, {*topic});
+        return;
+    }
     for (const TvEdCommand* each : stack->commands())
         tellOf(*each);
 }
@@ -118,7 +121,7 @@ void runSetVariable()
         return;
     if (name != u"?") {
         if (!askVariable(name))
-            say(Wording::NoOption, {name});
+            say(Wording::NoVariable, {name});
         return;
     }
     for (const VariableInfo& info : systemVariables())

@@ -1,3 +1,4 @@
+#include <db/symbol_names.h>
 #include <db/tv_db_symbol_table.h>
 #include <db/tv_status.h>
 
@@ -66,6 +67,8 @@ void save(TvDbDatabase& database, bool isWindow)
     const std::optional<TvString> name = askLine(Wording::AskViewSave);
     if (!name)
         return;
+    if (!db::isSymbolName(*name)) // before its window is asked for
+        return tell(TvStatus::InvalidName, *name);
     if (hasView(database, *name) && !askYesNo(Wording::AskViewReplace, false).value_or(false))
         return;
     const std::optional<View> view = isWindow ? askWindow(database) : std::nullopt;

@@ -16,6 +16,7 @@ namespace {
 
 constexpr TvChar kOptions[] = u"All Center Extents Previous Scale Window";
 constexpr int kDone = TvStatus::Normal;
+constexpr double kMargin = 1.05; // around all: a line on the very edge of the window is not seen
 
 /// A word that ends at a blank.
 std::optional<TvString> askWord(Wording prompt, const TvString& standard = {})
@@ -72,8 +73,12 @@ private:
     }
     void showBox(const TvDbExtents& box)
     {
-        if (!box.isEmpty())
-            show(viewOfExtents(m_now, box));
+        if (box.isEmpty())
+            return;
+        View view = viewOfExtents(m_now, box);
+        if (box.minPoint() != box.maxPoint())
+            view.height *= kMargin;
+        show(view);
     }
     void extents()
     {

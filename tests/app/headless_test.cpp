@@ -79,7 +79,11 @@ TEST_F(HeadlessTest, WhatACommandRefusesMakesItFail)
         EXPECT_EQ(ran.code, 1) << line << ": " << ran.err;
         EXPECT_NE(ran.err.find("tarvik: E23"), std::string::npos) << line << ": " << ran.err;
     }
-    EXPECT_EQ(run({"--headless", "--script", script("U\n"), path("a.dwg")}).code, 0);
+    for (const char* line : {"U", "DWGNAME"}) // nothing to do, or only to show
+        EXPECT_EQ(
+            run({"--headless", "--script", script(std::string(line) + "\n"), path("a.dwg")}).code,
+            0)
+            << line;
 }
 
 TEST_F(HeadlessTest, AMissingScriptIsTold)

@@ -1,8 +1,11 @@
+#include <base/kv_error_status.h>
 #include <ed/command_line.h>
+#include <ed/program_control.h>
 #include <ed/system_variables.h>
 #include <rx/tv_ed_command_stack.h>
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "editor_scene.h"
 #include "scripted_prompts.h"
@@ -67,6 +70,13 @@ TEST_F(CommandLineTest, AWholeLineIsOneAnswerWhereBlanksBelongToIt)
     EXPECT_EQ(g_got, (Told{"got Ground floor, plan", "plain"}));
 }
 
+TEST_F(CommandLineTest, AnApostropheBeforeANameIsNoPartOfIt)
+{
+    type(u"'PLAIN\n'_ASK one\n'NOTTHERE\n'\n");
+    EXPECT_EQ(g_got, (Told{"plain", "got one"}));
+    EXPECT_EQ(prompts.seen, (Told{"say 23001 'NOTTHERE", "say 23001 '"}));
+}
+
 TEST_F(CommandLineTest, AnEmptyLineIsAnEmptyAnswer)
 {
     type(u"ASK \nPLAIN\n");
@@ -119,6 +129,62 @@ TEST_F(CommandLineTest, AQuestionThatIsGivenUpCancelsTheCommand)
     type(u"ASK\n");
     EXPECT_EQ(g_got, (Told{"no untouched"}));
     EXPECT_EQ(reactor.told, (Told{"starts ASK", "cancelled ASK"}));
+}
+
+TEST_F(CommandLineTest, WhatACommandThrowsEndsItAndNothingElse)
+{
+    stack.addCommand(u"T", u"THROWS", u"THROWS", 0, [] { throwErrorStatus(kvErrOutOfRange); });
+    stack.addCommand(u"T", u"BREAKS", u"BREAKS", 0, [] { throw std::runtime_error("no room"); });
+    type(u"THROWS\nPLAIN\nBREAKS\nPLAIN\n");
+    EXPECT_EQ(g_got, (Told{"plain", "plain"}));
+    EXPECT_EQ(prompts.seen, (Told{"say 23005 THROWS 24", "say 23005 BREAKS no room"}));
+    EXPECT_EQ(reactor.told,
+              (Told{"starts THROWS", "cancelled THROWS", "starts PLAIN", "ended PLAIN",
+                    "starts BREAKS", "cancelled BREAKS", "starts PLAIN", "ended PLAIN"}));
+    EXPECT_TRUE(commands.isIdle());
+    EXPECT_EQ(commands.running(), u"");
+}
+
+TEST_F(CommandLineTest, AScriptEndsWithACommandThatThrows)
+{
+    stack.addCommand(u"T", u"THROWS", u"THROWS", 0, [] { throwErrorStatus(kvErrOutOfRange); });
+    commands.startScript(u"THROWS\nPLAIN\n");
+    commands.work();
+    EXPECT_TRUE(g_got.empty());
+    EXPECT_FALSE(commands.isScripting());
+}
+
+TEST_F(CommandLineTest, WhatAReactorThrowsLeavesTheLineReady)
+{
+    struct Throwing : TvEditorReactor {
+        void sysVarChanged(const TvChar*) override { throwErrorStatus(kvErrOutOfRange); }
+    } throwing;
+    editor.addReactor(&throwing);
+    commands.startScript(u"SSLOCATE 0\nPLAIN\n");
+    EXPECT_THROW(commands.work(), KvErrorStatus);
+    editor.removeReactor(&throwing);
+    commands.stopScript();
+    type(u"PLAIN\n");
+    EXPECT_EQ(g_got, (Told{"plain"}));
+    EXPECT_FALSE(commands.isScripting());
+}
+
+TEST_F(CommandLineTest, TheProgramHearsOfWhatIsPosted)
+{
+    struct Program : ed::ProgramControl {
+        void quit() override {}
+        bool showHelp(const TvString&) override { return false; }
+        void recentFilesChanged() override {}
+        void posted() override { ++count; }
+        int count = 0;
+    } program;
+    ed::setProgramControl(&program);
+    tvedPostCommand(u"PLAIN\n");
+    ed::setProgramControl(nullptr);
+    EXPECT_EQ(program.count, 1);
+    EXPECT_TRUE(g_got.empty()) << "it runs when the program lets it";
+    commands.work();
+    EXPECT_EQ(g_got, (Told{"plain"}));
 }
 
 TEST_F(CommandLineTest, WhatACommandPostsComesAfterIt)

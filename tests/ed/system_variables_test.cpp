@@ -1,3 +1,4 @@
+#include <db/dictionary_variable.h>
 #include <ed/layouts.h>
 #include <ed/system_variables.h>
 #include <ed/tarv_sheet_set_internal.h>
@@ -42,7 +43,7 @@ TEST_F(VariablesTest, OfSheetSetsBeginAsUsersExpect)
     const std::pair<const TvChar*, int> expected[] = {
         {u"SSLOCATE", 1},     {u"SSMAUTOOPEN", 1},
         {u"SSMPOLLTIME", 60}, {u"SSMSHEETSTATUS", 2},
-        {u"SSKEEPCREATE", 0}, {u"COLORTHEME", 0},
+        {u"SSKEEPCREATE", 1}, {u"COLORTHEME", 0},
         {u"ATTREQ", 1},       {u"_KV_INSPECTORCONTROLSTYLES", 0},
     };
     for (const auto& [name, value] : expected) {
@@ -224,6 +225,35 @@ TEST_F(VariablesTest, TheCurrentLayerIsOneThatThereIs)
     EXPECT_TRUE(ed::setVariable(u"CLAYER", TvString(u"0")));
     EXPECT_TRUE(reactor.told.empty());
     EXPECT_EQ(ed::variable(u"TEXTSTYLE"), VariableValue(TvString(u"Standard")));
+}
+
+TEST_F(VariablesTest, TheCurrentTableStyleIsOneOfTheDrawings)
+{
+    TvDbDatabase made(true, true);
+    tvdbHostApplicationServices()->setWorkingDatabase(&made);
+    EXPECT_EQ(ed::variable(u"CTABLESTYLE"), VariableValue(TvString(u"Standard"))) << "none yet";
+    EXPECT_FALSE(ed::setVariable(u"CTABLESTYLE", TvString(u"Sheets")));
+    made.startUndoRecord();
+    const TvDbObjectId styles = db::neededDictionaryEntry(made.namedObjectsDictionaryId(),
+                                                          u"ACAD_TABLESTYLE", "DICTIONARY");
+    ASSERT_TRUE(db::neededDictionaryEntry(styles, u"Sheets", "TABLESTYLE"));
+    made.startUndoRecord();
+    TvResbufPtr item(tvutNewRb(5003));
+    EXPECT_EQ(set(u"ctablestyle", TvResbufPtr(tvutBuildList(5005, TvString(u"SHEETS")))), 5100);
+    EXPECT_EQ(get(u"CTABLESTYLE", item), 5100);
+    EXPECT_EQ(item->restype, 5005);
+    EXPECT_EQ(TvString(item->resval.rstring), u"Sheets") << "as its dictionary spells it";
+    EXPECT_EQ(db::dictionaryVariable(made, u"CTABLESTYLE"), u"Sheets");
+    EXPECT_TRUE(ed::setVariable(u"CTABLESTYLE", TvString(u"Sheets")));
+    EXPECT_EQ(reactor.told, (Told{"changed CTABLESTYLE"})) << "the same again is no change";
+    EXPECT_EQ(made.undo(), TvStatus::Ok);
+    EXPECT_EQ(ed::variable(u"CTABLESTYLE"), VariableValue(TvString(u"Standard")));
+}
+
+TEST_F(VariablesTest, ATableStyleThatIsGoneIsStillTold)
+{
+    EXPECT_EQ(db::setDictionaryVariable(drawing, u"CTABLESTYLE", u"Gone"), TvStatus::Ok);
+    EXPECT_EQ(ed::variable(u"CTABLESTYLE"), VariableValue(TvString(u"Gone")));
 }
 
 TEST_F(VariablesTest, AllThatAreToldOfCanBeReadAndStandInOrder)

@@ -74,7 +74,7 @@ TEST_F(ToolCommandTest, HelpAsksTheProgramAndElseTellsWhatItKnows)
     hasHelp = false;
     type(u"HELP z\nHELP nonsense\n");
     EXPECT_EQ(told(),
-              (Names{"say 23251 ZOOM Shows more or less of the drawing.", "say 23160 nonsense"}));
+              (Names{"say 23251 ZOOM Shows more or less of the drawing.", "say 23001 nonsense"}));
     type(u"?\n\n");
     EXPECT_EQ(said(), std::vector<int>(20, 23251));
 }
@@ -90,7 +90,7 @@ TEST_F(ToolCommandTest, VariablesAreListedAndSet)
     EXPECT_EQ(ed::variable(u"CTAB"), ed::VariableValue(TvString(u"Layout1")));
     EXPECT_TRUE(told().empty());
     type(u"SETVAR DWGNAME\nSETVAR nonsense\n");
-    EXPECT_EQ(told(), (Names{"say 23002 DWGNAME a.dwg", "say 23160 nonsense"}));
+    EXPECT_EQ(told(), (Names{"say 23002 DWGNAME a.dwg", "say 23256 nonsense"}));
     type(u"SETVAR ?\n");
     const Names lines = told();
     EXPECT_NE(std::ranges::find(lines, "say 23253 LTSCALE 3.5"), lines.end());

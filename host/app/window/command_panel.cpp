@@ -112,6 +112,12 @@ void CommandPanel::work()
         onWorked();
 }
 
+void CommandPanel::workSoon()
+{
+    QMetaObject::invokeMethod(
+        this, [this] { work(); }, Qt::QueuedConnection);
+}
+
 void CommandPanel::refuseAll()
 {
     m_refusesAll = true;

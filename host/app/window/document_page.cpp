@@ -89,6 +89,7 @@ void DocumentPage::refreshTabs()
                 else
                     m_tabs->addTab(ui::icon(i == 0 ? u"model" : u"layout"), text);
             }
+            m_tabs->updateGeometry(); // a bar that is not shown yet does not tell its new height
         }
         m_layouts = std::move(layouts);
         m_names = std::move(names);

@@ -501,6 +501,11 @@ void MainWindow::quit()
     });
 }
 
+void MainWindow::posted()
+{
+    m_commands->workSoon();
+}
+
 bool MainWindow::showHelp(const TvString&)
 {
     return false; // the command line says what it knows

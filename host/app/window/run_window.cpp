@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <clocale>
 #include <csignal>
+#include <optional>
 
 #include <QApplication>
 #include <QSocketNotifier>
@@ -24,6 +25,7 @@
 
 #include "window/command_panel.h"
 #include "window/document_page.h"
+#include "window/guarded_application.h"
 #include "window/main_window.h"
 #include "window/single_instance.h"
 
@@ -139,9 +141,42 @@ private:
     std::vector<app::LostSession> m_lost;
 };
 
+/// Answers for a run that nobody watches: the standard button of each question, told at the console
+/// like every message. A question in a window would wait for ever.
+class StandardAnswers : public TvUserMessages
+{
+public:
+    explicit StandardAnswers(app::ConsolePrompts& console) : m_console(console) {}
+    Answer show(const Message& message) override
+    {
+        const Answer refusal = m_console.show(message);
+        return message.buttons == Buttons::Ok ? refusal : message.standard;
+    }
+
+private:
+    app::ConsolePrompts& m_console; // not owned; of the same function
+};
+
+/// Until each widget has the place that it keeps, and the drawing is painted in it.
+void settle(MainWindow& window)
+{
+    constexpr int kRounds = 5; // a layout that is done may ask for another one
+    for (int i = 0; i < kRounds; ++i) {
+        QApplication::processEvents();
+        window.synchronise();
+    }
+    if (DocumentPage* page = window.currentPage())
+        page->canvas().finishPainting();
+}
+
 void openAtStart(MainWindow& window, const app::Options& options, const app::HeadlessPorts& ports)
 {
+    const bool isWatched = options.hidden.empty();
+    if (!isWatched)
+        window.commandPanel().refuseAll(); // what the script does not answer nobody does
     window.openFiles(options.files);
+    if (!isWatched)
+        settle(window); // a view is made for the window as it will be
     app::runStartScript(options, ports);
     window.synchronise();
 }
@@ -155,9 +190,7 @@ void obeyHidden(MainWindow& window, const std::string& order)
         window.autosave();
         std::raise(SIGSEGV);
     } else if (order.starts_with(kPicture)) {
-        QApplication::processEvents();
-        if (DocumentPage* page = window.currentPage())
-            page->canvas().finishPainting();
+        settle(window);
         const bool isSaved =
             window.grab().save(QString::fromStdString(order.substr(kPicture.size())));
         QCoreApplication::exit(
@@ -170,11 +203,16 @@ app::ExitCode runProgram(QApplication& application, SingleInstance& instance,
                          const app::HeadlessPorts& ports)
 {
     app::CrashReporter crashes(below(folders.state, u"crashes"), app::programVersion());
-    FormerRuns former(folders);
+    const bool isWatched = options.hidden.empty();
+    std::optional<FormerRuns> former; // a run that nobody watches leaves them to the next one
+    if (isWatched)
+        former.emplace(folders);
     app::RecoveryKeeper recovery(below(folders.state, u"sessions"));
     ui::MessageWindows messages;
     app::ConsolePrompts console(ports.out, ports.err); // until the window is there
-    app::Program program({folders, &console, &messages});
+    StandardAnswers answers(console);
+    TvUserMessages& asked = isWatched ? static_cast<TvUserMessages&>(messages) : answers;
+    app::Program program({folders, &console, &asked});
     const WindowServices services(folders.state);
     const ui::ThemeManager theme;
     int code = 0;
@@ -186,7 +224,8 @@ app::ExitCode runProgram(QApplication& application, SingleInstance& instance,
             window.takeOver(handover.files);
         };
         QTimer::singleShot(0, &window, [&] {
-            former.tell(window);
+            if (former)
+                former->tell(window);
             openAtStart(window, options, ports);
             obeyHidden(window, options.hidden);
         });
@@ -201,7 +240,8 @@ app::ExitCode runProgram(QApplication& application, SingleInstance& instance,
         ed::setUserPrompts(nullptr);
     }
     static_cast<void>(application);
-    former.end();
+    if (former)
+        former->end();
     return static_cast<app::ExitCode>(code);
 }
 
@@ -210,14 +250,18 @@ app::ExitCode runProgram(QApplication& application, SingleInstance& instance,
 app::ExitCode runWindow(const app::Options& options, const app::ProgramFolders& folders,
                         const app::HeadlessPorts& ports, int& argc, char** argv)
 {
-    QApplication application(argc, argv);
+    GuardedApplication application(argc, argv);
+    application.onFailure = [](const TvString& what) {
+        if (ed::UserPrompts* prompts = ed::userPrompts())
+            prompts->say(static_cast<int>(app::Word::InternalError), {what});
+    };
     std::setlocale(LC_NUMERIC, "C"); // numbers never go through a locale
     QApplication::setApplicationName(QStringLiteral("tarvik"));
     QApplication::setApplicationDisplayName(ui::toQt(GetOemProductName()));
     QApplication::setApplicationVersion(ui::toQt(app::programVersion()));
     QApplication::setDesktopFileName(QStringLiteral("org.tarvik.Tarvik"));
     SingleInstance instance(folders.runtime);
-    if (!options.wantsNewInstance) {
+    if (!options.wantsNewInstance && options.hidden.empty()) {
         app::Handover handover;
         for (const TvString& file : options.files)
             handover.files.push_back(app::absolutePath(file));

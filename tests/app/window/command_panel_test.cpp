@@ -3,6 +3,7 @@
 #include <QTimer>
 #include <QToolButton>
 
+#include <ed/system_variables.h>
 #include <ed/user_prompts.h>
 
 namespace {
@@ -73,6 +74,27 @@ TEST_F(CommandPanelTest, AMenuCancelsWhatAsks)
     whileAsking([this] { main->commandPanel().run(u"NOSUCHTHING"); });
     EXPECT_EQ(g_result, ed::kCancelled);
     EXPECT_NE(said().find("NOSUCHTHING"), std::string::npos) << said();
+}
+
+TEST_F(CommandPanelTest, WhatIsPostedRunsWithoutAKey)
+{
+    open("a.dwg");
+    tvedPostCommand(u"\u001BCTAB Layout1\n");
+    EXPECT_EQ(ed::variable(u"CTAB"), ed::VariableValue(TvString(u"Model"))) << "not at once";
+    settle();
+    EXPECT_EQ(ed::variable(u"CTAB"), ed::VariableValue(TvString(u"Layout1")));
+}
+
+TEST_F(CommandPanelTest, WhatIsPostedCancelsTheCommandThatAsksAndRunsThen)
+{
+    open("a.dwg");
+    QTimer::singleShot(0, [] { tvedPostCommand(u"\u001BCTAB Layout1\n"); });
+    QTimer::singleShot(10000, main.get(), [&] { main->commandPanel().refuseAll(); });
+    type("LAYOUT Rename");
+    settle();
+    EXPECT_FALSE(main->commandPanel().isAsking());
+    EXPECT_EQ(ed::variable(u"CTAB"), ed::VariableValue(TvString(u"Layout1")));
+    EXPECT_NE(said().find("*Cancel*"), std::string::npos) << said();
 }
 
 TEST_F(CommandPanelTest, TheEndOfTheProgramRefusesQuestions)

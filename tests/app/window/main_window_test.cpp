@@ -49,6 +49,14 @@ TEST_F(WindowTest, LayoutTabsFollowTheDrawingAndTheDrawingFollowsThem)
     EXPECT_EQ(ed::currentLayoutName(*page.document().database()), u"Model");
 }
 
+TEST_F(WindowTest, LayoutTabsOfTheFirstDrawingAreSeenAtOnce)
+{
+    window::DocumentPage& page = open("a.dwg");
+    EXPECT_GE(page.layoutTabs().height(), page.layoutTabs().sizeHint().height());
+    EXPECT_EQ(page.layoutTabs().geometry().bottom(), page.rect().bottom());
+    EXPECT_LE(page.canvas().geometry().bottom(), page.layoutTabs().geometry().top());
+}
+
 TEST_F(WindowTest, EachLayoutKeepsItsViewWhileTheDrawingIsOpen)
 {
     DocumentPage& page = open("a.dwg");

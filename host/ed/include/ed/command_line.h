@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <exception>
 
 #include <base/tv_string.h>
 
@@ -14,7 +15,11 @@ enum CommandLineText : int {
     kVariableReadOnly = 23002, ///< 1: variable, 2: its value
     kNoValueFor = 23003,       ///< 1: variable, 2: what was typed
     kCommandCancelled = 23004,
+    kCommandFailed = 23005, ///< 1: command, 2: what it threw
 };
+
+/// What was thrown: its text, or its number where it has none; empty when nothing is known of it.
+TvString wordsOfFailure(const std::exception_ptr& thrown);
 
 /// Works off what is typed, posted or read from a script: words that name commands or system
 /// variables, and the answers to what they ask.
@@ -23,6 +28,9 @@ enum CommandLineText : int {
 /// other: what a command posts comes after it, unless the command asks for it. The escape character
 /// cancels the command that asks, and the word that is being typed; otherwise it is nothing. A
 /// command that is cancelled ends the script that it came from.
+///
+/// What a command throws ends the command, not the program: it is told, and counts as cancelled.
+/// What it had changed by then can be undone.
 class CommandLine
 {
 public:
@@ -58,8 +66,9 @@ public:
 
 private:
     bool takeWord(TvString& out);
-    void perform(const TvString& word);
+    void perform(const TvString& typed);
     void run(TvEdCommand& command);
+    bool call(void (*function)(), const TvString& name);
 
     std::deque<TvChar> m_input;
     std::deque<TvChar> m_script; // taken before the input

@@ -20,6 +20,10 @@ public:
     virtual void recentFilesChanged() = 0;
     /// Layouts of a document were renamed by other means than a command: its tabs are drawn anew.
     virtual void layoutsChanged(TvApDocument& /*document*/) {}
+    /// Text was put into the command line by other means than its keyboard: it is to be worked off
+    /// (CommandLine::work()), and a question that waits is to look at it, but not before who posted
+    /// it is done.
+    virtual void posted() {}
 };
 
 /// Closes all documents, after the user was asked about each that has changes. First all are asked

@@ -43,6 +43,9 @@ public:
     /// Runs a command from a menu: what runs is cancelled first.
     void run(const TvString& text);
     void cancel();
+    /// Works off what was posted, or lets the question that waits look at it, at the next turn of
+    /// the event loop.
+    void workSoon();
     bool isAsking() const { return m_asking > 0; }
     /// Answers all questions as cancelled from now on: the program ends.
     void refuseAll();

@@ -66,6 +66,7 @@ public:
     bool showHelp(const TvString& topic) override;
     void recentFilesChanged() override;
     void layoutsChanged(TvApDocument&) override { m_soon.start(); }
+    void posted() override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
