@@ -188,6 +188,7 @@ void sheetNewOptions(OptionList& list, Invocation& into)
     list.file("--template", sheet.templateFile, Word::HelpSheetTemplate);
     list.text("--layout", "NAME", sheet.templateLayout, Word::HelpSheetTemplateLayout);
     list.text("--file", "NAME", sheet.fileName, Word::HelpSheetFile);
+    list.file("--folder", sheet.folder, Word::HelpSheetFolder)->type_name("DIR");
     dryRunOption(list, into);
 }
 

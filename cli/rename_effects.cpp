@@ -63,7 +63,10 @@ TvString clashWords(const Effect& effect)
 
 TvString fromTo(const TvString& from, const TvString& to)
 {
-    return from == to ? from : words(Word::EffectFromTo, from, to);
+    const auto shown = [](const TvString& name) {
+        return name.isEmpty() ? TvString(u"\"\"") : name;
+    };
+    return from == to ? from : words(Word::EffectFromTo, shown(from), shown(to));
 }
 
 TvString nameOf(const TvString& path)

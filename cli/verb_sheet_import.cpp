@@ -72,12 +72,16 @@ private:
     bool m_hasFailed = false;
 };
 
-std::vector<TvSmSheet*> make(TvSmSubset& parent, const Choice& choice, bool withPrefix)
+std::vector<TvSmSheet*> make(ChangedSet& set, TvSmSubset& parent, const Choice& choice,
+                             bool withPrefix)
 {
     std::vector<TvSmSheet*> sheets;
     for (const LayoutRow* row : choice.rows())
-        sheets.push_back(operations::makeImportedSheet(parent, *row, withPrefix));
-    operations::placeImportedSheets(parent, sheets, nullptr);
+        if (TvSmSheet* sheet = operations::makeImportedSheet(parent, *row, withPrefix))
+            sheets.push_back(sheet);
+    if (sheets.size() != choice.rows().size() ||
+        !operations::placeImportedSheets(parent, sheets, nullptr))
+        refuse(sm::lastStatus(&set.database()), Doing::Writing);
     return sheets;
 }
 
@@ -110,7 +114,7 @@ ExitCode importSheets(const SheetImportRequest& request, Console& console)
     const Choice choice(request, loaded, console);
     if (choice.rows().empty())
         refuse(ExitCode::NoInput, Word::ImportNothing);
-    const std::vector<TvSmSheet*> sheets = make(parent, choice, !request.noPrefix);
+    const std::vector<TvSmSheet*> sheets = make(set, parent, choice, !request.noPrefix);
     set.commit();
     report(sheets, loaded, parent, request, console);
     return isOneUnreadable || choice.hasFailed() ? ExitCode::PartlyFailed : ExitCode::Ok;

@@ -71,9 +71,12 @@ SheetTemplate templateFor(const SheetNewRequest& request, const TvSmSubset& pare
     return which;
 }
 
-TvString folderFor(const TvSmSubset& parent)
+TvString folderFor(const SheetNewRequest& request, const TvSmSubset& parent)
 {
-    TvString folder = operations::newSheetFolder(parent);
+    TvString folder =
+        request.folder.isEmpty() ? operations::newSheetFolder(parent) : fullPath(request.folder);
+    if (folder.isEmpty())
+        refuse(ExitCode::NoInput, Word::NoSheetFolderSet);
     if (!KvFileSystem::isDirectory(folder))
         refuse(ExitCode::NoInput, Word::NoSheetFolder, folder);
     return folder;
@@ -146,7 +149,7 @@ ExitCode make(const SheetNewRequest& request, Console& console)
     const NewSheetFields fields{
         request.number, request.title,
         request.fileName.value_or(operations::composedFileName(request.number, request.title))};
-    const TvString folder = folderFor(parent);
+    const TvString folder = folderFor(request, parent);
     const NewSheetPlan plan = planFor(fields, parent, folder);
     const SheetTemplate from = templateFor(request, parent);
     const TvString layout = makeDrawing(set, plan, from);

@@ -17,19 +17,6 @@ bool isOpenHere(const TvString& path)
     return tvDocManagerPtr() && tvDocManagerPtr()->documentOf(path);
 }
 
-/// Moves the file while nobody can begin to use it.
-bool move(const TvString& oldPath, const TvString& newPath)
-{
-    if (!KvFileSystem::isFileExisting(oldPath) || isOpenHere(oldPath))
-        return false;
-    const TvDbDatabase use(false, true);
-    if (!db::beginUse(use, oldPath, u"rename"))
-        return false;
-    const bool isMoved = KvFileSystem::moveFile(oldPath, newPath);
-    db::endUse(use);
-    return isMoved;
-}
-
 /// All of them, or none: those that follow already go back when one cannot.
 bool repoint(const std::vector<TvSmSheet*>& sheets, const TvString& path)
 {
@@ -49,6 +36,19 @@ bool repoint(const std::vector<TvSmSheet*>& sheets, const TvString& path)
 
 } // namespace
 
+/// Nobody can begin to use the file meanwhile.
+bool core::moveDrawing(const TvString& oldPath, const TvString& newPath)
+{
+    if (newPath.isEmpty() || !KvFileSystem::isFileExisting(oldPath) || isOpenHere(oldPath))
+        return false;
+    const TvDbDatabase use(false, true);
+    if (!db::beginUse(use, oldPath, u"rename"))
+        return false;
+    const bool isMoved = KvFileSystem::moveFile(oldPath, newPath);
+    db::endUse(use);
+    return isMoved;
+}
+
 bool RenameDrawingOfSheets(const TvString& oldPath, const TvString& newPath)
 {
     TvSmDatabase* database = GetCurrentDatabase();
@@ -62,7 +62,7 @@ bool RenameDrawingOfSheets(const TvString& oldPath, const TvString& newPath)
     }
     std::vector<TvSmSheet*> sheets;
     KvDbUtil::GetAllSheetOfOneDwgInSheetSet(database->getSheetSet(), oldPath.kwszPtr(), sheets);
-    if (!move(oldPath, newPath))
+    if (!core::moveDrawing(oldPath, newPath))
         return false;
     if (repoint(sheets, newPath) && (!ours || ours.commit()))
         return true;

@@ -205,8 +205,9 @@ Status takeBack(base::FileOps& ops, const TvString& path, RenameJournal& journal
     return {};
 }
 
-/// The journal becomes the note of what can be taken back.
-Status finish(base::FileOps& ops, const TvString& setPath, RenameJournal& journal)
+/// The journal becomes the note of what can be taken back. As long as there is another try, it
+/// waits for the former contents to be gone.
+Status finish(base::FileOps& ops, const TvString& setPath, RenameJournal& journal, bool isLastTry)
 {
     const TvString path = renameJournalPath(setPath);
     if (journal.stage != RenameStage::Done) {
@@ -214,7 +215,8 @@ Status finish(base::FileOps& ops, const TvString& setPath, RenameJournal& journa
         if (Status status = writeJournal(ops, path, journal); !status)
             return status;
     }
-    RenameFiles(ops, journal).removeFormer();
+    if (!RenameFiles(ops, journal).removeFormer() && !isLastTry)
+        return {};
     const int error = ops.rename(base::nativePath(path), base::nativePath(renameUndoPath(setPath)));
     return error ? Status::fromSystem(error, path) : Status();
 }
@@ -269,7 +271,7 @@ Status applyRename(TvSmDatabase& database, const RenamePlan& plan,
     const Status prepared = prepare(ops, database, journal);
     if (prepared && (commit() || wasWritten(database, journal))) {
         // The names are what they shall be; what cannot be cleared away now is at the next time.
-        const Status ignored = finish(ops, setPath, journal);
+        const Status ignored = finish(ops, setPath, journal, false);
         static_cast<void>(ignored);
         return {};
     }
@@ -303,7 +305,7 @@ base::Result<RenameRecovery> recoverRename(TvSmDatabase& database)
         (journal->stage == RenameStage::Arriving &&
          sm::committedHash(&database) != journal->before && hasNewNames(database, *journal));
     const Status status =
-        isWritten ? finish(ops, setPath, *journal) : takeBack(ops, path, *journal);
+        isWritten ? finish(ops, setPath, *journal, true) : takeBack(ops, path, *journal);
     if (!status)
         return status;
     return isWritten ? RenameRecovery::Finished : RenameRecovery::TakenBack;

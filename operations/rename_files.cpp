@@ -178,11 +178,16 @@ Status RenameFiles::takeBackLeaves()
     return flushFolders();
 }
 
-void RenameFiles::removeFormer()
+bool RenameFiles::removeFormer()
 {
-    for (std::size_t i = 0; i < m_journal.drawings.size(); ++i)
-        if (m_journal.drawings[i].hasNewContent)
-            m_ops.remove(m_journal.asidePath(i));
+    bool areGone = true;
+    for (std::size_t i = 0; i < m_journal.drawings.size(); ++i) {
+        if (!m_journal.drawings[i].hasNewContent)
+            continue;
+        const int error = m_ops.remove(m_journal.asidePath(i));
+        areGone = areGone && (error == 0 || error == ENOENT);
+    }
+    return areGone;
 }
 
 Status RenameFiles::flushFolders()

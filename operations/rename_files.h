@@ -28,8 +28,8 @@ public:
     base::Status takeBackArrivals();
     /// All that left are at their old names again, and new contents are gone.
     base::Status takeBackLeaves();
-    /// Nobody needs the former contents any more.
-    void removeFormer();
+    /// Nobody needs the former contents any more. @return whether all are gone.
+    bool removeFormer();
     /// Down to the disk: the folders' names.
     base::Status flushFolders();
     /// Whether the drawing takes part in the moves at all.

@@ -31,6 +31,14 @@ TvString folded(const TvString& name)
     return name.toLower();
 }
 
+constexpr TvChar kExtension[] = u".dwg";
+
+/// Such a file would be hidden.
+bool isExtensionAlone(const TvString& name)
+{
+    return name.trimmed().compareNoCase(kExtension) == 0;
+}
+
 bool hasOtherNames(const TvString& path)
 {
     base::FileInfo info;
@@ -133,10 +141,11 @@ private:
         const TvString folder = paths().folderOf(drawing.oldPath);
         if (drawing.clash != Clash::None || name == paths().fileNameOf(drawing.oldPath))
             return;
-        if (HasUnsupportedNameChar(name) || !base::PathRules::isValidNewName(name.view()))
+        if (HasUnsupportedNameChar(name) || !base::PathRules::isValidNewName(name.view()) ||
+            isExtensionAlone(name))
             return note(drawing, Clash::FileName, name);
         drawing.newPath = paths().join(folder, name);
-        if (drawing.newPath.length() > base::PathRules::kMaxNewPath)
+        if (drawing.newPath.length() >= base::PathRules::kMaxNewPath)
             note(drawing, Clash::FilePathTooLong, drawing.newPath);
     }
 
@@ -303,7 +312,7 @@ std::vector<SheetTarget> renumberTargets(const TvSmSubset& scope, const SheetNum
         if (options.renamesLayouts && sheet->getLayoutReference())
             target.layout = name;
         if (options.renamesFiles && sheet->getLayoutReference())
-            target.file = name + u".dwg";
+            target.file = name + kExtension;
         targets.push_back(std::move(target));
     }
     return targets;

@@ -150,6 +150,8 @@ RenameOutcome SheetRename::drawingGone()
 
 RenameOutcome SheetRename::apply(const RenameNames& typed, const RenameOptions& options)
 {
+    if (!m_sheet)
+        return RenameOutcome::NoLayout;
     RenameNames names = typed;
     if (const RenameOutcome refused = check(names); refused != RenameOutcome::Done)
         return refused;

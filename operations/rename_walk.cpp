@@ -1,7 +1,9 @@
 #include "operations/rename_walk.h"
 
+#include <ranges>
 #include <vector>
 
+#include <core/rename_drawing.h>
 #include <sm/change_scope.h>
 #include <sm/tv_sm_sheet.h>
 
@@ -12,10 +14,17 @@ namespace operations {
 
 namespace {
 
-/// A sheet as it was before its dialog.
+/// Where a sheet's drawing is, and what its layout is called.
+struct Place {
+    TvString path; ///< where it was found; empty when it leads nowhere
+    TvString layoutName;
+};
+
+/// A sheet on the walk.
 struct Visited {
     TvString handle;
-    TvString fileName, layoutName;
+    Place before; ///< its dialog; the layout's name as that has found it
+    Place after;
 };
 
 TvSmTvDbLayoutReference* layoutOf(TvSmDatabase& database, const TvString& handle)
@@ -24,14 +33,14 @@ TvSmTvDbLayoutReference* layoutOf(TvSmDatabase& database, const TvString& handle
     return sheet ? sheet->getLayoutReference() : nullptr;
 }
 
-bool takeBack(TvSmDatabase& database, const Visited& before)
+bool takeBack(TvSmDatabase& database, const Visited& visited)
 {
-    TvSmTvDbLayoutReference* layout = layoutOf(database, before.handle);
+    TvSmTvDbLayoutReference* layout = layoutOf(database, visited.handle);
     if (!layout)
         return false;
-    RenameSheetDrawing(layout->getFileName(), before.fileName);
-    if (layout->getName().compare(before.layoutName) != 0)
-        RenameLayoutOfSheet(layout, before.layoutName);
+    RenameSheetDrawing(layout->resolveFileName(), visited.before.path);
+    if (layout->getName().compare(visited.before.layoutName) != 0)
+        RenameLayoutOfSheet(layout, visited.before.layoutName);
     return true;
 }
 
@@ -42,6 +51,19 @@ void takeAllBack(TvSmDatabase& database, std::vector<Visited> visited, bool isLa
         visited.pop_back();
     while (!visited.empty() && takeBack(database, visited.back()))
         visited.pop_back();
+}
+
+/// The set could not be written, and has its former names again: the drawings follow it.
+/// Layouts come last, since a sheet finds its drawing only where that was at first.
+void followRolledBack(TvSmDatabase& database, const std::vector<Visited>& visited)
+{
+    const auto fromTheLast = std::views::reverse(visited);
+    for (const Visited& each : fromTheLast)
+        if (each.after.path != each.before.path)
+            core::moveDrawing(each.after.path, each.before.path);
+    for (const Visited& each : fromTheLast)
+        if (each.after.layoutName != each.before.layoutName)
+            RenameLayoutOfSheet(layoutOf(database, each.handle), each.before.layoutName);
 }
 
 } // namespace
@@ -57,16 +79,25 @@ bool renameSheets(TvSmDatabase* database, RenameWalkPorts& ports)
         const TvSmTvDbLayoutReference* layout = sheet->getLayoutReference();
         if (!layout)
             break;
-        Visited& now =
-            visited.emplace_back(sheet->objectId().getHandle(), layout->getFileName(), TvString());
-        const RenameStep step = ports.runDialog(*sheet, now.layoutName);
+        Visited& now = visited.emplace_back();
+        now.handle = sheet->objectId().getHandle();
+        now.before.path = layout->resolveFileName();
+        const RenameStep step = ports.runDialog(*sheet, now.before.layoutName);
         if (step == RenameStep::Cancel) {
             isLastApplied = false;
             break;
         }
         ports.labelChanged();
-        if (step == RenameStep::Ok)
-            return scope.commit();
+        if (const TvSmTvDbLayoutReference* changed = layoutOf(*database, now.handle))
+            now.after = {changed->resolveFileName(), changed->getName()};
+        else
+            now.after = now.before;
+        if (step == RenameStep::Ok) {
+            if (scope.commit())
+                return true;
+            followRolledBack(*database, visited);
+            return false;
+        }
         step == RenameStep::Previous ? ports.selectPrevious() : ports.selectNext();
     }
     takeAllBack(*database, std::move(visited), isLastApplied);

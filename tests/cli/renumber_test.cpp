@@ -113,6 +113,21 @@ TEST_F(RenumberToolTest, ASheetIsRenamedWithItsLayoutAndDrawing)
     EXPECT_EQ(run({"sheet", "rename", m_plan, "--layout", "A2"}).code, cli::ExitCode::CheckFailed);
 }
 
+TEST_F(RenumberToolTest, AnEmptyNameIsShownAsOne)
+{
+    const Said said = run({"sheet", "rename", m_plan, "--number", "", "-n"});
+    EXPECT_NE(said.out.find("1 > \"\""), std::string::npos) << said.out;
+}
+
+TEST_F(RenumberToolTest, NoDrawingIsHiddenByItsNewName)
+{
+    for (const char* name : {"", ".dwg"}) {
+        EXPECT_EQ(run({"sheet", "rename", m_plan, "--file", name}).code,
+                  cli::ExitCode::CheckFailed);
+        EXPECT_TRUE(isThere("plan.dwg"));
+    }
+}
+
 TEST_F(RenumberToolTest, WrongUsageIsRefusedBeforeTheSetIsOpened)
 {
     for (const std::vector<std::string>& line :

@@ -132,6 +132,24 @@ TEST_F(SheetNew, WithoutTemplateOrFolderItSaysWhatIsMissing)
     const SampleFolder bare;
     const Said said = runLine({"sheet", "new", bare.native(), "--title", "T"});
     EXPECT_EQ(said.code, ExitCode::NoInput);
+    EXPECT_NE(said.err.find("E24029"), std::string::npos) << said.err;
+    EXPECT_NE(said.err.find("--folder"), std::string::npos) << said.err;
+}
+
+TEST_F(SheetNew, ASetWithoutFolderAndTemplateGetsThemFromTheLine)
+{
+    const SampleFolder bare;
+    const std::string to = bare.folder().path().string();
+    const Said said =
+        runLine({"sheet", "new", bare.native(), "--title", "Entrance", "--folder", to, "--template",
+                 (sample.folder().path() / "office.dwt").string(), "--layout", "A1", "--json"});
+    ASSERT_EQ(said.code, ExitCode::Ok) << said.err;
+    EXPECT_EQ(said.json()["drawing"], to + "/Entrance.dwg");
+    EXPECT_EQ(run({"--title", "Elsewhere", "--folder", to}).code, ExitCode::Ok)
+        << "the set's own is passed over";
+    EXPECT_TRUE(std::filesystem::exists(to + "/Elsewhere.dwg"));
+    EXPECT_NE(run({"--title", "T", "--folder", to + "/gone"}).err.find("E24027"),
+              std::string::npos);
 }
 
 } // namespace

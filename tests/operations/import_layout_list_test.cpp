@@ -222,6 +222,42 @@ TEST_F(ImportListTest, ColumnsSortByCaseAndTurnWithEachClickFromListToList)
     EXPECT_TRUE(second.sort(-1, directions).empty());
 }
 
+TEST_F(ImportListTest, ManyRowsOfEqualTextStayInTheirOrder)
+{
+    Paths layouts;
+    for (int i = 0; i < 40; ++i)
+        layouts.push_back(TvString().format(u"L%02d", i));
+    SortDirections directions;
+    ImportLayoutList list(ground);
+    list.load(Paths{drawing("many.dwg", layouts)});
+    const Lines before = shown(list);
+    list.sort(2, directions);
+    EXPECT_EQ(shown(list), before);
+    list.sort(2, directions);
+    EXPECT_EQ(shown(list), before);
+}
+
+TEST_F(ImportListTest, ANameThatIsLongerThanASheetsIsMadeAllTheSame)
+{
+    const TvString longName(std::u16string(100, u'n'));
+    ImportLayoutList list(ground);
+    list.load(Paths{drawing("long.dwg", {longName})});
+    ASSERT_TRUE(list.accept(true, made));
+    EXPECT_EQ(namesOf(made), Lines{"long - " + longName.utf8()});
+    EXPECT_TRUE(messages.asked.empty());
+}
+
+TEST_F(ImportListTest, ForOneSheetALayoutInUseMayBeTickedAndNothingChanges)
+{
+    use(u"Level 2");
+    ImportLayoutList list(cover);
+    list.load(Paths{plans});
+    list.setTicked(1, true);
+    EXPECT_TRUE(list.accept(true, made));
+    EXPECT_EQ(cover->getLayoutReference()->getName(), u"Level 2");
+    EXPECT_TRUE(messages.asked.empty());
+}
+
 TEST_F(ImportListTest, ForOneSheetNothingIsTickedAndOneTickTakesTheOthersAway)
 {
     ImportLayoutList list(cover);
@@ -278,6 +314,10 @@ TEST_F(ImportListTest, SettingsAreThoseOfTheUserAndWidthsAboveZero)
     EXPECT_EQ(settings.widths[1], 150) << "zero counts as missing";
     EXPECT_EQ(settings.widths[2], 300) << "so does what is below";
     EXPECT_FALSE(settings.withPrefix);
+    settings.withPrefix = true;
+    settings.write();
+    EXPECT_TRUE(ReadConfigInt(keys + u"Prefix", stored));
+    EXPECT_EQ(stored, 1);
 }
 
 TEST_F(ImportListTest, SheetsGetThePropertiesOfSheetsAndStandInTheirOrder)

@@ -165,6 +165,15 @@ TEST_F(ImportLayoutsTest, OfFilesWhoseNamesDifferByCaseAreTheirOwn)
     EXPECT_EQ(rows({upper}), Lines{"PLANS.dwg: Level 1 404"});
 }
 
+TEST_F(ImportLayoutsTest, OfOneFileWithTwoNamesThatDifferByCaseAreInUseUnderBoth)
+{
+    const TvString lower = drawing("plans.dwg", {u"Level 1"});
+    use(house, lower, u"Level 1");
+    if (!std::filesystem::exists(folder.path() / "PLANS.dwg"))
+        std::filesystem::create_hard_link(folder.path() / "plans.dwg", folder.path() / "PLANS.dwg");
+    EXPECT_EQ(rows({path("PLANS.dwg")}), Lines{"PLANS.dwg: Level 1 406"});
+}
+
 TEST_F(ImportLayoutsTest, InTheOrderOfTabsStandAsTheDrawingShowsThem)
 {
     DrawingMaker maker;

@@ -68,6 +68,25 @@ TEST_F(SheetDrawingTest, EachSheetOfTheTemplatesThatComeWithTheProgramGivesADraw
         }
 }
 
+TEST_F(SheetDrawingTest, SheetsOfTheTemplatesThatComeWithTheProgramOpenInItOnTheirLayout)
+{
+    for (const auto& [name, sheet] :
+         {std::pair{"ISO sheets.dwt", u"ISO A3"}, std::pair{"Imperial sheets.dwt", u"ARCH D"}}) {
+        const std::string file = std::string("sheets/") + name + ".dwg";
+        ASSERT_TRUE(CreateSheetDrawingFromTemplate(house, folder.file(file), u"A-01 Plan",
+                                                   TvString(std::string(KV_TEMPLATES) + "/" + name),
+                                                   sheet, handle))
+            << name;
+        const TvApDocument* document = opened(file.c_str());
+        ASSERT_TRUE(document) << name;
+        EXPECT_FALSE(document->database()->tilemode()) << name;
+        DrawingMaker maker(*document->database());
+        const TvDbObjectPointer<TvDbLayout> layout(maker.layout(u"A-01 Plan"));
+        ASSERT_TRUE(layout) << name;
+        EXPECT_EQ(layout->getBlockTableRecordId(), document->database()->paperSpaceId()) << name;
+    }
+}
+
 TEST_F(SheetDrawingTest, TheChosenLayoutIsTheFirstPaperWhicheverOneItWas)
 {
     for (const TvChar* chosen : {u"A1", u"Cover", u"Details", u"A3"}) {
@@ -157,6 +176,17 @@ TEST_F(SheetDrawingTest, AFolderThatIsNotThereIsAFailureWithItsReason)
         house, {path("nowhere/new.dwg"), u"Sheet", path("house.dwt"), u"A1"});
     ASSERT_FALSE(made);
     EXPECT_EQ(made.status().failure(), base::Failure::Unreachable);
+}
+
+TEST_F(SheetDrawingTest, ADrawingThatMustBeNewReplacesNone)
+{
+    folder.write("sheets/new.dwg", "somebody's");
+    operations::SheetDrawing sheet{sheetPath("new.dwg"), u"Sheet", path("house.dwt"), u"A1"};
+    sheet.mustBeNew = true;
+    const auto made = operations::makeSheetDrawing(house, sheet);
+    ASSERT_FALSE(made);
+    EXPECT_EQ(made.status().failure(), base::Failure::Exists);
+    EXPECT_EQ(folder.read("sheets/new.dwg"), "somebody's");
 }
 
 TEST_F(SheetDrawingTest, ATrialDoesAllButTheFile)

@@ -117,6 +117,34 @@ TEST_F(TemplateChoiceTest, ATypedDrawingShowsItsLayoutsFirst)
     EXPECT_EQ(choice.chosen(), (operations::SheetTemplate{u"B1", other}));
 }
 
+TEST_F(TemplateChoiceTest, ATypedDrawingThatCannotBeListedStaysOpen)
+{
+    choice.load(house);
+    EXPECT_FALSE(choice.accept(drawing("empty.dwg", {})));
+    EXPECT_EQ(choice.layouts(), Names{});
+    EXPECT_EQ(asked(), Numbers{496});
+    EXPECT_FALSE(choice.accept(path("empty.dwg"))) << "nor the second time";
+    EXPECT_EQ(asked(), Numbers{496});
+}
+
+TEST_F(TemplateChoiceTest, ThePathIsComparedWithoutRegardToCase)
+{
+    choice.load(house);
+    std::filesystem::copy(folder.path() / "house.dwt", folder.path() / "HOUSE.dwt",
+                          std::filesystem::copy_options::skip_existing);
+    EXPECT_TRUE(choice.accept(path("HOUSE.dwt")));
+    EXPECT_EQ(choice.chosen().drawing, house) << "what is listed counts";
+}
+
+TEST_F(TemplateChoiceTest, ASelectionThatIsNotListedIsNone)
+{
+    choice.load(house);
+    choice.select(2);
+    EXPECT_EQ(choice.selected(), std::nullopt);
+    EXPECT_FALSE(choice.accept(house));
+    EXPECT_EQ(asked(), Numbers{403});
+}
+
 TEST_F(TemplateChoiceTest, WithoutALayoutThereIsNoOk)
 {
     choice.load(house);

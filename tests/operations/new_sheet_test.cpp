@@ -45,6 +45,10 @@ protected:
         const NewSheet::Answer answer = sheet.accept(fields, true);
         EXPECT_FALSE(answer.isDone);
         EXPECT_EQ(answer.focus, focus);
+        for (const TvUserMessages::Message& message : answers.asked) {
+            EXPECT_EQ(message.icon, TvUserMessages::Icon::Warning);
+            EXPECT_EQ(message.caption, message.text == 498 ? 497 : message.text == 500 ? 499 : 0);
+        }
         EXPECT_EQ(askedNumbers(), asked);
         EXPECT_EQ(std::exchange(window.told, {}), told);
         EXPECT_EQ(sheet.sheet(), nullptr);
@@ -96,6 +100,7 @@ TEST_F(NewSheetTest, WithoutATemplateTheUserMayChooseOneWhichBecomesThatOfTheSub
     NewSheet sheet = begun(ground);
     EXPECT_EQ(answers.asked.front().buttons, TvUserMessages::Buttons::OkCancel);
     EXPECT_EQ(answers.asked.front().caption, 410);
+    EXPECT_EQ(answers.asked.front().icon, TvUserMessages::Icon::Question);
     EXPECT_EQ(askedNumbers(), Numbers{495});
     ASSERT_TRUE(sheet.accept({u"2", u"Section", u"2 Section"}, false).isDone);
     EXPECT_EQ(operations::inheritedTemplate(*ground), window.choice);
@@ -112,6 +117,27 @@ TEST_F(NewSheetTest, WithoutATemplateCancelEndsItAndSoDoesAChoiceThatIsGivenUp)
     EXPECT_FALSE(NewSheet(*ground, window).begin());
     EXPECT_EQ(window.told, Told{"choose"});
     EXPECT_EQ(askedNumbers(), Numbers{495}) << "nothing more is said";
+}
+
+TEST_F(NewSheetTest, ATemplateThatIsReplacedKeepsItsReference)
+{
+    setTemplate(*ground, path("gone.dwt"), u"A1");
+    TvSmTvDbLayoutReference* reference = ground->getDefaultTemplateLayout();
+    answers.answers = {Answer::Ok};
+    window.choice = {u"A3", path("house.dwt")};
+    ASSERT_TRUE(begun(ground).accept({u"2", u"Section", u"2 Section"}, false).isDone);
+    EXPECT_EQ(ground->getDefaultTemplateLayout(), reference);
+    EXPECT_EQ(operations::inheritedTemplate(*ground), window.choice);
+}
+
+TEST_F(NewSheetTest, ATemplateAndAFolderAreLookedForBesideTheSet)
+{
+    setTemplate(*ground, u"house.dwt", u"A3");
+    setFolder(*ground, u"sheets");
+    EXPECT_EQ(operations::inheritedTemplate(*ground), (SheetTemplate{u"A3", path("house.dwt")}));
+    EXPECT_EQ(operations::newSheetFolder(*ground), path("sheets"));
+    setFolder(*ground, u"");
+    EXPECT_EQ(operations::newSheetFolder(*ground), path("sheets")) << "of the set";
 }
 
 TEST_F(NewSheetTest, ATemplateThatCannotBeOpenedMayBeReplacedByAnotherOne)
@@ -249,6 +275,8 @@ TEST_F(NewSheetTest, ADrawingThatCannotBeMadeLeavesTheSetUntouched)
     const NewSheet::Answer answer = sheet.accept({u"2", u"Section", u"2 Section"}, true);
     EXPECT_FALSE(answer.isDone);
     EXPECT_EQ(answer.focus, NewSheetField::None);
+    ASSERT_EQ(answers.asked.size(), 1u);
+    EXPECT_EQ(answers.asked.front().caption, 0);
     EXPECT_EQ(askedNumbers(), Numbers{507});
     EXPECT_EQ(Outline::of(house), before);
 }
@@ -282,6 +310,13 @@ TEST_F(NewSheetTest, AnExtensionInAnyCaseIsTakenOffTheFileName)
     ASSERT_TRUE(sheet.accept({u"", u"Section", u"Plan.DWG"}, false).isDone);
     EXPECT_EQ(drawings(), std::vector<std::string>{"Plan.dwg"});
     EXPECT_EQ(sheet.sheet()->getLayoutReference()->getName(), u"Plan");
+}
+
+TEST_F(NewSheetTest, AnExtensionAloneIsTheNameOfNoDrawing)
+{
+    EXPECT_FALSE(begun(ground).accept({u"2", u"Plan", u".dwg"}, false).isDone);
+    EXPECT_EQ(askedNumbers(), Numbers{507});
+    EXPECT_EQ(drawings(), std::vector<std::string>{});
 }
 
 TEST_F(NewSheetTest, ANumberMayBeEmpty)
@@ -330,10 +365,25 @@ TEST_F(NewSheetTest, ASheetGetsTheSetsPropertiesForSheetsWithTheirFlagsAndItsPla
     ASSERT_TRUE(sheet.accept({u"0", u"First", u"first"}, false).isDone);
     ASSERT_TRUE(operations::placeNewSheet(*ground, *sheet.sheet(), plan));
     EXPECT_EQ(childrenOf(ground), (std::vector<TvString>{u"First", u"Plan"}));
-    std::map<TvString, int> flags;
-    for (const sm::Property& each : sm::propertiesOf(sheet.sheet()->getCustomProperties()))
-        flags[each.name] = each.value->getFlags();
-    EXPECT_EQ(flags, (std::map<TvString, int>{{u"Checked by", 2}, {u"Phase", 3}}));
+    std::map<TvString, std::pair<int, TvString>> found;
+    for (const sm::Property& each : sm::propertiesOf(sheet.sheet()->getCustomProperties())) {
+        TvVariant value;
+        TvString text;
+        each.value->getValue(value);
+        EXPECT_TRUE(value.getString(text));
+        found[each.name] = {each.value->getFlags(), text};
+    }
+    EXPECT_EQ(found, (std::map<TvString, std::pair<int, TvString>>{{u"Checked by", {2, u"N. N."}},
+                                                                   {u"Phase", {3, u"Design"}}}));
+}
+
+TEST_F(NewSheetTest, WithoutTheLockThereIsNoSheet)
+{
+    NewSheet sheet = begun(ground);
+    ASSERT_TRUE(house->unlockDb(house, false));
+    EXPECT_FALSE(sheet.accept({u"2", u"Section", u"2 Section"}, true).isDone);
+    EXPECT_EQ(sheet.sheet(), nullptr);
+    EXPECT_FALSE(NewSheet::opensInEditor());
 }
 
 TEST_F(NewSheetTest, GivingUpAfterARefusedOkLeavesNoFileAndNoSheet)

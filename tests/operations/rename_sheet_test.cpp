@@ -1,11 +1,10 @@
-// A sheet's number, title, layout and file change together; a walk over sheets can be taken back.
+// A sheet's number, title, layout and file change together.
 
 #include "rename_scene.h"
 
 using operations::RenameNames;
 using operations::RenameOptions;
 using operations::RenameOutcome;
-using operations::RenameStep;
 using operations::SheetRename;
 
 namespace {
@@ -151,6 +150,28 @@ TEST_F(RenameSheetTest, InADrawingThatIsOpenHereTheLayoutIsRenamedAndTheFileIsNo
     EXPECT_EQ(fileOf(plan), u"plan.dwg");
 }
 
+TEST_F(RenameSheetTest, InADrawingThatIsOpenHereTheNameThatWasNotSavedYetCounts)
+{
+    TvApDocument* document = opened("plan.dwg");
+    ASSERT_EQ(RenameLayoutOfSheet(plan->getLayoutReference(), u"Ground"), TvStatus::Ok);
+    plan->getLayoutReference()->setName(u"A1");
+    EXPECT_EQ(loaded(plan).names().layout, u"Ground");
+    EXPECT_EQ(layoutIn(*document->database(), plan), u"Ground");
+}
+
+TEST_F(RenameSheetTest, ANameThatStaysIsWrittenAllTheSame)
+{
+    EXPECT_EQ(applied(stair, {u"2", u"Stair", u"A2", u"plan.dwg"}), RenameOutcome::Done);
+    EXPECT_EQ(stair->getLayoutReference()->getName(), u"A2") << "the set had another one";
+}
+
+TEST_F(RenameSheetTest, WhatWasNeverLoadedIsNotRenamed)
+{
+    SheetRename rename;
+    EXPECT_EQ(rename.apply({u"1", u"T", u"L", u"f.dwg"}, {}), RenameOutcome::NoLayout);
+    EXPECT_TRUE(messages.asked.empty());
+}
+
 TEST_F(RenameSheetTest, AMissingDrawingShowsWhatTheSetKnowsAndNumberAndTitleChange)
 {
     std::filesystem::remove(folder.path() / "plan.dwg");
@@ -197,6 +218,7 @@ TEST_F(RenameSheetTest, ALayoutThatWentSinceIsTold)
     EXPECT_EQ(messages.numbers(), std::vector<int>{614});
     EXPECT_EQ(messages.asked.front().caption, 613);
     EXPECT_TRUE(rename.isLayoutMissing());
+    EXPECT_EQ(rename.names().layout, u"");
     EXPECT_FALSE(isThere("nine.dwg"));
 }
 
@@ -280,158 +302,6 @@ TEST_F(RenameSheetTest, NamesFollowTheNumberWithABlankAndTheTitleWithout)
     names.number = u"7";
     operations::followSheet(names, {true, false, false, true});
     EXPECT_EQ(names.layout + u"|" + names.file, u"Plan|Plan.dwg") << "without prefix; file alone";
-}
-
-// --- layouts alone
-
-TEST_F(RenameSheetTest, ALayoutsNewNameIsRefusedWithTheStatusOfItsReason)
-{
-    TvSmTvDbLayoutReference* layout = plan->getLayoutReference();
-    EXPECT_EQ(RenameLayoutOfSheet(nullptr, u"x"), TvStatus::NotThatObject);
-    EXPECT_EQ(RenameLayoutOfSheet(layout, u"mODEL"), TvStatus::NameReserved);
-    EXPECT_EQ(RenameLayoutOfSheet(layout, u"A2"), TvStatus::DuplicateName);
-    layout->setHandle(u"FFFF");
-    EXPECT_EQ(RenameLayoutOfSheet(layout, u"x"), TvStatus::UnknownHandle);
-    layout->setHandle(u"1");
-    EXPECT_EQ(RenameLayoutOfSheet(layout, u"x"), TvStatus::NotThatObject);
-    std::filesystem::remove(folder.path() / "plan.dwg");
-    EXPECT_EQ(RenameLayoutOfSheet(layout, u"x"), TvStatus::NoDatabase);
-    EXPECT_EQ(RenameLayoutOfSheetWithMessages(layout, u"x"), TvStatus::FileGone);
-    EXPECT_EQ(messages.numbers(), std::vector<int>{482});
-    EXPECT_EQ(layout->getName(), u"A1");
-}
-
-// --- walks
-
-/// A user who types what the test prepared, and ends each dialog as it says.
-class ScriptedWalk : public operations::RenameWalkPorts
-{
-public:
-    struct Step {
-        RenameNames typed;
-        RenameStep end;
-    };
-    ScriptedWalk(TvSmDatabase* database, TvSmSheet* first, std::vector<Step> steps)
-        : m_database(database), m_at(first), m_steps(std::move(steps))
-    {
-    }
-    TvSmSheet* selectedSheet() override { return m_at; }
-    RenameStep runDialog(TvSmSheet& sheet, TvString& layoutName) override
-    {
-        SheetRename rename;
-        EXPECT_TRUE(rename.load(&sheet, m_database));
-        layoutName = rename.names().layout;
-        const Step step = m_steps.at(m_done++);
-        if (step.end != RenameStep::Cancel)
-            rename.apply(step.typed, {});
-        if (onStep)
-            onStep(m_done);
-        return step.end;
-    }
-    void labelChanged() override { ++labels; }
-    void selectPrevious() override { m_at = GetPreviousSheet(m_at); }
-    void selectNext() override { m_at = GetNextSheet(m_at); }
-    int labels = 0;
-    std::function<void(std::size_t)> onStep;
-
-private:
-    TvSmDatabase* m_database;
-    TvSmSheet* m_at;
-    std::vector<Step> m_steps;
-    std::size_t m_done = 0;
-};
-
-class RenameWalkTest : public RenameTest
-{
-protected:
-    void SetUp() override
-    {
-        RenameTest::SetUp();
-        ASSERT_TRUE(database->unlockDb(database, false));
-        change(database, [this](TvSmSheetSet& top) {
-            top.removeSubset(details);
-            top.removeSheet(stair);
-            last = addSheet(&top, u"4", u"Last");
-            DrawingMaker maker;
-            maker.paper(u"C1").saveAs(folder.file("last.dwg"));
-            setLayout(last, folder.file("last.dwg"), maker.handleOf(u"C1"), u"C1");
-            top.removeSheet(cover);
-        });
-    }
-    bool walk(std::vector<ScriptedWalk::Step> steps)
-    {
-        ScriptedWalk walk(database, plan, std::move(steps));
-        const bool isKept = operations::renameSheets(database, walk);
-        labels = walk.labels;
-        return isKept;
-    }
-    TvSmSheet* last = nullptr;
-    int labels = 0;
-};
-
-TEST_F(RenameWalkTest, CancelOnTheThirdSheetBringsTheFirstTwoBackAndTheThirdWasNeverApplied)
-{
-    EXPECT_FALSE(walk({{{u"x1", u"X1", u"L1", u"x1.dwg"}, RenameStep::Next},
-                       {{u"x2", u"X2", u"L2", u"x2.dwg"}, RenameStep::Next},
-                       {{u"x3", u"X3", u"L3", u"x3.dwg"}, RenameStep::Cancel}}));
-    EXPECT_TRUE(isThere("plan.dwg") && isThere("section.dwg") && isThere("last.dwg"));
-    EXPECT_FALSE(isThere("x1.dwg") || isThere("x2.dwg") || isThere("x3.dwg"));
-    EXPECT_EQ(layoutOnDisk(plan) + layoutOnDisk(section) + layoutOnDisk(last), u"A1B1C1");
-    EXPECT_EQ(plan->getNumber() + section->getNumber() + last->getNumber(), u"134");
-    EXPECT_EQ(fileOf(plan), u"plan.dwg");
-    EXPECT_EQ(labels, 2);
-    EXPECT_EQ(database->getLockStatus(), 0);
-}
-
-TEST_F(RenameWalkTest, OkKeepsEveryStepOfTheWalk)
-{
-    EXPECT_TRUE(walk({{{u"x1", u"X1", u"L1", u"x1.dwg"}, RenameStep::Next},
-                      {{u"x2", u"X2", u"L2", u"x2.dwg"}, RenameStep::Previous},
-                      {{u"y1", u"Y1", u"M1", u"y1.dwg"}, RenameStep::Ok}}));
-    EXPECT_TRUE(isThere("y1.dwg") && isThere("x2.dwg"));
-    EXPECT_EQ(layoutOnDisk(plan) + layoutOnDisk(section), u"M1L2");
-    EXPECT_NE(folder.read("house.dst").find("y1.dwg"), std::string::npos);
-    EXPECT_EQ(database->getLockStatus(), 0);
-}
-
-TEST_F(RenameWalkTest, ARefusedStepLeavesTheSheetAsItWasAndTheWalkGoesOn)
-{
-    EXPECT_TRUE(walk({{{u"x1", u"", u"L1", u"x1.dwg"}, RenameStep::Next},
-                      {{u"x2", u"X2", u"L2", u"x2.dwg"}, RenameStep::Ok}}));
-    EXPECT_TRUE(isThere("plan.dwg") && isThere("x2.dwg"));
-    EXPECT_EQ(plan->getNumber(), u"1");
-}
-
-TEST_F(RenameWalkTest, AWalkThatLeavesTheSheetsIsTakenBack)
-{
-    EXPECT_FALSE(walk({{{u"x1", u"X1", u"L1", u"x1.dwg"}, RenameStep::Previous}}));
-    EXPECT_TRUE(isThere("plan.dwg"));
-    EXPECT_EQ(layoutOnDisk(plan), u"A1");
-    EXPECT_EQ(database->getLockStatus(), 0);
-}
-
-TEST_F(RenameWalkTest, TakingBackStopsAtTheFirstThatIsNoSheetWithALayoutAnyMore)
-{
-    ScriptedWalk walk(database, plan,
-                      {{{u"x1", u"X1", u"L1", u"x1.dwg"}, RenameStep::Next},
-                       {{u"x2", u"X2", u"L2", u"x2.dwg"}, RenameStep::Next},
-                       {{}, RenameStep::Cancel}});
-    walk.onStep = [this](std::size_t step) {
-        if (step == 3)
-            section->setLayoutReference(nullptr);
-    };
-    EXPECT_FALSE(operations::renameSheets(database, walk));
-    EXPECT_TRUE(isThere("x1.dwg")) << "what lies behind it stays on disk";
-    EXPECT_EQ(plan->getNumber(), u"1") << "the set itself is rolled back";
-}
-
-TEST_F(RenameWalkTest, ALockedSetIsLeftAlone)
-{
-    ASSERT_TRUE(database->lockDb(database));
-    EXPECT_FALSE(walk({}));
-    EXPECT_EQ(database->getLockStatus(), 1);
-    ScriptedWalk none(nullptr, nullptr, {});
-    EXPECT_FALSE(operations::renameSheets(nullptr, none));
 }
 
 } // namespace

@@ -154,13 +154,14 @@ TEST_F(RenumberTest, WhatChangedSinceIsNotTakenBack)
     ASSERT_TRUE(applied(renumbered(u"A-10", false, false)));
     ASSERT_TRUE(relock());
     stair->setNumber(u"B-1");
+    section->setTitle(u"Cut");
     house->removeSheet(cover);
     const base::Result<RenamePlan> undo = operations::planRenameUndo(*database);
     ASSERT_TRUE(undo);
     int stale = 0;
     for (const operations::SheetEffect& sheet : undo->sheets)
         stale += sheet.clash == Clash::Stale;
-    EXPECT_EQ(stale, 2);
+    EXPECT_EQ(stale, 3);
     EXPECT_FALSE(applied(*undo));
 }
 
@@ -188,6 +189,9 @@ TEST_F(RenumberTest, EachThingInTheWayIsNamed)
     EXPECT_EQ(clashOf({plan, none, none, none, u"section.dwg"}), Clash::FileExists);
     EXPECT_EQ(clashOf({plan, none, none, none, u"../x.dwg"}), Clash::FileName);
     EXPECT_EQ(clashOf({plan, none, none, none, u"NUL.dwg"}), Clash::FileName);
+    EXPECT_EQ(clashOf({plan, none, none, none, u"a=b.dwg"}), Clash::FileName);
+    EXPECT_EQ(clashOf({plan, none, none, none, u".dwg"}), Clash::FileName) << "it would be hidden";
+    EXPECT_EQ(clashOf({plan, none, none, none, u" .DWG"}), Clash::FileName);
     EXPECT_EQ(clashOf({plan, none, none, none, TvString(std::u16string(250, u'f')) + u".dwg"}),
               Clash::FilePathTooLong);
     {
@@ -213,6 +217,74 @@ TEST_F(RenumberTest, EachThingInTheWayIsNamed)
     section->getLayoutReference()->setFileName(u"");
     EXPECT_EQ(clashOf({section, none, none, none, u"x.dwg"}), Clash::DrawingMissing)
         << "a location that leads nowhere is never a file at the root";
+}
+
+TEST_F(RenumberTest, APathHasRoomForTwoHundredAndFiftyNineUnits)
+{
+    const int room = 259 - folder.file("plan.dwg").length() + 4;
+    const auto clashAt = [this](int length) {
+        const std::u16string name(static_cast<std::size_t>(length), u'f');
+        return operations::planRename(
+                   {{plan, std::nullopt, std::nullopt, std::nullopt, TvString(name) + u".dwg"}})
+            .drawings[0]
+            .clash;
+    };
+    EXPECT_EQ(clashAt(room), Clash::None);
+    EXPECT_EQ(clashAt(room + 1), Clash::FilePathTooLong);
+}
+
+TEST_F(RenumberTest, WhoHasADrawingOpenIsSaid)
+{
+    const Held held(folder.file("plan.dwg"));
+    const RenamePlan effects = renumbered(u"A-10", true, false);
+    ASSERT_EQ(effects.drawings[0].clash, Clash::DrawingInUse);
+    EXPECT_NE(effects.drawings[0].about.find(u"@"), TvString::npos)
+        << effects.drawings[0].about.utf8();
+}
+
+TEST_F(RenumberTest, TwoSheetsThatWereOneAlreadyMayStayWhileTheirLayoutsAreRenamed)
+{
+    stair->setNumber(u"1");
+    stair->setTitle(u"Plan");
+    const auto none = std::nullopt;
+    EXPECT_FALSE(operations::planRename({{plan, none, none, u"L", none}}).hasClash());
+    EXPECT_FALSE(operations::planRename({{plan, u"1", u"Plan", none, none}}).hasClash());
+}
+
+TEST_F(RenumberTest, ALayoutOrAFileMayChangeItsCaseAlone)
+{
+    const auto none = std::nullopt;
+    ASSERT_TRUE(applied(operations::planRename({{plan, none, none, u"a1", u"PLAN.dwg"}})));
+    EXPECT_EQ(layoutOnDisk(plan), u"a1");
+    EXPECT_EQ(files(), (std::vector<std::string>{"PLAN.dwg", "section.dwg"}));
+}
+
+TEST_F(RenumberTest, TwoSheetsOnOneLayoutCannotNameItBoth)
+{
+    stair->getLayoutReference()->setHandle(plan->getLayoutReference()->getHandle());
+    const RenamePlan effects = renumbered(u"A-10", true, false);
+    EXPECT_EQ(effects.sheets[0].clash, Clash::None);
+    EXPECT_EQ(effects.sheets[1].clash, Clash::LayoutTaken);
+}
+
+TEST_F(RenumberTest, TheModelIsNoSheetsLayout)
+{
+    TvDbDatabase drawing(false, true);
+    ASSERT_EQ(drawing.readDwgFile(folder.file("plan.dwg")), TvStatus::Ok);
+    plan->getLayoutReference()->setHandle(db::layoutsInTabOrder(drawing).front().handle().text());
+    EXPECT_EQ(renumbered(u"A-10", true, false).sheets[0].clash, Clash::LayoutMissing);
+}
+
+TEST_F(RenumberTest, ALayoutThatKeepsItsNameLeavesALinkedDrawingAlone)
+{
+    std::filesystem::create_hard_link(folder.path() / "plan.dwg", folder.path() / "other.dwg");
+    const RenamePlan effects =
+        operations::planRename({{plan, u"7", std::nullopt, u"A1", std::nullopt}});
+    EXPECT_FALSE(effects.hasClash());
+    const std::string before = folder.read("plan.dwg");
+    ASSERT_TRUE(applied(effects));
+    EXPECT_EQ(folder.read("other.dwg"), before);
+    EXPECT_EQ(std::filesystem::hard_link_count(folder.path() / "plan.dwg"), 2u);
 }
 
 TEST_F(RenumberTest, TwoDrawingsCannotGetOneName)

@@ -158,6 +158,7 @@ struct SheetNewRequest {
     TvString templateFile;   ///< Given with a layout; empty: what the set has for this place.
     TvString templateLayout; ///< Alone: another layout of that template.
     std::optional<TvString> fileName; ///< None: number, a blank, title.
+    TvString folder;                  ///< For its drawing; empty: what the set has for this place.
     ChangeOptions change;
 };
 

@@ -368,6 +368,7 @@
     X(HelpSheetTemplate, 24006)                         \
     X(HelpSheetTemplateLayout, 24007)                   \
     X(HelpSheetFile, 24008)                             \
+    X(HelpSheetFolder, 24009)                           \
     /* their errors, with numbers */                    \
     X(SheetCharacters, 24020)                           \
     X(SheetTitleMissing, 24021)                         \
@@ -378,6 +379,7 @@
     X(SheetTemplateGone, 24026)                         \
     X(NoSheetFolder, 24027)                             \
     X(SheetTemplateHalf, 24028)                         \
+    X(NoSheetFolderSet, 24029)                          \
     /* sheets from layouts: verb, options */            \
     X(SumSheetImport, 24100)                            \
     X(DetSheetImport, 24101)                            \

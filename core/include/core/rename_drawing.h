@@ -13,3 +13,12 @@
 ///       locked for this change, and the change is kept.
 /// @return whether it was moved.
 bool RenameDrawingOfSheets(const TvString& oldPath, const TvString& newPath);
+
+namespace core {
+
+/// Moves a drawing's file alone, whatever sets say of it. Nothing when either path is empty, when
+/// the new one is taken, and when somebody has the drawing open.
+/// @return whether it was moved.
+bool moveDrawing(const TvString& oldPath, const TvString& newPath);
+
+} // namespace core
