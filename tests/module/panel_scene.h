@@ -38,7 +38,7 @@ private:
         panel.push_back(isShown ? "window: shown" : "window: hidden");
     }
     void AddDstFileToRecentFileList(const TvString&) override { panel.push_back("recent"); }
-    TvString GetUserLocalApplicationDataTemplatePath() override { return {}; }
+    TvString GetUserLocalApplicationDataTemplatePath() override { return folder.file("templates"); }
     TvString GetUserRoamingDataPath() override { return folder.file("roaming"); }
     void updateWsESWNodInfo(ed::PaletteSet* palettes, ITarvWsNodInfo&) override
     {

@@ -1,6 +1,9 @@
 // Commands whose set or sheet goes while a question stands.
 
 #include <panel/panel_commands.h>
+
+#include <ed/command_line.h>
+#include <ed/user_prompts.h>
 #include <panel/recover_drawing.h>
 
 #include "document_scene.h"
@@ -10,8 +13,9 @@ namespace {
 class QuietProgram : public panel::PanelProgram
 {
 public:
-    void exploreFile(const TvString&) override {}
+    void exploreFile(const TvString& path) override { explored.push_back(path); }
     void hidePanel() override {}
+    std::vector<TvString> explored;
 };
 
 /// Does something while a task dialog stands, and then answers.
@@ -179,6 +183,61 @@ TEST_F(CommandEdgesTest, ThePanelsOldSetIsNotTheOneThatCommandsChange)
               TvSmDatabase().getSheetSet()->getPublishOptions()->getEplotFormat());
     EXPECT_NE(at(lost), nullptr);
     SetCurrentDatabase(database);
+}
+
+TEST_F(CommandEdgesTest, AfterARemovedSubsetRangesBeginAtTheCaret)
+{
+    select({roof});
+    page.tree().setAnchor(at(lost));
+    answers.answer = TvUserMessages::Answer::Ok;
+    commands.run(panel::kRemoveSubset);
+    EXPECT_EQ(at(roof), nullptr);
+    EXPECT_EQ(page.tree().caret(), at(plan)) << "the one before";
+    EXPECT_EQ(page.tree().anchor(), at(plan));
+}
+
+TEST_F(CommandEdgesTest, ADrawingThatMovedWithItsSetIsShownWhereItIsNow)
+{
+    namespace fs = std::filesystem;
+    fs::create_directories(folder.path() / "before");
+    DrawingMaker maker;
+    maker.paper(u"A1").saveAs(folder.file("before/a.dwg"));
+    TvSmDatabase* moved = made("before/moved.dst");
+    change(moved, [&](TvSmSheetSet& top) {
+        setLayout(addSheet(&top, u"1", u"Plan"), folder.file("before/a.dwg"), maker.handleOf(u"A1"),
+                  u"A1");
+    });
+    ASSERT_TRUE(manager().closeDatabase(moved));
+    fs::rename(folder.path() / "before", folder.path() / "after");
+    moved = manager().openDatabase(folder.file("after/moved.dst"), true, 0);
+    ASSERT_NE(moved, nullptr);
+    ActivateSheetSet(moved);
+    page.tree().selectOnly(page.tree().root()->firstChild());
+    commands.run(panel::kExploreSheet);
+    EXPECT_EQ(program.explored, std::vector<TvString>{folder.file("after/a.dwg")});
+}
+
+TEST_F(CommandEdgesTest, AskingForASheetListGivesUpWhatWasBeingTyped)
+{
+    struct Prompts : ed::UserPrompts {
+        Prompts() { ed::setUserPrompts(this); }
+        ~Prompts() override { ed::setUserPrompts(nullptr); }
+        int askText(const TvString&, bool, TvString&) override { return ed::kCancelled; }
+        int askFiles(const FileQuestion&, std::vector<TvString>&) override
+        {
+            return ed::kCancelled;
+        }
+        void print(const TvString&) override {}
+        void say(int, const std::vector<TvString>& arguments) override { said = arguments; }
+        std::vector<TvString> said;
+    } prompts;
+    ed::CommandLine line;
+    line.post(u"HALFTYPED");
+    select({lost});
+    commands.run(panel::kInsertSheetList);
+    line.work();
+    EXPECT_EQ(prompts.said, std::vector<TvString>{u"_SmInsertToc"});
+    panel::PanelCommands::sheetListHandles().clear();
 }
 
 TEST_F(CommandEdgesTest, TheRootIsNoSubsetToBeRemoved)

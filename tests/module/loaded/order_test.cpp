@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include <core/drawing_info_cache.h>
+#include <core/watch_table.h>
 #include <db/tv_db_database.h>
 #include <dwg/dwg_codec.h>
 
@@ -110,6 +111,16 @@ TEST_F(LoadedModuleOrder, AServiceThatIsGoneAlreadyIsNotTakenBack)
     told();
     ASSERT_TRUE(linker.unloadModule(kModule, 0));
     EXPECT_EQ(std::ranges::count(told(), "remove service KVSHEETSETPANEL_SERVICE"), 0);
+}
+
+TEST_F(LoadedModuleOrder, SetsThatStayOpenAreLeftByTheirHandlers)
+{
+    ASSERT_TRUE(load());
+    TvSmDatabase* database = made("a.dst");
+    const int cookie = g_watchTable.at(database).cookie;
+    ASSERT_TRUE(linker.unloadModule(kModule, 0));
+    EXPECT_FALSE(database->unregisterEventHandler(cookie)) << "done already";
+    manager.closeDatabase(database);
 }
 
 } // namespace
