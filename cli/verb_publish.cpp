@@ -171,6 +171,11 @@ private:
     int m_done = 0;
 };
 
+Json jsonOf(const Message& message)
+{
+    return {{"code", jsonText(message.code())}, {"message", jsonText(message.text)}};
+}
+
 Json jsonOf(const TvSmSheet& sheet, const plot::PageOutcome& outcome)
 {
     Json row = {{"handle", jsonText(handleOf(sheet))},
@@ -181,10 +186,12 @@ Json jsonOf(const TvSmSheet& sheet, const plot::PageOutcome& outcome)
                 {"error", nullptr}};
     if (!outcome.file.isEmpty())
         row["file"] = jsonText(outcome.file);
-    if (!outcome.status) {
-        const Message message = messageOf(outcome.status);
-        row["error"] = {{"code", jsonText(message.code())}, {"message", jsonText(message.text)}};
-    }
+    if (!outcome.status)
+        row["error"] = jsonOf(messageOf(outcome.status));
+    Json remarks = Json::array();
+    for (const base::Status& remark : outcome.remarks)
+        remarks.push_back(jsonOf(messageOf(remark)));
+    row["remarks"] = std::move(remarks);
     return row;
 }
 
@@ -204,6 +211,8 @@ ExitCode report(const std::vector<TvSmSheet*>& sheets, const plot::JobReport& do
         rows.push_back(jsonOf(*sheets[i], done.pages[i]));
         if (!done.pages[i].status)
             warnOf(*sheets[i], done.pages[i].status, console);
+        for (const base::Status& remark : done.pages[i].remarks)
+            warnOf(*sheets[i], remark, console);
     }
     for (const TvString& file : done.files) {
         console.line({{file}});

@@ -27,6 +27,7 @@ constexpr auto kEnglish = text::sortedRows(std::to_array<Row>({
 #include "en/windows.inc"
 #include "en/program.inc"
 #include "en/plot.inc"
+#include "en/xrefs.inc"
 }));
 // clang-format on
 

@@ -53,14 +53,15 @@ void sayWhoUses(const TvString& path)
 }
 
 /// The box around what is drawn there, in world coordinates.
-TvDbExtents measured(TvDbObjectId where)
+TvDbExtents measured(TvDbObjectId where, db::AttachedDrawings& attached)
 {
     if (!where.isValid())
         return {};
     const TvDbObjectPointer<TvDbLayout> layout(where, TvDb::kForNotify);
     const bool isLayout = static_cast<bool>(layout);
-    const gs::DisplayList list =
-        isLayout ? gs::DisplayList::ofLayout(where) : gs::DisplayList::ofModel(*where.database());
+    const gs::DisplayList list = isLayout
+                                     ? gs::DisplayList::ofLayout(where, {}, &attached)
+                                     : gs::DisplayList::ofModel(*where.database(), {}, &attached);
     const std::optional<TvGeMatrix3d> toWorld = list.fromWorld().inverse();
     gs::Box all = list.extents();
     if (isLayout && list.sheet())
@@ -96,7 +97,7 @@ Program::Program(const Setup& setup)
     ed::setRecentFilesFolder(m_folders.state);
     m_mainAppService =
         std::make_unique<MainAppService>(m_folders.config, m_folders.data, m_folders.program);
-    ed::setExtentsSource(measured);
+    ed::setExtentsSource([this](TvDbObjectId where) { return measured(where, m_attached); });
     ed::addHostCommands(m_commands);
 }
 

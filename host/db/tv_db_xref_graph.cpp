@@ -3,14 +3,14 @@
 #include <unordered_map>
 
 #include <base/path_rules.h>
+#include <db/attached_drawings.h>
 
 #include "xref_paths.h"
 
-#include <db/tv_db_symbol_table.h>
-
 namespace {
 
-constexpr int kDeepest = 100; // references within each other
+constexpr int kDeepest = 100;               // references within each other
+constexpr std::size_t kMostLookedAt = 1000; // when only those are wanted that are not shown
 
 struct Named {
     TvString name, savedPath;
@@ -46,8 +46,10 @@ TvString keyOf(const TvString& path)
 class XrefGraphMaker
 {
 public:
-    XrefGraphMaker(TvDbXrefGraph& graph, bool includeGhosts)
-        : m_graph(graph), m_includesGhosts(includeGhosts)
+    /// @param most  drawings that the graph may have.
+    XrefGraphMaker(TvDbXrefGraph& graph, bool includeGhosts, db::AttachedDrawings& attached,
+                   std::size_t most)
+        : m_graph(graph), m_includesGhosts(includeGhosts), m_attached(attached), m_most(most)
     {
     }
 
@@ -89,6 +91,8 @@ private:
             return;
         }
         const bool isNew = !known;
+        if (isNew && m_graph.m_nodes.size() >= m_most)
+            return;
         TvDbXrefGraphNode& node = isNew ? add() : *known;
         known = &node;
         if (isNew)
@@ -135,15 +139,18 @@ private:
 
     void look(TvDbXrefGraphNode& node, int depth)
     {
-        TvDbDatabase file(false, true);
-        if (file.readDwgFile(node.m_path, TvDb::kReadAllShare) != TvStatus::Ok)
+        const std::shared_ptr<TvDbDatabase> file =
+            m_attached.open(node.m_path, node.m_path, m_host).database;
+        if (!file)
             node.m_status = TvDb::kXrfUnresolved;
         else if (depth < kDeepest)
-            follow(file, node, depth);
+            follow(*file, node, depth);
     }
 
     TvDbXrefGraph& m_graph;
     const bool m_includesGhosts;
+    db::AttachedDrawings& m_attached;
+    const std::size_t m_most;
     TvString m_host;
     std::unordered_map<TvString, TvDbXrefGraphNode*> m_byPath;
     std::unordered_map<const TvDbXrefGraphNode*, bool> m_open; // on the way to where we are
@@ -175,8 +182,24 @@ TvStatusCode tvdbGetHostDwgXrefGraph(TvDbDatabase* host, TvDbXrefGraph& graph, b
 {
     if (!host)
         return TvStatus::NoDatabase;
-    XrefGraphMaker(graph, includeGhosts).make(*host);
+    db::AttachedDrawings attached({0, 0});
+    XrefGraphMaker(graph, includeGhosts, attached, SIZE_MAX).make(*host);
     return TvStatus::Ok;
+}
+
+std::vector<db::LostReference> db::lostReferences(TvDbDatabase& host, AttachedDrawings& attached)
+{
+    TvDbXrefGraph graph;
+    XrefGraphMaker(graph, false, attached, kMostLookedAt).make(host);
+    std::vector<LostReference> lost;
+    for (int i = 1; i < graph.numNodes(); ++i) {
+        const TvDbXrefGraphNode& node = *graph.node(i);
+        base::Status why =
+            whyNotShown(node.xrefStatus(), node.name(), node.savedPath(), node.path());
+        if (!why)
+            lost.push_back({node.name(), node.savedPath(), std::move(why)});
+    }
+    return lost;
 }
 
 TvStatusCode tvdbOriginalXrefFullPathFor(TvDbDatabase* database, TvDbObjectId block, TvString& out)

@@ -7,6 +7,9 @@
 #include <db/tv_db_dictionary.h>
 #include <ge/ocs.h>
 
+#include "attachments.h"
+#include "frames.h"
+
 namespace gs::draw {
 
 namespace {
@@ -61,20 +64,53 @@ void addClipOutline(const TvDbEntity& entity, SpacePath& path)
     path.transform(*blockFromWorld * *worldFromPlane);
 }
 
-void drawContent(Scene& scene, const TvDbEntity& entity, TvDbObjectId block,
-                 const TvGeMatrix3d& place)
+/// What cuts the insert; nullopt when nothing of it would be seen.
+std::optional<std::uint32_t> clipOf(Scene& scene, const TvDbEntity& entity,
+                                    const TvGeMatrix3d& place)
 {
     SpacePath& outline = scene.path();
     addClipOutline(entity, outline);
-    std::uint32_t clip = Item::kNoClip;
-    if (!outline.isEmpty()) {
-        const auto made =
-            scene.writer().addClip(outline, scene.frame().map * place, scene.frame().clip);
-        if (!made)
-            return;
-        clip = *made;
-    }
-    scene.insert(block, place, clip);
+    if (outline.isEmpty())
+        return Item::kNoClip;
+    return scene.writer().addClip(outline, scene.frame().map * place, scene.frame().clip);
+}
+
+/// The path of a reference that cannot be shown, where its insert stands.
+void drawLost(Scene& scene, const TvString& path, const TvGeMatrix3d& place)
+{
+    const TvGeVector3d right = place * TvGeVector3d::xAxis(), up = place * TvGeVector3d::yAxis();
+    const TvGeVector3d normal = right.crossProduct(up);
+    if (right.isZeroLength() || normal.isZeroLength())
+        return;
+    const TvGeVector3d x = right.normal(), z = normal.normal();
+    drawName(scene, TvGeMatrix3d::coordinateSystem(place * TvGePoint3d(), x, z.crossProduct(x), z),
+             path, scene.database().headerRecord().real("TEXTSIZE"));
+}
+
+void drawReference(Scene& scene, const TvDbEntity& entity, TvDbObjectId block,
+                   const TvGeMatrix3d& place)
+{
+    const Attachments::Reference& reference = scene.referenceOf(block);
+    // The base point of the drawing counts, whatever it was when it was attached.
+    const TvGeMatrix3d atBlock =
+        place * TvGeMatrix3d::translation(reference.origin - TvGePoint3d::origin());
+    if (!reference.lost.isEmpty())
+        return drawLost(scene, reference.lost, atBlock);
+    if (!reference.scene)
+        return;
+    const TvGePoint3d base = db::asPoint(reference.drawing->headerRecord().point("INSBASE"));
+    const TvGeMatrix3d atModel = atBlock * TvGeMatrix3d::translation(TvGePoint3d::origin() - base);
+    if (const auto clip = clipOf(scene, entity, atModel); clip)
+        scene.insert(reference, atModel, *clip);
+}
+
+void drawContent(Scene& scene, const TvDbEntity& entity, TvDbObjectId block,
+                 const TvGeMatrix3d& place)
+{
+    if (!scene.hasContent(block))
+        return drawReference(scene, entity, block, place);
+    if (const auto clip = clipOf(scene, entity, place); clip)
+        scene.insert(block, place, *clip);
 }
 
 void drawAttributes(Scene& scene, const TvDbBlockReference& reference)

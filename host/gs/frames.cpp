@@ -43,6 +43,23 @@ Color meanOf(const Picture& picture)
 
 } // namespace
 
+void drawName(Scene& scene, const TvGeMatrix3d& place, const TvString& name, double height)
+{
+    const std::u32string letters = lettersOf(name);
+    if (!scene.isShown() || letters.empty() || !isDrawableHeight(height) || !isSound(place))
+        return;
+    TextShape shape;
+    shape.keepsLetters = true;
+    shape.placement = place;
+    TextPen pen(shape, scene.fonts());
+    LetterLook look;
+    look.font = &scene.fonts().find({});
+    look.height = height;
+    pen.write(letters, look, {}, {});
+    pen.run(letters, {}, height, pen.width(letters, look).ink(), {});
+    drawTextShape(scene, shape);
+}
+
 void drawNamedFrame(Scene& scene, const FrameArea& area, const TvString& name)
 {
     scene.path().polygon(area.corners());

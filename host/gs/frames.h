@@ -20,6 +20,9 @@ struct FrameArea {
 /// What stands for contents that cannot be drawn: the frame, and @p name in its middle.
 void drawNamedFrame(Scene& scene, const FrameArea& area, const TvString& name);
 
+/// Writes @p name as it is, from the origin of @p place along its x axis.
+void drawName(Scene& scene, const TvGeMatrix3d& place, const TvString& name, double height);
+
 /// Fills what path() holds with @p picture, which covers @p area. Nothing without a picture.
 void fillWithPicture(Scene& scene, const FrameArea& area,
                      const std::shared_ptr<const Picture>& picture);

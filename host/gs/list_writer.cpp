@@ -218,6 +218,13 @@ void ListWriter::addPicture(PictureFrame frame)
         m_list.m_pictures.push_back(std::move(frame));
 }
 
+void ListWriter::addLost(db::LostReference reference)
+{
+    constexpr std::size_t kMost = 1000;
+    if (m_list.m_lost.size() < kMost)
+        m_list.m_lost.push_back(std::move(reference));
+}
+
 std::uint32_t ListWriter::addLayer(Layer layer)
 {
     m_list.m_layers.push_back(std::move(layer));

@@ -52,7 +52,9 @@ public:
                                          std::uint32_t parent);
     void addText(PlacedText run);
     void addPicture(PictureFrame frame);
+    void addLost(db::LostReference reference);
     std::uint32_t addLayer(Layer layer);
+    std::span<const Layer> layers() const { return m_list.m_layers; }
     /// @param map  to the list's plane.
     /// @return the number that items have; 0 when there are too many.
     std::uint16_t addFilling(Filling filling, const TvGeMatrix3d& map);

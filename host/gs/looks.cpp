@@ -35,6 +35,12 @@ const Ids& ids()
     return all;
 }
 
+constexpr const char* kKeepsLayers = "VISRETAIN"; // how layers of references look
+bool isOfReference(const TvString& layer)
+{
+    return layer.view().find(u'|') != std::u16string_view::npos;
+}
+
 /// nullopt unless it is given here.
 std::optional<std::uint8_t> givenAlpha(std::int64_t transparency)
 {
@@ -112,29 +118,16 @@ float weightOfCode(std::int64_t code)
     return code == 29 ? kWeightByLayer : code == 30 ? kWeightByBlock : kWeightDefault;
 }
 
-Looks::Looks(TvDbDatabase& database, ListWriter& writer) : m_database(database)
+Looks::Looks(TvDbDatabase& database, ListWriter& writer) : m_layers(m_own), m_database(database)
 {
-    const db::Record& header = database.headerRecord();
-    m_byLayer = header.handle("LTBYLAYER");
-    m_byBlock = header.handle("LTBYBLOCK");
-    m_continuous = header.handle("LTCONTINUOUS");
+    readLinetypes();
     const TvDbObjectPointer<TvDbLayerTable> table(database.symbolTableId(TvDb::SymbolTable::Layer),
                                                   TvDb::kForNotify);
     if (table)
         for (const TvDbObjectId id : table->recordIds()) {
             const TvDbObjectPointer<TvDbLayerTableRecord> record(id, TvDb::kForNotify);
-            if (!record)
-                continue;
-            LayerLook& layer = m_layers.emplace_back();
-            const TvString name = record->getName();
-            layer.look = lookOfLayer(id);
-            layer.isOff = record->isOff();
-            layer.isFrozen = record->isFrozen();
-            layer.isZero = name == TvString(u"0");
-            layer.look.layer = writer.addLayer({name, id.handle().value(), record->isPlottable()});
-            m_byHandle.emplace(id.handle().value(), layer.look.layer);
-            if (layer.isZero)
-                m_zero = layer.look.layer;
+            if (record)
+                addLayer(writer, *record, record->getName());
         }
     if (m_layers.empty()) {
         LayerLook& only = m_layers.emplace_back();
@@ -142,6 +135,68 @@ Looks::Looks(TvDbDatabase& database, ListWriter& writer) : m_database(database)
         only.look.weightMm = kDefaultWeightMm;
         writer.addLayer({TvString(u"0"), 0, true});
     }
+}
+
+Looks::Looks(TvDbDatabase& database, ListWriter& writer, Looks& host, const TvString& name)
+    : m_layers(host.m_layers), m_host(host.m_host ? host.m_host : &host), m_zero(m_host->m_zero),
+      m_database(database)
+{
+    readLinetypes();
+    m_host->nameLayers(writer);
+    const bool keeps = database.headerRecord().flag(kKeepsLayers);
+    const TvDbObjectPointer<TvDbLayerTable> table(database.symbolTableId(TvDb::SymbolTable::Layer),
+                                                  TvDb::kForNotify);
+    if (!table)
+        return;
+    for (const TvDbObjectId id : table->recordIds()) {
+        const TvDbObjectPointer<TvDbLayerTableRecord> record(id, TvDb::kForNotify);
+        const TvString own = record ? record->getName() : TvString();
+        if (own.isEmpty() || own == TvString(u"0"))
+            continue; // that of the host
+        // What it took from a reference of its own has that one's name already.
+        const bool isTaken = isOfReference(own);
+        const TvString full = isTaken ? own : name + u"|" + own;
+        const auto known = m_host->m_byName.find(full.toLower());
+        if (known != m_host->m_byName.end())
+            m_byHandle.emplace(id.handle().value(), known->second);
+        else if (const std::uint32_t layer = addLayer(writer, *record, full); keeps || !isTaken)
+            m_host->m_byName.emplace(full.toLower(), layer);
+    }
+}
+
+/// What its references' layers look like, this drawing decides only where it keeps them.
+void Looks::nameLayers(const ListWriter& writer)
+{
+    if (!m_byName.empty())
+        return;
+    const bool keeps = m_database.headerRecord().flag(kKeepsLayers);
+    for (std::uint32_t i = 0; i < m_layers.size(); ++i)
+        if (const TvString& name = writer.layers()[i].name; keeps || !isOfReference(name))
+            m_byName.emplace(name.toLower(), i);
+}
+
+void Looks::readLinetypes()
+{
+    const db::Record& header = m_database.headerRecord();
+    m_byLayer = header.handle("LTBYLAYER");
+    m_byBlock = header.handle("LTBYBLOCK");
+    m_continuous = header.handle("LTCONTINUOUS");
+}
+
+std::uint32_t Looks::addLayer(ListWriter& writer, const TvDbLayerTableRecord& record,
+                              const TvString& name)
+{
+    const std::uint64_t handle = record.objectId().handle().value();
+    LayerLook& layer = m_layers.emplace_back();
+    layer.look = lookOfLayer(record.objectId());
+    layer.isOff = record.isOff();
+    layer.isFrozen = record.isFrozen();
+    layer.isZero = name == TvString(u"0");
+    layer.look.layer = writer.addLayer({name, m_host ? 0 : handle, record.isPlottable()});
+    m_byHandle.emplace(handle, layer.look.layer);
+    if (layer.isZero)
+        m_zero = layer.look.layer;
+    return layer.look.layer;
 }
 
 Look Looks::lookOfLayer(TvDbObjectId id) const

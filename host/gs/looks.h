@@ -7,6 +7,8 @@
 
 #include "list_writer.h"
 
+class TvDbLayerTableRecord;
+
 namespace gs {
 
 /// What an entity looks like once ByLayer and ByBlock are resolved.
@@ -45,6 +47,14 @@ class Looks
 public:
     /// Reads the layers, and gives them to the list.
     Looks(TvDbDatabase& database, ListWriter& writer);
+    /// Of a drawing that the one of @p host shows as an external reference of that name: its layers
+    /// come to those of @p host. Ends before that one.
+    ///
+    /// Its layer LAYER is the layer NAME|LAYER; where the host has that, it decides how it looks.
+    /// The layer "0" is that of the host.
+    Looks(TvDbDatabase& database, ListWriter& writer, Looks& host, const TvString& name);
+    Looks(const Looks&) = delete;
+    Looks& operator=(const Looks&) = delete;
 
     struct LayerLook {
         Look look;
@@ -62,8 +72,15 @@ public:
 
 private:
     Look lookOfLayer(TvDbObjectId id) const;
+    void readLinetypes();
+    std::uint32_t addLayer(ListWriter& writer, const TvDbLayerTableRecord& record,
+                           const TvString& name);
+    void nameLayers(const ListWriter& writer);
 
-    std::vector<LayerLook> m_layers;
+    std::vector<LayerLook> m_own;
+    std::vector<LayerLook>& m_layers; // of the list: m_own, or those of the host
+    Looks* const m_host = nullptr;    // not owned; the list's own drawing; null: this is it
+    std::unordered_map<TvString, std::uint32_t> m_byName; // in small letters, once they are asked
     std::unordered_map<std::uint64_t, std::uint32_t> m_byHandle;
     mutable std::uint64_t m_lastHandle = 0; // of a layer; entities of one layer follow each other
     mutable std::uint32_t m_last = 0;       // among m_layers

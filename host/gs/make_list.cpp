@@ -52,9 +52,9 @@ TvGeMatrix3d modelView(TvDbDatabase& database, ListWriter& writer)
     return map;
 }
 
-void makeModel(TvDbDatabase& database, ListWriter& writer)
+void makeModel(TvDbDatabase& database, ListWriter& writer, db::AttachedDrawings* attached)
 {
-    Scene scene(database, writer);
+    Scene scene(database, writer, attached);
     makeHeader(database, writer);
     Scene::Frame frame;
     frame.map = modelView(database, writer);
@@ -86,10 +86,10 @@ void makeSheet(const TvDbLayout& layout, ListWriter& writer)
     writer.setSheet(sheet, printable, mmPerUnit);
 }
 
-void makePaper(const TvDbLayout& layout, ListWriter& writer)
+void makePaper(const TvDbLayout& layout, ListWriter& writer, db::AttachedDrawings* attached)
 {
     TvDbDatabase& database = *layout.database();
-    Scene scene(database, writer);
+    Scene scene(database, writer, attached);
     makeHeader(database, writer);
     writer.setIsPaper();
     makeSheet(layout, writer);
@@ -102,7 +102,8 @@ void makePaper(const TvDbLayout& layout, ListWriter& writer)
 
 } // namespace
 
-DisplayList DisplayList::ofLayout(TvDbObjectId id, const ListLimits& limits)
+DisplayList DisplayList::ofLayout(TvDbObjectId id, const ListLimits& limits,
+                                  db::AttachedDrawings* attached)
 {
     DisplayList list;
     const TvDbObjectPointer<TvDbLayout> layout(id, TvDb::kForNotify);
@@ -110,30 +111,32 @@ DisplayList DisplayList::ofLayout(TvDbObjectId id, const ListLimits& limits)
         return list;
     ListWriter writer(list, limits);
     if (layout->getBlockTableRecordId() == layout->database()->modelSpaceId())
-        makeModel(*layout->database(), writer);
+        makeModel(*layout->database(), writer, attached);
     else
-        makePaper(*layout, writer);
+        makePaper(*layout, writer, attached);
     writer.finish();
     return list;
 }
 
-DisplayList DisplayList::ofModel(TvDbDatabase& database, const ListLimits& limits)
+DisplayList DisplayList::ofModel(TvDbDatabase& database, const ListLimits& limits,
+                                 db::AttachedDrawings* attached)
 {
     DisplayList list;
     ListWriter writer(list, limits);
-    makeModel(database, writer);
+    makeModel(database, writer, attached);
     writer.finish();
     return list;
 }
 
-DisplayList DisplayList::ofBlock(TvDbObjectId id, const ListLimits& limits)
+DisplayList DisplayList::ofBlock(TvDbObjectId id, const ListLimits& limits,
+                                 db::AttachedDrawings* attached)
 {
     DisplayList list;
     const TvDbObjectPointer<TvDbBlockTableRecord> block(id, TvDb::kForNotify);
     if (!block)
         return list;
     ListWriter writer(list, limits);
-    Scene scene(*id.database(), writer);
+    Scene scene(*id.database(), writer, attached);
     makeHeader(*id.database(), writer);
     const db::Point base = block->origin();
     Look plain;

@@ -1,4 +1,4 @@
-#include "scene.h"
+#include "attachments.h"
 
 #include <cmath>
 #include <cstring>
@@ -17,12 +17,21 @@ constexpr std::size_t kMostDashes = 20'000; // of one line; beyond, it is drawn 
 
 } // namespace
 
-Scene::Scene(TvDbDatabase& database, ListWriter& writer)
-    : m_database(database), m_writer(writer), m_looks(database, writer), m_textTools(fonts(), true),
-      m_shapes(database), m_linetypeScale(database.headerRecord().real("LTSCALE"))
+Scene::Scene(TvDbDatabase& database, ListWriter& writer, db::AttachedDrawings* attached)
+    : m_database(database), m_writer(writer), m_attached(attached), m_looks(database, writer),
+      m_textTools(fonts(), true), m_shapes(database),
+      m_linetypeScale(database.headerRecord().real("LTSCALE"))
 {
     if (!(m_linetypeScale > 0))
         m_linetypeScale = 1;
+}
+
+// Dashes are as long as those of the drawing that shows it.
+Scene::Scene(TvDbDatabase& database, Scene& host, const TvString& name)
+    : m_database(database), m_writer(host.m_writer), m_host(&host),
+      m_looks(database, host.m_writer, host.m_looks, name), m_textTools(fonts(), true),
+      m_shapes(database), m_linetypeScale(host.m_linetypeScale)
+{
 }
 
 Scene::~Scene() = default;
@@ -65,10 +74,10 @@ const std::vector<TvDbObjectId>& Scene::contentOf(TvDbObjectId block)
 
 void Scene::drawBlock(TvDbObjectId block, const Frame& frame)
 {
-    if (m_openBlocks.size() >= kDeepest || !m_openBlocks.insert(block).second)
+    if (m_depth + m_openBlocks.size() >= kDeepest || !m_openBlocks.insert(block).second)
         return;
     const std::vector<TvDbObjectId>& content = contentOf(block);
-    if (m_openBlocks.size() == 1)
+    if (m_depth + m_openBlocks.size() == 1)
         m_writer.expect(content.size());
     for (const TvDbObjectId id : content) {
         if (m_writer.isFull())
@@ -111,7 +120,7 @@ void Scene::drawOpen(const TvDbEntity& entity)
         return;
     m_look = m_looks.resolve(entity.fields(), m_frame->by);
     const Looks::LayerLook& layer = m_looks.layerAt(m_look.layer);
-    if (layer.isFrozen || (m_frame->frozen && (*m_frame->frozen)[m_look.layer]))
+    if (layer.isFrozen || m_frame->isFrozen(m_look.layer))
         return;
     draw(*this, entity);
 }
@@ -245,13 +254,44 @@ double Scene::scaleOf(const TvGeMatrix3d& place) const
 void Scene::insert(TvDbObjectId block, const TvGeMatrix3d& place, std::uint32_t clip)
 {
     const Look by = m_look;
+    drawBlock(block, frameWithin(by, place, clip));
+}
+
+Scene::Frame Scene::frameWithin(const Look& by, const TvGeMatrix3d& place, std::uint32_t clip) const
+{
     Frame inner = *m_frame;
     inner.map = m_frame->map * place;
     inner.by = &by;
     inner.handle = m_handle;
     if (clip != Item::kNoClip)
         inner.clip = clip;
-    drawBlock(block, inner);
+    return inner;
+}
+
+Attachments& Scene::attachments()
+{
+    if (m_host)
+        return m_host->attachments();
+    if (!m_attachments)
+        m_attachments = std::make_unique<Attachments>(m_database, m_writer, m_attached);
+    return *m_attachments;
+}
+
+const AttachedReference& Scene::referenceOf(TvDbObjectId block)
+{
+    return attachments().of(block, *this);
+}
+
+void Scene::insert(const AttachedReference& reference, const TvGeMatrix3d& place,
+                   std::uint32_t clip)
+{
+    const Attachments::Opening opening(attachments(), reference);
+    if (!opening || m_outline)
+        return;
+    const Look by = m_look;
+    Scene& inner = *reference.scene;
+    inner.m_depth = m_depth + m_openBlocks.size();
+    inner.drawBlock(reference.drawing->modelSpaceId(), frameWithin(by, place, clip));
 }
 
 void Scene::drawPart(TvDbObjectId id)

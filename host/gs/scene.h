@@ -13,12 +13,18 @@
 
 namespace gs {
 struct OwnColor;
+class Attachments;
+struct AttachedReference;
 class Fonts;
 struct LinePattern;
 } // namespace gs
 
 class TvDbBlockReference;
 class TvDbViewport;
+
+namespace db {
+class AttachedDrawings;
+} // namespace db
 
 namespace gs {
 
@@ -46,10 +52,21 @@ public:
         double linetypeFactor = 1;
         double viewHeight =
             0; ///< in units of the block, as seen in a viewport; 0: whoever plays it
+
+        /// Layers of references that came in later are not known to a viewport.
+        bool isFrozen(std::uint32_t layer) const
+        {
+            return frozen && layer < frozen->size() && (*frozen)[layer];
+        }
     };
 
-    Scene(TvDbDatabase& database, ListWriter& writer);
+    /// @param attached  opens the drawings that this one shows; null: they are opened for this.
+    Scene(TvDbDatabase& database, ListWriter& writer, db::AttachedDrawings* attached = nullptr);
+    /// Of a drawing that @p host shows as an external reference of that name. Ends before it.
+    Scene(TvDbDatabase& database, Scene& host, const TvString& name);
     ~Scene();
+    Scene(const Scene&) = delete;
+    Scene& operator=(const Scene&) = delete;
 
     /// All entities of @p block.
     void drawBlock(TvDbObjectId block, const Frame& frame);
@@ -62,6 +79,8 @@ public:
     // For drawers, of the entity that is being drawn
 
     TvDbDatabase& database() const { return m_database; }
+    /// What it draws stands in another drawing.
+    bool isAttached() const { return m_host != nullptr; }
     ListWriter& writer() { return m_writer; }
     const Looks& looks() const { return m_looks; }
     const Frame& frame() const { return *m_frame; }
@@ -101,6 +120,13 @@ public:
     double scaleOf(const TvGeMatrix3d& place = {}) const;
     /// Draws @p block in the entity's place, moved by @p place.
     void insert(TvDbObjectId block, const TvGeMatrix3d& place, std::uint32_t clip = Item::kNoClip);
+    /// Whether a block has entities of its own.
+    bool hasContent(TvDbObjectId block) { return !contentOf(block).empty(); }
+    /// What a block shows that has none.
+    const AttachedReference& referenceOf(TvDbObjectId block);
+    /// Draws the model of another drawing in the entity's place; nothing of one that is being
+    /// drawn already.
+    void insert(const AttachedReference& reference, const TvGeMatrix3d& place, std::uint32_t clip);
     /// Puts the outline of another entity of the same block into path(), if it has one; else leaves
     /// path() as it is.
     void outlineOf(TvDbObjectId id);
@@ -111,6 +137,8 @@ public:
     void drawPart(TvDbObjectId id);
 
 private:
+    Frame frameWithin(const Look& by, const TvGeMatrix3d& place, std::uint32_t clip) const;
+    Attachments& attachments();
     bool keepOutline(const TvGeMatrix3d& place);
     /// Strokes what path() holds in pieces; false when its pattern has none.
     bool strokeDashed(const ItemLook& look, const TvGeMatrix3d& map, bool restarts);
@@ -123,6 +151,9 @@ private:
 
     TvDbDatabase& m_database;
     ListWriter& m_writer;
+    Scene* const m_host = nullptr;                    // not owned; null: the list's own drawing
+    db::AttachedDrawings* const m_attached = nullptr; // not owned; may be null
+    std::size_t m_depth = 0;                          // blocks around what is drawn, of the hosts
     Looks m_looks;
     db::PassingEntities m_entities;
     std::unordered_map<const db::ClassDef*, Drawer> m_drawers;
@@ -140,6 +171,7 @@ private:
     SpacePath m_path;
     SpacePath* m_outline = nullptr; // not owned; where paths go instead of into the list
     TvDbObjectId m_overall;
+    std::unique_ptr<Attachments> m_attachments; // of the list's own drawing, once there are any
 };
 
 /// How many units of the list's plane one unit is, about, where @p map leads to it.

@@ -11,6 +11,7 @@
 
 #include <base/atomic_replace.h>
 #include <base/kv_file_system.h>
+#include <db/attached_drawings.h>
 #include <db/tv_db_database.h>
 
 #include "page_content.h"
@@ -25,6 +26,8 @@ namespace {
 
 constexpr std::chrono::milliseconds kBetweenLooks(50); // at whether it is cancelled
 constexpr int kMostJobs = 16;
+// Of files of references that are kept between pages, by all threads together.
+constexpr std::uint64_t kKeptBytes = std::uint64_t(512) << 20;
 
 base::Status cancelled()
 {
@@ -33,6 +36,10 @@ base::Status cancelled()
 
 /// A page that one of the threads made: for a PDF, as a file, or why there is none.
 using Made = std::variant<base::Status, PageContent, std::string>;
+struct MadePage {
+    Made content;
+    std::vector<base::Status> remarks;
+};
 
 /// Makes one page, from the drawing on.
 class PageMaker
@@ -43,18 +50,22 @@ public:
     {
     }
 
-    Made make(const PageOrder& order) const
+    /// @param attached  of the thread that makes it.
+    MadePage make(const PageOrder& order, db::AttachedDrawings& attached) const
     {
+        MadePage made;
         try {
-            return makeUnguarded(order);
+            made.content = makeUnguarded(order, attached, made.remarks);
         } catch (const std::exception& problem) {
-            return base::Status(base::Failure::Io, kFileNotMade,
-                                {order.layoutName, TvString(problem.what())});
+            made.content = base::Status(base::Failure::Io, kFileNotMade,
+                                        {order.layoutName, TvString(problem.what())});
         }
+        return made;
     }
 
 private:
-    Made makeUnguarded(const PageOrder& order) const
+    Made makeUnguarded(const PageOrder& order, db::AttachedDrawings& attached,
+                       std::vector<base::Status>& remarks) const
     {
         TvDbDatabase database(false, true);
         if (base::Status status = read(database, order); !status)
@@ -67,16 +78,19 @@ private:
         options.setup = m_setup;
         options.isMonochrome = m_request.options.isMonochrome;
         options.stop = &m_stop;
+        options.attached = &attached;
         const auto page = makePage(database, layout, options);
         if (!page)
             return page.status();
+        for (const db::LostReference& lost : page->list.lost())
+            remarks.push_back(lost.why);
         return m_request.output == Output::SvgPerSheet ? svg(*page, order) : pdf(*page, order);
     }
 
     static base::Status read(TvDbDatabase& database, const PageOrder& order)
     {
         const TvStatusCode status = order.content
-                                        ? database.readDwgBytes(*order.content)
+                                        ? db::readBytesAs(database, *order.content, order.drawing)
                                         : database.readDwgFile(order.drawing, TvDb::kReadAllShare);
         if (status == TvStatus::Ok)
             return {};
@@ -113,6 +127,7 @@ public:
     {
         const int jobs = std::clamp(request.jobs, 1, kMostJobs);
         m_ahead = static_cast<std::size_t>(jobs) + 1;
+        m_kept.bytes = kKeptBytes / static_cast<std::uint64_t>(jobs);
         for (int i = 0; i < jobs; ++i)
             m_threads.emplace_back([this] { work(); });
     }
@@ -134,12 +149,12 @@ public:
         m_changed.notify_all();
     }
     /// The next page in order; nullopt when the watcher wants it to end.
-    std::optional<Made> fetch(JobWatcher& watcher)
+    std::optional<MadePage> fetch(JobWatcher& watcher)
     {
         std::unique_lock lock(m_mutex);
         for (;;) {
             if (const auto found = m_made.find(m_fetched); found != m_made.end()) {
-                Made made = std::move(found->second);
+                MadePage made = std::move(found->second);
                 m_made.erase(found);
                 ++m_fetched;
                 m_changed.notify_all();
@@ -157,6 +172,7 @@ public:
 private:
     void work()
     {
+        db::AttachedDrawings attached(m_kept);
         std::unique_lock lock(m_mutex);
         while (!m_stop && m_next < m_request.pages.size()) {
             if (m_next >= m_fetched + m_ahead) {
@@ -165,7 +181,7 @@ private:
             }
             const std::size_t page = m_next++;
             lock.unlock();
-            Made made = m_maker.make(m_request.pages[page]);
+            MadePage made = m_maker.make(m_request.pages[page], attached);
             lock.lock();
             m_made.emplace(page, std::move(made));
             m_changed.notify_all();
@@ -175,10 +191,11 @@ private:
     const JobRequest& m_request;
     std::atomic<bool> m_stop = false;
     PageMaker m_maker;
-    std::mutex m_mutex; // guards what follows
+    db::AttachedDrawings::Limits m_kept; // by each thread
+    std::mutex m_mutex;                  // guards what follows
     std::condition_variable m_changed;
     std::size_t m_next = 0, m_fetched = 0, m_ahead = 2;
-    std::map<std::size_t, Made> m_made;
+    std::map<std::size_t, MadePage> m_made;
     std::vector<std::thread> m_threads;
 };
 
@@ -266,7 +283,8 @@ private:
                 return end(cancelled());
             }
             PageOutcome& outcome = m_report.pages[i];
-            outcome = write(i, std::move(*made));
+            outcome = write(i, std::move(made->content));
+            outcome.remarks = std::move(made->remarks);
             m_watcher.pageDone(i, outcome);
         }
         workers.stop();

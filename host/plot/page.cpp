@@ -176,7 +176,7 @@ base::Result<Page> makePage(TvDbDatabase& database, TvDbObjectId id, const PageO
     gs::ListLimits limits;
     limits.stop = options.stop;
     Page page;
-    page.list = gs::DisplayList::ofLayout(layout->objectId(), limits);
+    page.list = gs::DisplayList::ofLayout(layout->objectId(), limits, options.attached);
     page.widthMm = setup.uprightWidthMm();
     page.heightMm = setup.uprightHeightMm();
     place(page, setup, areaOf(database, *layout, setup, page.list));

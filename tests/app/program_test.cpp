@@ -1,6 +1,7 @@
 #include "program_scene.h"
 
 #include <db/file_open_info_tip_manager.h>
+#include <db/tv_db_symbol_table.h>
 #include <rx/tv_rx_dictionary.h>
 
 namespace {
@@ -53,6 +54,36 @@ TEST_F(ProgramTest, ModulesSeeDrawingsCloseBeforeTheyGo)
         program.documents().lockDocument(document); // as a command would that was cut short
     }
     EXPECT_EQ(folder.read("trace"), "1 3 4 2 ");
+}
+
+TEST_F(ProgramTest, SaysOnceWhichExternalReferencesAreNotShown)
+{
+    app::Program program(setup(false));
+    {
+        TvDbDatabase host(false, true);
+        ASSERT_EQ(host.readDwgFile(folder.file("a.dwg")), TvStatus::Ok);
+        TvDbObjectPointer<TvDbBlockTable> blocks(host.symbolTableId(TvDb::SymbolTable::Block),
+                                                 TvDb::kForWrite);
+        for (const TvChar* path : {u"b.dwg", u"gone.dwg"}) {
+            auto* block = new TvDbBlockTableRecord;
+            block->setName(TvString(path).left(4));
+            ASSERT_EQ(blocks->add(block), TvStatus::Ok);
+            block->edit().setFlag("is_xref", true);
+            block->edit().setText("xref_path", path);
+            block->close();
+        }
+        blocks.close();
+        ASSERT_EQ(host.saveAs(folder.file("host.dwg")), TvStatus::Ok);
+    }
+    TvApDocument* document = nullptr;
+    ASSERT_EQ(program.open(folder.file("host.dwg"), false, document), TvStatus::Ok);
+    const std::string told = prompts.err;
+    EXPECT_NE(told.find("gone is not shown: there is no drawing gone.dwg"), std::string::npos)
+        << told;
+    EXPECT_EQ(told.find("b.dw"), std::string::npos) << told;
+    program.open(folder.file("host.dwg"), false, document);
+    EXPECT_EQ(prompts.err, told) << "it was open already";
+    EXPECT_EQ(program.attached().loads(), 1U);
 }
 
 TEST_F(ProgramTest, StopsOnce)

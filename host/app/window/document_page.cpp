@@ -22,9 +22,10 @@ gs::Background backgroundFor(const gs::DisplayList& list)
     return ui::theme() == ui::Theme::Dark ? gs::Background::Dark : gs::Background::Light;
 }
 
-DocumentPage::DocumentPage(TvApDocument& document, const app::DrawingWatch& watch, QWidget* parent)
-    : QWidget(parent), m_document(document), m_watch(watch), m_canvas(new DrawingCanvas(this)),
-      m_tabs(new QTabBar(this))
+DocumentPage::DocumentPage(TvApDocument& document, const app::DrawingWatch& watch,
+                           db::AttachedDrawings& attached, QWidget* parent)
+    : QWidget(parent), m_document(document), m_watch(watch), m_attached(attached),
+      m_canvas(new DrawingCanvas(this)), m_tabs(new QTabBar(this))
 {
     m_tabs->setShape(QTabBar::RoundedSouth);
     m_tabs->setExpanding(false);
@@ -106,7 +107,8 @@ void DocumentPage::refreshList(TvDbObjectId layout)
     const std::uint64_t changes = m_watch.drawnChanges(m_document.database());
     if (shown.list && shown.changes == changes)
         return;
-    shown.list = std::make_shared<gs::DisplayList>(gs::DisplayList::ofLayout(layout));
+    shown.list =
+        std::make_shared<gs::DisplayList>(gs::DisplayList::ofLayout(layout, {}, &m_attached));
     shown.changes = changes;
     const std::optional<ed::View> stored = ed::StoredDrawingView().view(layout);
     const ed::View now = stored.value_or(ed::View());

@@ -290,7 +290,7 @@ DocumentPage* MainWindow::pageOf(const TvDbDatabase* database) const
 void MainWindow::addPage(TvApDocument& document)
 {
     m_watch.watch(document.database());
-    auto* page = new DocumentPage(document, m_watch);
+    auto* page = new DocumentPage(document, m_watch, m_program.attached());
     page->canvas().onTyped = [this](QKeyEvent* event) { m_commands->type(event); };
     page->canvas().onFocusTaken = [this] { m_commands->line().setFocus(); };
     followPointer(*page);

@@ -14,6 +14,8 @@ public:
         ++m_job.m_state.done;
         if (!outcome.status)
             m_job.m_state.failures.emplace_back(page, outcome.status);
+        for (const base::Status& remark : outcome.remarks)
+            m_job.m_state.failures.emplace_back(page, remark);
     }
     bool isCancelled() override { return m_job.m_isCancelled; }
 

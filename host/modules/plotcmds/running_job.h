@@ -15,9 +15,10 @@ class RunningJob
 {
 public:
     struct State {
-        std::size_t done = 0;                                       ///< pages
-        std::vector<std::pair<std::size_t, base::Status>> failures; ///< page, why
-        std::optional<plot::JobReport> report;                      ///< when it is over
+        std::size_t done = 0; ///< pages
+        std::vector<std::pair<std::size_t, base::Status>>
+            failures;                          ///< page, why it or a part of it is missing
+        std::optional<plot::JobReport> report; ///< when it is over
     };
 
     /// Begins at once.

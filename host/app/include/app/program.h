@@ -4,6 +4,7 @@
 
 #include <app/main_app_service.h>
 #include <app/program_folders.h>
+#include <app/reference_report.h>
 #include <app/workspace_manager.h>
 #include <base/tarvik_config.h>
 #include <db/tv_db_host_application_services.h>
@@ -63,6 +64,8 @@ public:
     ed::CommandLine& commandLine() { return m_commandLine; }
     TvEdCommandStack& commands() { return m_commands; }
     TvRxDynamicLinkerImp& linker() { return *m_linker; }
+    /// The drawings that the open ones show as external references.
+    db::AttachedDrawings& attached() { return m_attached; }
     /// Gone after stop().
     MainAppService& mainAppService() { return *m_mainAppService; }
 
@@ -84,6 +87,8 @@ private:
     std::unique_ptr<gs::ExactTextMeasure> m_textMeasure;
     WorkspaceManager m_workspaces;
     TvEditor m_editor;
+    db::AttachedDrawings m_attached;
+    ReferenceReport m_referenceReport{m_editor, m_attached};
     TvEdCommandStackImp m_commands;
     ed::CommandLine m_commandLine;
     std::unique_ptr<TvRxDynamicLinkerImp> m_linker;

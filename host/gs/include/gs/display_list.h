@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <base/tv_string.h>
+#include <db/attached_drawings.h>
 #include <db/tv_db_object_id.h>
 #include <ge/tv_ge_matrix3d.h>
 #include <gs/box.h>
@@ -100,10 +101,10 @@ struct Clip {
     bool isRectangle = false; ///< along the axes: path is the outline of its box
 };
 
-/// A layer of the drawing.
+/// A layer of the drawing, or of one that it shows ("NAME|LAYER").
 struct Layer {
     TvString name;
-    std::uint64_t handle = 0;
+    std::uint64_t handle = 0; ///< 0: the drawing itself has no such layer
     bool isPlotted = true;
 };
 
@@ -162,11 +163,16 @@ public:
 
     /// The layout with what its viewports show; of the model layout, as ofModel(). Read-only; an id
     /// that is no layout gives an empty list. Objects that cannot be read are left out.
-    static DisplayList ofLayout(TvDbObjectId layout, const ListLimits& limits = {});
+    /// @param attached  opens the external references that are shown, and keeps them for the next
+    ///                  list; null: they are opened for this one.
+    static DisplayList ofLayout(TvDbObjectId layout, const ListLimits& limits = {},
+                                db::AttachedDrawings* attached = nullptr);
     /// Model space, seen as the drawing's current model view sees it (from above when it has none).
-    static DisplayList ofModel(TvDbDatabase& database, const ListLimits& limits = {});
+    static DisplayList ofModel(TvDbDatabase& database, const ListLimits& limits = {},
+                               db::AttachedDrawings* attached = nullptr);
     /// One block as it would be inserted, seen from above.
-    static DisplayList ofBlock(TvDbObjectId block, const ListLimits& limits = {});
+    static DisplayList ofBlock(TvDbObjectId block, const ListLimits& limits = {},
+                               db::AttachedDrawings* attached = nullptr);
 
     /// In the order in which they are drawn.
     std::span<const Item> items() const { return m_items.span(); }
@@ -180,6 +186,8 @@ public:
     std::span<const Layer> layers() const { return m_layers; }
     std::span<const PlacedText> texts() const { return m_texts; }
     std::span<const PictureFrame> pictures() const { return m_pictures; }
+    /// External references that should be shown and are not; their paths are among the texts.
+    std::span<const db::LostReference> lost() const { return m_lost; }
     /// Paths of letters are put together at the first call and kept: whoever draws many of them
     /// gives them room instead.
     PathView path(const PathRange& range) const
@@ -278,6 +286,7 @@ private:
     std::vector<Filling> m_fillings;
     std::vector<PlacedText> m_texts;
     std::vector<PictureFrame> m_pictures;
+    std::vector<db::LostReference> m_lost;
     std::shared_ptr<Index> m_index; // null without items
     Box m_extents;
     std::optional<Box> m_sheet, m_printable, m_savedWindow;

@@ -87,6 +87,8 @@ struct JobRequest {
 struct PageOutcome {
     base::Status status; ///< why it is missing
     TvString file;       ///< that it is in; empty when there is none
+    /// What it lacks though it was made: external references, each with a text in its place.
+    std::vector<base::Status> remarks;
 };
 
 struct JobReport {
@@ -113,7 +115,8 @@ public:
 /// made; when all fail nothing is written. Files are replaced whole or not at all.
 ///
 /// Each page opens its drawing by itself and is given up when it is written, so that memory does
-/// not grow with their number. The codecs must be installed.
+/// not grow with their number; external references stay in memory for the pages that follow, as far
+/// as there is room. The codecs must be installed.
 /// @note may be called from any thread; the drawings must not be changed meanwhile through the same
 ///       database objects (their files may).
 JobReport run(const JobRequest& request, JobWatcher& watcher);

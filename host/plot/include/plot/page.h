@@ -29,6 +29,8 @@ struct PageOptions {
     const PageSetup* setup = nullptr;        ///< takes the place of the layout's own; null: that
     bool isMonochrome = false;               ///< every line black
     const std::atomic<bool>* stop = nullptr; ///< as ListLimits::stop
+    /// Opens external references, and keeps them for the next page; null: for this page only.
+    db::AttachedDrawings* attached = nullptr;
 };
 
 /// The page of a layout.

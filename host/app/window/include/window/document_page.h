@@ -16,6 +16,9 @@ class TvApDocument;
 namespace app {
 class DrawingWatch;
 }
+namespace db {
+class AttachedDrawings;
+}
 
 namespace window {
 
@@ -26,8 +29,10 @@ namespace window {
 class DocumentPage : public QWidget
 {
 public:
-    /// Neither is owned; both outlive the page.
-    DocumentPage(TvApDocument& document, const app::DrawingWatch& watch, QWidget* parent = nullptr);
+    /// None is owned; all outlive the page.
+    /// @param attached  opens the external references.
+    DocumentPage(TvApDocument& document, const app::DrawingWatch& watch,
+                 db::AttachedDrawings& attached, QWidget* parent = nullptr);
 
     TvApDocument& document() const { return m_document; }
     DrawingCanvas& canvas() { return *m_canvas; }
@@ -72,6 +77,7 @@ private:
 
     TvApDocument& m_document;
     const app::DrawingWatch& m_watch;
+    db::AttachedDrawings& m_attached;
     DrawingCanvas* m_canvas;
     QTabBar* m_tabs;
     std::map<TvDbObjectId, Shown> m_shown;
