@@ -208,7 +208,8 @@ ExitCode report(const std::vector<TvSmSheet*>& sheets, const plot::JobReport& do
 {
     Json rows = Json::array(), files = Json::array();
     for (std::size_t i = 0; i < done.pages.size(); ++i) {
-        rows.push_back(jsonOf(*sheets[i], done.pages[i]));
+        if (console.isJson()) // nobody reads them otherwise
+            rows.push_back(jsonOf(*sheets[i], done.pages[i]));
         if (!done.pages[i].status)
             warnOf(*sheets[i], done.pages[i].status, console);
         for (const base::Status& remark : done.pages[i].remarks)

@@ -90,9 +90,9 @@ const TvSmFileReference* neededPageSetups(TvSmDatabase& database, const AskForPa
             return reference;
         const auto answer =
             say(kNoPageSetups, TvString(), kSheetSets, TvUserMessages::Buttons::OkCancel);
-        if (answer != TvUserMessages::Answer::Ok || database.getLockStatus() != 0 || !ask)
+        if (answer != TvUserMessages::Answer::Ok || database.getLockStatus() != 0 || !ask ||
+            !ask(database))
             return nullptr;
-        ask(database);
     }
 }
 

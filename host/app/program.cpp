@@ -13,6 +13,7 @@
 #include <ed/user_prompts.h>
 #include <gs/display_list.h>
 #include <gs/exact_text_measure.h>
+#include <rx/tv_product.h>
 #include <rx/tv_rx_dictionary.h>
 #include <rx/tv_user_messages.h>
 
@@ -108,6 +109,8 @@ Program::~Program()
 
 bool Program::loadModules()
 {
+    // Its commands need no sheet sets; a program without it plots nothing, and says no more of it.
+    m_linker->loadModule(rx::moduleFileName(u"PlotCmds.dll", u"KvPlotCmds.dll"), 0, 0);
     return m_linker->loadModule(kSheetSetModule, 1, 0);
 }
 

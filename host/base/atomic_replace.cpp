@@ -349,7 +349,7 @@ Status replaceFile(FileOps& ops, const TvString& path, const ReplaceRequest& req
     ResolvedName target;
     const bool isNew = !request.rightsOf.isEmpty() &&
                        resolveLinks(ops, nativePath(path), target) == 0 && !target.info;
-    return replaceContent(ops, path, request, read,
+    return replaceContent(ops, path, request, request.content ? request.content : read,
                           isNew ? nativePath(request.rightsOf) : std::string());
 }
 

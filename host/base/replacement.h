@@ -1,18 +1,10 @@
 #pragma once
 
-#include <functional>
-
 #include "base/atomic_replace.h"
 
 namespace base {
 
-/// The new bytes, piece by piece, asked for in order and twice: to write them and to compare them.
-/// As FileOps::read: 0 bytes at the end.
-using ContentReader =
-    std::function<int(std::uint64_t offset, std::span<std::byte> buffer, std::size_t& out)>;
-
-/// What replaceFile() does, for content that need not be in memory (request.bytes is not looked
-/// at).
+/// What replaceFile() does, with @p content alone.
 ///
 /// @param metadataOf  the file whose mode, owner, ACL and attributes the new one gets; empty: those
 /// of

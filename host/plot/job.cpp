@@ -1,6 +1,7 @@
 #include "plot/job.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <condition_variable>
 #include <exception>
 #include <map>
@@ -206,24 +207,18 @@ base::Status replace(const TvString& path, std::span<const std::byte> bytes)
     return base::replaceFile(base::systemFileOps(), path, request);
 }
 
-base::Status withPath(base::Status status, const TvString& path)
-{
-    if (status.reason() != kFileNotMade)
-        return status;
-    std::vector<TvString> arguments = status.arguments();
-    arguments[0] = path;
-    return {status.failure(), status.reason(), std::move(arguments)};
-}
-
 base::Status writePdf(PdfFile& pdf, const TvString& path)
 {
-    Spool whole(base::PathRules::native().folderOf(path));
-    if (const base::Status status = pdf.finish(whole); !status)
-        return withPath(status, path);
-    const auto bytes = whole.whole();
-    if (bytes.empty())
-        return base::Status::fromSystem(EIO, path);
-    return replace(path, bytes);
+    if (base::Status status = pdf.finish(); !status)
+        return status;
+    base::ReplaceRequest request;
+    request.content = [&file = pdf.content()](std::uint64_t offset, std::span<std::byte> buffer,
+                                              std::size_t& out) {
+        out =
+            static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), file.size() - offset));
+        return file.read(offset, buffer.first(out)) ? 0 : EIO;
+    };
+    return base::replaceFile(base::systemFileOps(), path, request);
 }
 
 /// A job on its way.

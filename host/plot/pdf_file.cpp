@@ -2,16 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <exception>
 
 #include <fmt/format.h>
-#include <qpdf/QPDF.hh>
-#include <qpdf/QPDFObjectHandle.hh>
-#include <qpdf/QPDFWriter.hh>
 
-#include <base/content_hash.h>
-
-#include "cff_font.h"
 #include "pdf_parts.h"
 #include "plot/reasons.h"
 
@@ -19,266 +12,231 @@ namespace plot {
 
 namespace {
 
-using Object = QPDFObjectHandle;
-
 constexpr double kPointsPerMm = 72 / 25.4;
 constexpr double kLargestPage = 14400; // points, in units of one point
 constexpr std::size_t kPagesInNode = 64;
 
-/// Gives back what was put aside.
-class FromSpool : public Object::StreamDataProvider
+std::string box(double x1, double y1, double x2, double y2)
 {
-public:
-    FromSpool(std::shared_ptr<Spool> spool, std::uint64_t offset, std::size_t size)
-        : m_spool(std::move(spool)), m_offset(offset), m_size(size)
-    {
-    }
-    void provideStreamData(QPDFObjGen const&, Pipeline* to) override
-    {
-        std::string bytes(m_size, '\0');
-        if (!m_spool->read(m_offset, bytes))
-            throw std::runtime_error("temporary file");
-        to->write(bytes.data(), bytes.size());
-        to->finish();
-    }
-
-private:
-    std::shared_ptr<Spool> m_spool;
-    std::uint64_t m_offset;
-    std::size_t m_size;
-};
-
-/// Where the finished file goes.
-class ToSpool : public Pipeline
-{
-public:
-    explicit ToSpool(Spool& to) : Pipeline("file", nullptr), m_to(to) {}
-    void write(unsigned char const* bytes, std::size_t size) override
-    {
-        m_held.append(reinterpret_cast<const char*>(bytes), size);
-        if (m_held.size() >= kHeld)
-            put();
-    }
-    void finish() override { put(); }
-    const base::Status& status() const { return m_status; }
-
-private:
-    static constexpr std::size_t kHeld = 256 * 1024;
-    void put()
-    {
-        if (m_status)
-            m_status = m_to.add(m_held);
-        m_held.clear();
-    }
-    Spool& m_to;
-    std::string m_held;
-    base::Status m_status;
-};
-
-Object box(double x1, double y1, double x2, double y2)
-{
-    const auto real = [](double value) { return Object::newReal(value, 3); };
-    return Object::newArray({real(x1), real(y1), real(x2), real(y2)});
+    return fmt::format("[{} {} {} {}]", pdfReal(x1, 3), pdfReal(y1, 3), pdfReal(x2, 3),
+                       pdfReal(y2, 3));
 }
+
+std::string entry(const char* key, const std::string& content)
+{
+    return content.empty() ? content : fmt::format("/{} << {}>> ", key, content);
+}
+
+/// Objects that are there once, however many pages use them.
+class SharedObjects
+{
+public:
+    /// The object's number; @p make is asked for it when it is a new one.
+    template <class Make>
+    int find(std::string_view content, const Make& make)
+    {
+        const base::ContentHash hash = base::hashOf(std::as_bytes(std::span(content)));
+        const auto [found, isNew] = m_numbers.try_emplace({hash.high, hash.low}, 0);
+        if (isNew)
+            found->second = make();
+        return found->second;
+    }
+
+private:
+    std::map<std::pair<std::uint64_t, std::uint64_t>, int> m_numbers; // by content
+};
 
 } // namespace
 
 struct PdfFile::Impl {
     Impl(const DocumentInfo& about, const PdfOptions& wanted, const TvString& folder)
-        : info(about), options(wanted), spool(std::make_shared<Spool>(folder))
+        : info(about), options(wanted), pdf(folder), fonts(pdf)
     {
-        pdf.emptyPDF();
-        fonts = std::make_unique<PdfFonts>(pdf);
     }
 
-    Object contentStream(const std::string& packed, const char* filter = "/FlateDecode")
+    int layer(const TvString& name)
     {
-        const std::uint64_t offset = spool->size();
-        status = spool->add(packed);
-        Object stream = pdf.newStream();
-        stream.replaceStreamData(std::make_shared<FromSpool>(spool, offset, packed.size()),
-                                 Object::newName(filter), Object::newNull());
-        return stream;
-    }
-
-    Object layer(const TvString& name)
-    {
-        auto found = layers.find(name);
-        if (found == layers.end()) {
-            Object group = pdf.makeIndirectObject(Object::newDictionary());
-            group.replaceKey("/Type", Object::newName("/OCG"));
-            group.replaceKey("/Name", Object::newUnicodeString(name.utf8()));
-            found = layers.emplace(name, group).first;
-        }
+        const auto [found, isNew] = layers.try_emplace(name, 0);
+        if (isNew)
+            found->second = pdf.write(fmt::format("<< /Type /OCG /Name {} >>", pdfText(name)));
         return found->second;
     }
 
-    Object resources(PageContent& content)
+    std::string layersOf(const PageContent& content)
     {
-        Object all = Object::newDictionary();
-        Object properties = Object::newDictionary(), states = Object::newDictionary();
+        std::string all;
         for (std::size_t i = 0; i < content.layers.size(); ++i)
-            properties.replaceKey(fmt::format("/L{}", i), layer(content.layers[i]));
-        for (const std::uint8_t alpha : content.alphas)
-            states.replaceKey(fmt::format("/A{}", alpha), opacity(alpha));
-        if (options.mergesLines)
-            states.replaceKey("/M", Object::parse("<< /BM /Multiply >>"));
-        Object used = fonts->use(content);
-        Object shadings = Object::newDictionary(), pictures = Object::newDictionary();
-        for (std::size_t i = 0; i < content.shadings.size(); ++i)
-            shadings.replaceKey(fmt::format("/S{}", i), shadingObject(content.shadings[i]));
-        for (std::size_t i = 0; i < content.images.size(); ++i)
-            pictures.replaceKey(fmt::format("/I{}", i), image(content.images[i]));
-        if (!content.shadings.empty())
-            all.replaceKey("/Shading", shadings);
-        if (!content.images.empty())
-            all.replaceKey("/XObject", pictures);
-        if (!content.layers.empty())
-            all.replaceKey("/Properties", properties);
-        if (!states.getKeys().empty())
-            all.replaceKey("/ExtGState", states);
-        if (!used.getKeys().empty())
-            all.replaceKey("/Font", used);
+            all += fmt::format("/L{} {} 0 R ", i, layer(content.layers[i]));
         return all;
     }
 
-    /// A picture that several pages show is there once.
-    Object image(const UsedImage& used)
+    std::string statesOf(const PageContent& content) const
     {
-        const base::ContentHash hash = base::hashOf(std::as_bytes(std::span(used.packed)));
-        Object& found = images[{hash.high, hash.low}];
-        if (found.isInitialized())
-            return found;
-        found = contentStream(used.packed, used.isJpeg ? "/DCTDecode" : "/FlateDecode");
-        Object dict = found.getDict();
-        dict.replaceKey("/Type", Object::newName("/XObject"));
-        dict.replaceKey("/Subtype", Object::newName("/Image"));
-        dict.replaceKey("/Width", Object::newInteger(used.width));
-        dict.replaceKey("/Height", Object::newInteger(used.height));
-        dict.replaceKey("/ColorSpace", Object::newName(used.isGray ? "/DeviceGray" : "/DeviceRGB"));
-        dict.replaceKey("/BitsPerComponent", Object::newInteger(8));
-        return found;
+        std::string all;
+        for (const std::uint8_t alpha : content.alphas)
+            all += fmt::format("/A{0} << /CA {1} /ca {1} >> ", alpha, pdfReal(alpha / 255.0, 3));
+        if (options.mergesLines)
+            all += "/M << /BM /Multiply >> ";
+        return all;
     }
 
-    static Object opacity(std::uint8_t alpha)
+    std::string picturesOf(const PageContent& content)
     {
-        Object state = Object::newDictionary();
-        state.replaceKey("/CA", Object::newReal(alpha / 255.0, 3));
-        state.replaceKey("/ca", Object::newReal(alpha / 255.0, 3));
-        return state;
+        std::string all;
+        for (std::size_t i = 0; i < content.images.size(); ++i)
+            all += fmt::format("/I{} {} 0 R ", i, picture(content.images[i]));
+        return all;
+    }
+
+    int picture(const UsedImage& used)
+    {
+        return pictures.find(used.packed, [&] {
+            const std::string entries =
+                fmt::format("/Type /XObject /Subtype /Image /Width {} /Height {} /ColorSpace /{} "
+                            "/BitsPerComponent 8{}",
+                            used.width, used.height, used.isGray ? "DeviceGray" : "DeviceRGB",
+                            used.isJpeg ? " /Filter /DCTDecode" : "");
+            return pdf.writeStream(entries, used.packed, !used.isJpeg);
+        });
+    }
+
+    static std::string shadingsOf(const PageContent& content)
+    {
+        std::string all;
+        for (std::size_t i = 0; i < content.shadings.size(); ++i)
+            all += fmt::format("/S{} {} ", i, pdfShading(content.shadings[i]));
+        return all;
+    }
+
+    /// Many pages of a set need the same.
+    int resourcesOf(PageContent& content)
+    {
+        const std::string all =
+            "<< " + entry("Properties", layersOf(content)) + entry("ExtGState", statesOf(content)) +
+            entry("Font", fonts.use(content)) + entry("Shading", shadingsOf(content)) +
+            entry("XObject", picturesOf(content)) + ">>";
+        return resources.find(all, [&] { return pdf.write(all); });
     }
 
     void addPage(std::size_t number, const PageOrder& order, PageContent& content)
     {
-        Object page = pdf.makeIndirectObject(Object::newDictionary());
-        page.replaceKey("/Type", Object::newName("/Page"));
-        double width = content.widthMm * kPointsPerMm, height = content.heightMm * kPointsPerMm;
-        const double unit = std::ceil(std::max(width, height) / kLargestPage);
-        std::string operators = std::move(content.stream);
-        page.replaceKey("/MediaBox", box(0, 0, width / unit, height / unit));
-        std::vector<Object> contents;
+        const double width = content.widthMm * kPointsPerMm;
+        const double height = content.heightMm * kPointsPerMm;
+        const double unit = std::max(1.0, std::ceil(std::max(width, height) / kLargestPage));
+        if (pages.size() % kPagesInNode == 0)
+            nodes.push_back(pdf.reserve());
+        const int page = pdf.reserve();
+        std::string text = fmt::format("<< /Type /Page /Parent {} 0 R /MediaBox {} ", nodes.back(),
+                                       box(0, 0, width / unit, height / unit));
+        std::string contents;
         if (unit > 1) {
-            page.replaceKey("/UserUnit", Object::newInteger(static_cast<int>(unit)));
-            contents.push_back(
-                pdf.newStream(fmt::format("{0:.6f} 0 0 {0:.6f} 0 0 cm\n", 1 / unit)));
+            text += fmt::format("/UserUnit {} ", static_cast<int>(unit));
+            const std::string smaller = fmt::format("{0:.6f} 0 0 {0:.6f} 0 0 cm\n", 1 / unit);
+            contents = pdfReference(pdf.writeStream("", smaller, false)) + " ";
         }
-        contents.push_back(contentStream(operators));
-        page.replaceKey("/Contents",
-                        contents.size() == 1 ? contents[0] : Object::newArray(contents));
-        page.replaceKey("/Resources", resources(content));
-        pages.push_back({page, number, order.number, order.title, order.subsets,
-                         std::move(content.links), kPointsPerMm / unit});
+        contents += pdfReference(pdf.writeStream("", content.stream, true));
+        text += fmt::format("/Contents [{}] /Resources {} 0 R ", contents, resourcesOf(content));
+        if (!content.links.empty()) {
+            linked.push_back({pdf.reserve(), std::move(content.links), kPointsPerMm / unit});
+            text += fmt::format("/Annots {} 0 R ", linked.back().object);
+        }
+        pdf.write(page, text + ">>");
+        pages.push_back({page, &order});
+        if (number >= byNumber.size())
+            byNumber.resize(number + 1);
+        byNumber[number] = page;
     }
 
+    /// When all pages are known: of those that failed none leads anywhere.
     void addLinks()
     {
-        std::map<std::size_t, Object> byNumber;
-        for (const PdfPage& page : pages)
-            byNumber.emplace(page.number, page.page);
-        for (const PdfPage& page : pages) {
-            Object annotations = Object::newArray();
-            for (const PlacedLink& link : page.links) {
-                const auto target = byNumber.find(link.page);
-                if (target == byNumber.end())
-                    continue;
-                Object note = Object::newDictionary();
-                const double unit = page.unitsPerMm;
-                note.replaceKey("/Type", Object::newName("/Annot"));
-                note.replaceKey("/Subtype", Object::newName("/Link"));
-                note.replaceKey("/Rect", box(link.areaMm.lowX * unit, link.areaMm.lowY * unit,
-                                             link.areaMm.highX * unit, link.areaMm.highY * unit));
-                note.replaceKey("/Border", Object::parse("[0 0 0]"));
-                note.replaceKey("/Dest", wholePage(target->second));
-                annotations.appendItem(pdf.makeIndirectObject(note));
-            }
-            if (annotations.getArrayNItems() > 0)
-                Object(page.page).replaceKey("/Annots", annotations);
+        for (const LinkedPage& page : linked) {
+            std::string notes;
+            const double unit = page.unitsPerMm;
+            for (const PlacedLink& link : page.links)
+                if (link.page < byNumber.size() && byNumber[link.page] != 0)
+                    notes += fmt::format(
+                        "<< /Type /Annot /Subtype /Link /Rect {} /Border [0 0 0] /Dest [{} 0 R "
+                        "/Fit] >> ",
+                        box(link.areaMm.lowX * unit, link.areaMm.lowY * unit,
+                            link.areaMm.highX * unit, link.areaMm.highY * unit),
+                        byNumber[link.page]);
+            pdf.write(page.object, "[" + notes + "]");
         }
     }
 
     /// Pages in nodes of a few, so that a viewer finds one without reading all.
-    void addPageTree()
+    int writePageTree()
     {
-        Object root = pdf.getRoot().getKey("/Pages");
-        Object nodes = Object::newArray();
-        for (std::size_t first = 0; first < pages.size(); first += kPagesInNode) {
+        const int root = nodes.size() == 1 ? nodes.front() : pdf.reserve();
+        for (std::size_t i = 0; i < nodes.size(); ++i) {
+            const std::size_t first = i * kPagesInNode;
             const std::size_t end = std::min(first + kPagesInNode, pages.size());
-            const bool isOnly = pages.size() <= kPagesInNode;
-            Object node = isOnly ? root : pdf.makeIndirectObject(Object::newDictionary());
-            Object kids = Object::newArray();
-            for (std::size_t i = first; i < end; ++i) {
-                kids.appendItem(pages[i].page);
-                pages[i].page.replaceKey("/Parent", node);
-            }
-            node.replaceKey("/Type", Object::newName("/Pages"));
-            node.replaceKey("/Kids", kids);
-            node.replaceKey("/Count", Object::newInteger(static_cast<int>(end - first)));
-            if (isOnly)
-                return;
-            node.replaceKey("/Parent", root);
-            nodes.appendItem(node);
+            std::string kids;
+            for (std::size_t page = first; page < end; ++page)
+                kids += pdfReference(pages[page].object) + " ";
+            const std::string parent =
+                nodes[i] == root ? std::string() : "/Parent " + pdfReference(root);
+            pdf.write(nodes[i], fmt::format("<< /Type /Pages /Kids [{}] /Count {} {}>>", kids,
+                                            end - first, parent));
         }
-        root.replaceKey("/Kids", nodes);
-        root.replaceKey("/Count", Object::newInteger(static_cast<int>(pages.size())));
+        if (nodes.size() != 1) {
+            std::string kids;
+            for (const int node : nodes)
+                kids += pdfReference(node) + " ";
+            pdf.write(root,
+                      fmt::format("<< /Type /Pages /Kids [{}] /Count {} >>", kids, pages.size()));
+        }
+        return root;
     }
 
-    void addLayers()
+    std::string layerList() const
     {
-        if (layers.empty())
-            return;
-        std::vector<Object> all;
+        std::string all;
         for (const auto& [name, group] : layers)
-            all.push_back(group);
-        Object shown = Object::newDictionary(), properties = Object::newDictionary();
-        shown.replaceKey("/Order", Object::newArray(all));
-        shown.replaceKey("/ON", Object::newArray(all));
-        properties.replaceKey("/OCGs", Object::newArray(all));
-        properties.replaceKey("/D", shown);
-        pdf.getRoot().replaceKey("/OCProperties", properties);
+            all += pdfReference(group) + " ";
+        return all.empty() ? all
+                           : fmt::format("/OCProperties << /OCGs [{0}] /D << /Order [{0}] /ON "
+                                         "[{0}] >> >> ",
+                                         all);
     }
 
-    void connect()
+    base::Status finish()
     {
-        Object root = pdf.getRoot();
-        addPageTree();
+        std::string catalogue =
+            fmt::format("<< /Type /Catalog /Pages {} 0 R {}", writePageTree(), layerList());
         addLinks();
-        addLayers();
-        fonts->finish();
-        if (options.hasOutline)
-            addOutline(pdf, pages);
-        addPageLabels(pdf, pages);
-        addInfo(pdf, info);
+        fonts.finish();
+        if (options.hasOutline) {
+            catalogue += fmt::format("/Outlines {} 0 R ", writeOutline(pdf, pages));
+            if (pages.size() > 1)
+                catalogue += "/PageMode /UseOutlines ";
+        }
+        catalogue += fmt::format("/PageLabels {} 0 R ", writePageLabels(pdf, pages));
+        const PdfInfo about = writeInfo(pdf, info);
+        catalogue += fmt::format("/Metadata {} 0 R ", about.xmp);
+        if (!info.title.isEmpty())
+            catalogue += "/ViewerPreferences << /DisplayDocTitle true >> ";
+        return pdf.finish(pdf.write(catalogue + ">>"), about.old);
     }
+
+    /// A page whose links wait until all pages are known.
+    struct LinkedPage {
+        int object = 0; ///< of its notes
+        std::vector<PlacedLink> links;
+        double unitsPerMm = 1;
+    };
 
     DocumentInfo info;
     PdfOptions options;
-    std::shared_ptr<Spool> spool;
-    QPDF pdf;
-    std::unique_ptr<PdfFonts> fonts;
+    PdfWriter pdf;
+    PdfFonts fonts;
     std::vector<PdfPage> pages;
-    std::map<TvString, Object> layers;                                // by name, and so shown
-    std::map<std::pair<std::uint64_t, std::uint64_t>, Object> images; // by content
-    base::Status status;
+    std::vector<int> nodes;    // of the tree of pages
+    std::vector<int> byNumber; // page objects by the job's numbers; 0: failed
+    std::vector<LinkedPage> linked;
+    std::map<TvString, int> layers; // by name, and so shown
+    SharedObjects resources, pictures;
 };
 
 PdfFile::PdfFile(const DocumentInfo& info, const PdfOptions& options, const TvString& folder)
@@ -291,7 +249,7 @@ PdfFile::~PdfFile() = default;
 base::Status PdfFile::add(std::size_t number, const PageOrder& order, PageContent content)
 {
     m_impl->addPage(number, order, content);
-    return m_impl->status;
+    return m_impl->pdf.status();
 }
 
 bool PdfFile::isEmpty() const
@@ -299,23 +257,14 @@ bool PdfFile::isEmpty() const
     return m_impl->pages.empty();
 }
 
-base::Status PdfFile::finish(Spool& out)
+base::Status PdfFile::finish()
 {
-    try {
-        m_impl->connect();
-        ToSpool pipeline(out);
-        QPDFWriter writer(m_impl->pdf);
-        writer.setOutputPipeline(&pipeline);
-        writer.setMinimumPDFVersion("1.6");
-        writer.setObjectStreamMode(qpdf_o_generate);
-        writer.setDeterministicID(true);
-        writer.write();
-        pipeline.finish();
-        return pipeline.status();
-    } catch (const std::exception& problem) {
-        return base::Status(base::Failure::Io, kFileNotMade,
-                            {TvString(), TvString(problem.what())});
-    }
+    return m_impl->finish();
+}
+
+const Spool& PdfFile::content() const
+{
+    return m_impl->pdf.file();
 }
 
 } // namespace plot

@@ -1,19 +1,20 @@
 #include <algorithm>
+#include <iterator>
 
 #include <fmt/format.h>
 
 #include <base/content_hash.h>
 
 #include "cff_font.h"
+#include "inflate.h"
 #include "pdf_parts.h"
 
 namespace plot {
 
 namespace {
 
-using Object = QPDFObjectHandle;
-
 constexpr std::size_t kMostRanges = 100; // in one block of a table of characters
+constexpr int kPacking = 9;
 
 /// UTF-16, hexadecimal.
 std::string hexOf(char32_t character)
@@ -74,16 +75,17 @@ std::string plainName(const std::string& name)
 }
 
 /// Around the letters, in units of the font.
-Object fontBox(const std::map<std::uint16_t, UsedLetter>& letters)
+std::string fontBox(const std::map<std::uint16_t, UsedLetter>& letters)
 {
     gs::Box box;
     box.add({0, 0});
     for (const auto& [code, letter] : letters)
         box.addBox(gs::boxOf(letter.outline));
     const auto edge = [](double value) {
-        return Object::newInteger(static_cast<int>(std::clamp(value * 1000, -16000.0, 16000.0)));
+        return static_cast<int>(std::clamp(value * 1000, -16000.0, 16000.0));
     };
-    return Object::newArray({edge(box.lowX), edge(box.lowY), edge(box.highX), edge(box.highY)});
+    return fmt::format("[{} {} {} {}]", edge(box.lowX), edge(box.lowY), edge(box.highX),
+                       edge(box.highY));
 }
 
 struct FontFile {
@@ -92,85 +94,81 @@ struct FontFile {
     std::uint32_t plane;
 };
 
-Object widthsOf(const std::map<std::uint16_t, UsedLetter>& letters)
+/// Runs of codes that follow each other, as their first code and their widths.
+std::string widthsOf(const std::map<std::uint16_t, UsedLetter>& letters)
 {
-    Object widths = Object::newArray();
+    std::string widths;
     int next = -1;
-    Object run;
     for (const auto& [code, letter] : letters) {
-        if (code != next) {
-            run = Object::newArray();
-            widths.appendItem(Object::newInteger(code));
-            widths.appendItem(run);
-        }
-        run.appendItem(Object::newInteger(cffWidth(letter)));
+        if (code != next)
+            widths += fmt::format("{}{} [", next < 0 ? "" : "] ", code);
+        fmt::format_to(std::back_inserter(widths), "{} ", cffWidth(letter));
         next = code + 1;
     }
-    return widths;
+    return widths.empty() ? widths : "/W [" + widths + "]] ";
 }
 
-void writeFont(QPDF& pdf, Object font, const FontFile& file, int defaultWidth)
+int writeDescriptor(PdfWriter& pdf, const FontFile& file, const std::string& name)
+{
+    const int program =
+        pdf.writeStream("/Subtype /CIDFontType0C", deflated(file.program, kPacking), true);
+    return pdf.write(
+        fmt::format("<< /Type /FontDescriptor /FontName {} /Flags 4 /ItalicAngle 0 /Ascent 1300 "
+                    "/Descent -400 /CapHeight 1000 /StemV 100 /FontBBox {} /FontFile3 {} 0 R >>",
+                    name, fontBox(file.letters), program));
+}
+
+void writeFont(PdfWriter& pdf, int font, const FontFile& file, int defaultWidth)
 {
     const std::string name = "/" + tagOf(file.program) + "+" + file.name;
-    Object program = pdf.newStream(file.program);
-    program.getDict().replaceKey("/Subtype", Object::newName("/CIDFontType0C"));
-    Object descriptor =
-        Object::parse("<< /Type /FontDescriptor /Flags 4 /ItalicAngle 0 /Ascent 1300 /Descent -400 "
-                      "/CapHeight 1000 /StemV 100 >>");
-    descriptor.replaceKey("/FontName", Object::newName(name));
-    descriptor.replaceKey("/FontBBox", fontBox(file.letters));
-    descriptor.replaceKey("/FontFile3", program);
-    Object inner = Object::parse("<< /Type /Font /Subtype /CIDFontType0 /CIDSystemInfo << "
-                                 "/Registry (Adobe) /Ordering (Identity) /Supplement 0 >> >>");
-    inner.replaceKey("/BaseFont", Object::newName(name));
-    inner.replaceKey("/FontDescriptor", pdf.makeIndirectObject(descriptor));
-    inner.replaceKey("/DW", Object::newInteger(defaultWidth));
-    if (Object widths = widthsOf(file.letters); widths.getArrayNItems() > 0)
-        inner.replaceKey("/W", widths);
+    const int descriptor = writeDescriptor(pdf, file, name);
+    const int inner = pdf.write(
+        fmt::format("<< /Type /Font /Subtype /CIDFontType0 /BaseFont {} /CIDSystemInfo << "
+                    "/Registry (Adobe) /Ordering (Identity) /Supplement 0 >> /FontDescriptor {} 0 "
+                    "R /DW {} {}>>",
+                    name, descriptor, defaultWidth, widthsOf(file.letters)));
     std::vector<std::uint16_t> codes;
     for (const auto& [code, letter] : file.letters)
         codes.push_back(code);
-    font.replaceKey("/Type", Object::newName("/Font"));
-    font.replaceKey("/Subtype", Object::newName("/Type0"));
-    font.replaceKey("/BaseFont", Object::newName(name));
-    font.replaceKey("/Encoding", Object::newName("/Identity-H"));
-    font.replaceKey("/DescendantFonts", Object::newArray({pdf.makeIndirectObject(inner)}));
-    font.replaceKey("/ToUnicode", pdf.newStream(unicodeTable(codes, file.plane)));
+    const int characters =
+        pdf.writeStream("", deflated(unicodeTable(codes, file.plane), kPacking), true);
+    pdf.write(font, fmt::format("<< /Type /Font /Subtype /Type0 /BaseFont {} /Encoding /Identity-H "
+                                "/DescendantFonts [{} 0 R] /ToUnicode {} 0 R >>",
+                                name, inner, characters));
 }
 
 } // namespace
 
-Object PdfFonts::use(PageContent& content)
+std::string PdfFonts::use(PageContent& content)
 {
-    Object fonts = Object::newDictionary();
+    std::string fonts;
     for (std::size_t i = 0; i < content.fonts.size(); ++i) {
         UsedFont& used = content.fonts[i];
         const auto key = std::pair(used.face.key, used.plane);
         const auto [at, isNew] = m_byKey.emplace(key, m_fonts.size());
         if (isNew)
-            m_fonts.push_back(
-                {m_pdf.makeIndirectObject(Object::newDictionary()), {used.face, used.plane, {}}});
+            m_fonts.push_back({m_pdf.reserve(), {used.face, used.plane, {}}});
         Font& font = m_fonts[at->second];
         font.used.letters.merge(used.letters);
-        fonts.replaceKey(fmt::format("/F{}", i), font.object);
+        fonts += fmt::format("/F{} {} 0 R ", i, font.object);
     }
     if (!content.hidden.empty()) {
-        if (!m_hidden.isInitialized())
-            m_hidden = m_pdf.makeIndirectObject(Object::newDictionary());
+        if (m_hidden == 0)
+            m_hidden = m_pdf.reserve();
         m_hiddenLetters.merge(content.hidden);
-        fonts.replaceKey("/FH", m_hidden);
+        fonts += fmt::format("/FH {} 0 R ", m_hidden);
     }
     return fonts;
 }
 
 void PdfFonts::finish()
 {
-    for (Font& font : m_fonts) {
+    for (const Font& font : m_fonts) {
         const std::string name = plainName(font.used.face.name);
         writeFont(m_pdf, font.object,
                   {name, cffFont(font.used.letters, name), font.used.letters, font.used.plane}, 0);
     }
-    if (m_hidden.isInitialized())
+    if (m_hidden != 0)
         writeHidden();
 }
 

@@ -1,8 +1,9 @@
 #include "pdf_parts.h"
 
+#include <algorithm>
 #include <cmath>
 #include <ctime>
-#include <memory>
+#include <iterator>
 
 #include <fmt/format.h>
 
@@ -10,65 +11,99 @@ namespace plot {
 
 namespace {
 
-using Object = QPDFObjectHandle;
-
-Object textOf(const TvString& text)
-{
-    return Object::newUnicodeString(text.utf8());
-}
-
-/// A line of the outline, with those below it.
-struct OutlineNode {
-    TvString title;
-    Object page; // that it leads to
-    std::vector<std::unique_ptr<OutlineNode>> children;
-    std::map<TvString, OutlineNode*> subsets; // among the children
-
-    OutlineNode& subset(const TvString& name, const Object& first)
-    {
-        OutlineNode*& found = subsets[name];
-        if (!found) {
-            children.push_back(std::make_unique<OutlineNode>());
-            found = children.back().get();
-            found->title = name;
-            found->page = first;
-        }
-        return *found;
-    }
+/// A line of the outline: a subset, or a sheet. Its relations are places in the list of lines, 0
+/// for none: there the outline itself is.
+struct OutlineLine {
+    std::size_t page = 0;             ///< that it leads to
+    const TvString* subset = nullptr; ///< null: a sheet
+    std::size_t parent = 0, first = 0, last = 0, before = 0, next = 0;
+    int below = 0; ///< lines, at any depth
 };
 
-TvString titleOf(const PdfPage& page)
+class Outline
 {
-    if (page.label.isEmpty() || page.title.isEmpty())
-        return page.label.isEmpty() ? page.title : page.label;
-    return page.label + u" - " + page.title.view();
-}
+public:
+    explicit Outline(const std::vector<PdfPage>& pages) : m_pages(pages), m_lines(1)
+    {
+        for (std::size_t page = 0; page < pages.size(); ++page)
+            addPage(page);
+        for (std::size_t i = m_lines.size() - 1; i > 0; --i) // a line stands behind its parent
+            m_lines[m_lines[i].parent].below += 1 + m_lines[i].below;
+    }
 
-/// Makes the objects of all below @p node; @return how many lines they are.
-int writeBelow(QPDF& pdf, const OutlineNode& node, Object self)
-{
-    int count = 0;
-    Object former;
-    for (const auto& child : node.children) {
-        Object line = pdf.makeIndirectObject(Object::newDictionary());
-        line.replaceKey("/Title", textOf(child->title));
-        line.replaceKey("/Parent", self);
-        line.replaceKey("/Dest", wholePage(child->page));
-        if (former.isInitialized()) {
-            line.replaceKey("/Prev", former);
-            former.replaceKey("/Next", line);
-        } else {
-            self.replaceKey("/First", line);
+    /// @return the object of the outline itself.
+    int write(PdfWriter& pdf) const
+    {
+        std::vector<int> objects;
+        std::ranges::generate_n(std::back_inserter(objects), std::ssize(m_lines),
+                                [&pdf] { return pdf.reserve(); });
+        for (std::size_t i = 0; i < m_lines.size(); ++i)
+            pdf.write(objects[i], textOf(i, objects));
+        return objects.front();
+    }
+
+private:
+    void addPage(std::size_t page)
+    {
+        constexpr std::size_t kDeepest = 64;
+        std::size_t at = 0;
+        const std::vector<TvString>& subsets = m_pages[page].order->subsets;
+        for (std::size_t i = 0; i < std::min(subsets.size(), kDeepest); ++i) {
+            const auto [found, isNew] = m_subsets.try_emplace({at, subsets[i].view()}, 0);
+            if (isNew)
+                found->second = add(at, page, &subsets[i]);
+            at = found->second;
         }
-        former = line;
-        count += 1 + writeBelow(pdf, *child, line);
+        add(at, page, nullptr);
     }
-    if (former.isInitialized()) {
-        self.replaceKey("/Last", former);
-        self.replaceKey("/Count", Object::newInteger(count));
+
+    std::size_t add(std::size_t parent, std::size_t page, const TvString* subset)
+    {
+        const std::size_t made = m_lines.size();
+        const std::size_t before = m_lines[parent].last;
+        m_lines.push_back({page, subset, parent, 0, 0, before});
+        (before != 0 ? m_lines[before].next : m_lines[parent].first) = made;
+        m_lines[parent].last = made;
+        return made;
     }
-    return count;
-}
+
+    std::string textOf(std::size_t number, const std::vector<int>& objects) const
+    {
+        const OutlineLine& line = m_lines[number];
+        std::string text = "<< ";
+        const auto refer = [&](const char* key, std::size_t to) {
+            if (to != 0)
+                fmt::format_to(std::back_inserter(text), "/{} {} 0 R ", key, objects[to]);
+        };
+        if (number == 0)
+            text += "/Type /Outlines ";
+        else
+            text +=
+                fmt::format("/Title {} /Dest [{} 0 R /Fit] /Parent {} 0 R ", pdfText(titleOf(line)),
+                            m_pages[line.page].object, objects[line.parent]);
+        refer("First", line.first);
+        refer("Last", line.last);
+        refer("Prev", line.before);
+        refer("Next", line.next);
+        if (line.below > 0)
+            text += fmt::format("/Count {} ", line.below);
+        return text + ">>";
+    }
+
+    TvString titleOf(const OutlineLine& line) const
+    {
+        if (line.subset)
+            return *line.subset;
+        const PageOrder& order = *m_pages[line.page].order;
+        if (order.number.isEmpty() || order.title.isEmpty())
+            return order.number.isEmpty() ? order.title : order.number;
+        return order.number + u" - " + order.title.view();
+    }
+
+    const std::vector<PdfPage>& m_pages;
+    std::vector<OutlineLine> m_lines; // the first one is the outline itself
+    std::map<std::pair<std::size_t, std::u16string_view>, std::size_t> m_subsets;
+};
 
 std::string xmlOf(const TvString& text)
 {
@@ -125,15 +160,13 @@ std::string xmpOf(const DocumentInfo& info, const std::string& date)
 
 } // namespace
 
-Object shadingObject(const UsedShading& shading)
+std::string pdfShading(const UsedShading& shading)
 {
     const auto colorOf = [](std::uint32_t rgb) {
-        Object color = Object::newArray();
-        for (const int shift : {16, 8, 0})
-            color.appendItem(Object::newReal((rgb >> shift & 0xFF) / 255.0, 3));
-        return color;
+        const auto part = [rgb](int shift) { return pdfReal((rgb >> shift & 0xFF) / 255.0, 3); };
+        return fmt::format("[{} {} {}]", part(16), part(8), part(0));
     };
-    Object functions = Object::newArray(), bounds = Object::newArray(), encode = Object::newArray();
+    std::string functions, bounds, encode;
     const auto fineOf = [](double at) { return std::lround(at * 10'000); };
     for (std::size_t i = 0; i + 1 < shading.stops.size(); ++i) {
         const auto& [from, color] = shading.stops[i];
@@ -141,84 +174,50 @@ Object shadingObject(const UsedShading& shading)
         // Where colours change at once nothing is between them, and bounds must ascend.
         if (fineOf(from) == fineOf(to))
             continue;
-        if (functions.getArrayNItems() > 0)
-            bounds.appendItem(Object::newReal(from, 4));
-        Object between = Object::parse("<< /FunctionType 2 /Domain [0 1] /N 1 >>");
-        between.replaceKey("/C0", colorOf(color));
-        between.replaceKey("/C1", colorOf(next));
-        functions.appendItem(between);
-        encode.appendItem(Object::newInteger(0));
-        encode.appendItem(Object::newInteger(1));
+        if (!functions.empty())
+            bounds += pdfReal(from, 4) + " ";
+        functions += fmt::format("<< /FunctionType 2 /Domain [0 1] /N 1 /C0 {} /C1 {} >> ",
+                                 colorOf(color), colorOf(next));
+        encode += "0 1 ";
     }
-    Object all = Object::parse("<< /FunctionType 3 /Domain [0 1] >>");
-    all.replaceKey("/Functions", functions);
-    all.replaceKey("/Bounds", bounds);
-    all.replaceKey("/Encode", encode);
-    Object dict = Object::parse(
-        shading.isRound ? "<< /ShadingType 3 /ColorSpace /DeviceRGB /Coords [0 0 0 0 0 1] "
-                          "/Extend [true true] >>"
-                        : "<< /ShadingType 2 /ColorSpace /DeviceRGB /Coords [0 0 1 0] "
-                          "/Extend [true true] >>");
-    dict.replaceKey("/Function", all);
-    return dict;
+    return fmt::format("<< {} /ColorSpace /DeviceRGB /Extend [true true] /Function << "
+                       "/FunctionType 3 /Domain [0 1] /Functions [{}] /Bounds [{}] /Encode [{}] >> "
+                       ">>",
+                       shading.isRound ? "/ShadingType 3 /Coords [0 0 0 0 0 1]"
+                                       : "/ShadingType 2 /Coords [0 0 1 0]",
+                       functions, bounds, encode);
 }
 
-Object wholePage(const Object& page)
+int writeOutline(PdfWriter& pdf, const std::vector<PdfPage>& pages)
 {
-    return Object::newArray({page, Object::newName("/Fit")});
+    return Outline(pages).write(pdf);
 }
 
-void addOutline(QPDF& pdf, const std::vector<PdfPage>& pages)
+int writePageLabels(PdfWriter& pdf, const std::vector<PdfPage>& pages)
 {
-    constexpr std::size_t kDeepest = 64;
-    OutlineNode root;
-    for (const PdfPage& page : pages) {
-        OutlineNode* at = &root;
-        for (std::size_t i = 0; i < std::min(page.subsets.size(), kDeepest); ++i)
-            at = &at->subset(page.subsets[i], page.page);
-        at->children.push_back(std::make_unique<OutlineNode>());
-        at->children.back()->title = titleOf(page);
-        at->children.back()->page = page.page;
-    }
-    Object outlines = pdf.makeIndirectObject(Object::newDictionary());
-    outlines.replaceKey("/Type", Object::newName("/Outlines"));
-    writeBelow(pdf, root, outlines);
-    pdf.getRoot().replaceKey("/Outlines", outlines);
-    if (pages.size() > 1)
-        pdf.getRoot().replaceKey("/PageMode", Object::newName("/UseOutlines"));
-}
-
-void addPageLabels(QPDF& pdf, const std::vector<PdfPage>& pages)
-{
-    Object numbers = Object::newArray();
+    std::string text = "<< /Nums [";
     for (std::size_t i = 0; i < pages.size(); ++i) {
-        Object label = Object::newDictionary();
-        if (pages[i].label.isEmpty()) {
-            label.replaceKey("/S", Object::newName("/D"));
-            label.replaceKey("/St", Object::newInteger(static_cast<int>(i) + 1));
-        } else {
-            label.replaceKey("/P", textOf(pages[i].label));
-        }
-        numbers.appendItem(Object::newInteger(static_cast<int>(i)));
-        numbers.appendItem(label);
+        const TvString& number = pages[i].order->number;
+        if (number.isEmpty())
+            fmt::format_to(std::back_inserter(text), "{} << /S /D /St {} >> ", i, i + 1);
+        else
+            fmt::format_to(std::back_inserter(text), "{} << /P {} >> ", i, pdfText(number));
     }
-    Object labels = Object::newDictionary();
-    labels.replaceKey("/Nums", numbers);
-    pdf.getRoot().replaceKey("/PageLabels", pdf.makeIndirectObject(labels));
+    return pdf.write(text + "] >>");
 }
 
-void addInfo(QPDF& pdf, const DocumentInfo& info)
+PdfInfo writeInfo(PdfWriter& pdf, const DocumentInfo& info)
 {
-    Object dict = Object::newDictionary();
+    std::string dict = "<< ";
     const auto put = [&dict](const char* key, const TvString& text) {
         if (!text.isEmpty())
-            dict.replaceKey(key, textOf(text));
+            dict += fmt::format("/{} {} ", key, pdfText(text));
     };
-    put("/Title", info.title);
-    put("/Author", info.author);
-    put("/Subject", info.subject);
-    put("/Keywords", info.keywords);
-    put("/Producer", TvString(u"TARVIK"));
+    put("Title", info.title);
+    put("Author", info.author);
+    put("Subject", info.subject);
+    put("Keywords", info.keywords);
+    put("Producer", TvString(u"TARVIK"));
     std::string date;
     if (info.dateUtc) {
         const std::tm t = utc(*info.dateUtc);
@@ -227,18 +226,12 @@ void addInfo(QPDF& pdf, const DocumentInfo& info)
                                t.tm_hour, t.tm_min, t.tm_sec);
         };
         date = plain("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z");
-        const Object stamp = Object::newString(plain("D:{:04}{:02}{:02}{:02}{:02}{:02}Z"));
-        dict.replaceKey("/CreationDate", stamp);
-        dict.replaceKey("/ModDate", stamp);
+        const std::string stamp = plain("(D:{:04}{:02}{:02}{:02}{:02}{:02}Z)");
+        dict += fmt::format("/CreationDate {0} /ModDate {0} ", stamp);
     }
-    pdf.getTrailer().replaceKey("/Info", pdf.makeIndirectObject(dict));
-    Object metadata = pdf.newStream(xmpOf(info, date));
-    metadata.getDict().replaceKey("/Type", Object::newName("/Metadata"));
-    metadata.getDict().replaceKey("/Subtype", Object::newName("/XML"));
-    pdf.getRoot().replaceKey("/Metadata", metadata);
-    if (!info.title.isEmpty())
-        pdf.getRoot().replaceKey("/ViewerPreferences",
-                                 Object::parse("<< /DisplayDocTitle true >>"));
+    // Not packed, so that programs that know nothing of the rest find it.
+    return {pdf.write(dict + ">>"),
+            pdf.writeStream("/Type /Metadata /Subtype /XML", xmpOf(info, date), false)};
 }
 
 } // namespace plot

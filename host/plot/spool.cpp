@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstring>
 
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <base/path_rules.h>
@@ -18,16 +17,8 @@ constexpr std::size_t kMostInMemory = std::size_t(256) << 10;
 
 Spool::~Spool()
 {
-    unmap();
     if (m_file != base::FileOps::kNone)
         base::systemFileOps().close(m_file);
-}
-
-void Spool::unmap()
-{
-    if (m_map)
-        munmap(m_map, m_mapSize);
-    m_map = nullptr;
 }
 
 base::Status Spool::open()
@@ -63,7 +54,6 @@ base::Status Spool::add(std::string_view bytes)
 {
     if (m_hasFailed)
         return base::Status::fromSystem(EIO, m_folder);
-    unmap();
     if (m_file == base::FileOps::kNone && m_memory.size() + bytes.size() <= kMostInMemory) {
         m_memory += bytes;
         m_size = m_memory.size();
@@ -74,7 +64,7 @@ base::Status Spool::add(std::string_view bytes)
         status = open();
         if (status)
             status = write(m_memory, 0);
-        m_memory = {};
+        std::string().swap(m_memory);
     }
     if (status)
         status = write(bytes, m_size);
@@ -83,7 +73,7 @@ base::Status Spool::add(std::string_view bytes)
     return status;
 }
 
-bool Spool::read(std::uint64_t offset, std::span<char> bytes) const
+bool Spool::read(std::uint64_t offset, std::span<std::byte> bytes) const
 {
     if (m_hasFailed || offset > m_size || bytes.size() > m_size - offset)
         return false;
@@ -93,29 +83,12 @@ bool Spool::read(std::uint64_t offset, std::span<char> bytes) const
     }
     while (!bytes.empty()) {
         std::size_t got = 0;
-        if (base::systemFileOps().read(m_file, offset, std::as_writable_bytes(bytes), got) != 0 ||
-            got == 0)
+        if (base::systemFileOps().read(m_file, offset, bytes, got) != 0 || got == 0)
             return false;
         bytes = bytes.subspan(got);
         offset += got;
     }
     return true;
-}
-
-std::span<const std::byte> Spool::whole()
-{
-    if (m_hasFailed || m_size == 0)
-        return {};
-    if (m_file == base::FileOps::kNone)
-        return std::as_bytes(std::span(m_memory));
-    if (!m_map) {
-        m_mapSize = static_cast<std::size_t>(m_size);
-        void* const map = mmap(nullptr, m_mapSize, PROT_READ, MAP_SHARED, m_file, 0);
-        if (map == MAP_FAILED)
-            return {};
-        m_map = map;
-    }
-    return {static_cast<const std::byte*>(m_map), m_mapSize};
 }
 
 } // namespace plot

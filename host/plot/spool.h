@@ -26,21 +26,16 @@ public:
     base::Status add(std::string_view bytes);
     std::uint64_t size() const { return m_size; }
     /// Reads so many bytes from @p offset on; false when they are not there.
-    bool read(std::uint64_t offset, std::span<char> bytes) const;
-    /// All of it; good until the next add(). Empty when it cannot be had.
-    std::span<const std::byte> whole();
+    bool read(std::uint64_t offset, std::span<std::byte> bytes) const;
 
 private:
     base::Status open();
     base::Status write(std::string_view bytes, std::uint64_t offset);
-    void unmap();
 
     TvString m_folder;
     std::string m_memory;
     std::uint64_t m_size = 0;
     base::FileOps::Descriptor m_file = base::FileOps::kNone;
-    void* m_map = nullptr; // of the whole file
-    std::size_t m_mapSize = 0;
     bool m_hasFailed = false;
 };
 

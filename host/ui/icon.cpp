@@ -1,5 +1,7 @@
 #include "ui/icon.h"
 
+#include <optional>
+
 #include <QDir>
 #include <QFile>
 #include <QIconEngine>
@@ -39,11 +41,11 @@ ColorRole selectedRole(ColorRole role)
     return role == ColorRole::IconFill ? ColorRole::Accent : ColorRole::AccentText;
 }
 
-QByteArray inColors(QByteArray picture, QIcon::Mode mode)
+QByteArray inColors(QByteArray picture, QIcon::Mode mode, Theme of)
 {
     for (const Sign& row : kSigns) {
         const ColorRole role = mode == QIcon::Selected ? selectedRole(row.role) : row.role;
-        picture.replace(row.sign, color(role).name().toLatin1());
+        picture.replace(row.sign, color(role, of).name().toLatin1());
     }
     return picture;
 }
@@ -58,14 +60,18 @@ QByteArray contentOf(const QString& name)
 class ThemedIcon : public QIconEngine
 {
 public:
-    explicit ThemedIcon(QString name) : m_name(std::move(name)) {}
+    /// @param fixed  nullopt: the theme in force.
+    explicit ThemedIcon(QString name, std::optional<Theme> fixed = {})
+        : m_name(std::move(name)), m_fixed(fixed)
+    {
+    }
 
-    QIconEngine* clone() const override { return new ThemedIcon(m_name); }
+    QIconEngine* clone() const override { return new ThemedIcon(m_name, m_fixed); }
     bool isNull() override { return false; }
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override
     {
-        QSvgRenderer renderer(inColors(contentOf(m_name), mode));
+        QSvgRenderer renderer(inColors(contentOf(m_name), mode, shownTheme()));
         const int side = std::min(rect.width(), rect.height());
         QRect square(0, 0, side, side);
         square.moveCenter(rect.center());
@@ -83,7 +89,7 @@ public:
                                 .arg(size.width())
                                 .arg(size.height())
                                 .arg(static_cast<int>(mode))
-                                .arg(static_cast<int>(theme()));
+                                .arg(static_cast<int>(shownTheme()));
         QPixmap pixels;
         if (QPixmapCache::find(key, &pixels))
             return pixels;
@@ -98,7 +104,10 @@ public:
     }
 
 private:
+    Theme shownTheme() const { return m_fixed.value_or(theme()); }
+
     QString m_name;
+    std::optional<Theme> m_fixed;
 };
 
 } // namespace
@@ -106,6 +115,11 @@ private:
 QIcon icon(const QString& name)
 {
     return !name.isEmpty() && QFile::exists(fileOf(name)) ? QIcon(new ThemedIcon(name)) : QIcon();
+}
+
+QIcon icon(const QString& name, Theme theme)
+{
+    return QFile::exists(fileOf(name)) ? QIcon(new ThemedIcon(name, theme)) : QIcon();
 }
 
 QIcon icon(const TvString& name)

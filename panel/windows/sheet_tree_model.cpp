@@ -22,6 +22,12 @@ SheetTreeModel::SheetTreeModel(SheetTree& tree) : m_tree(tree)
     m_tree.setListener(this);
 }
 
+void SheetTreeModel::usePictures(ui::Theme theme)
+{
+    for (std::size_t i = 0; i < m_images.size(); ++i)
+        m_images[i] = ui::icon(QString::fromLatin1(kImages[i]), theme);
+}
+
 SheetTreeModel::~SheetTreeModel()
 {
     m_tree.setListener(nullptr);

@@ -5,6 +5,7 @@ CEditSubsetAndSheetPublishTreeCtrl::CEditSubsetAndSheetPublishTreeCtrl(
     : CDragTreeCtrl(tree, parent)
 {
     setSelectionMode(SingleSelection);
+    shownItems().usePictures(ui::Theme::Light);
     shownItems().isChecked = [&checks](const panel::TreeItem& item) {
         return checks.isChecked(item);
     };

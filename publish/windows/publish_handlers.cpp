@@ -51,6 +51,7 @@ void editPublishOptions(panel::SheetListPage&)
 
 const panel::HandlerInstaller kInstaller([](panel::PanelCommands& commands) {
     addHandlers(commands);
+    setAskForPageSetups(&choosePageSetups);
     commands.setHandler(panel::kEditPublishList, &editPublishList);
     commands.setHandler(panel::kPublishOptions, &editPublishOptions);
 });

@@ -29,6 +29,22 @@ TEST_F(HeadlessTest, OpensTheDrawingsOfEachVersion)
     }
 }
 
+TEST_F(HeadlessTest, AScriptPlotsADrawing)
+{
+    const std::string blank = path("with blank.pdf");
+    const Ran ran =
+        run({"--headless", "--script",
+             script("PLOT\n" + path("out") + "\nPLOT\n\"" + blank + "\"\n"), path("a.dwg")});
+    EXPECT_EQ(ran.code, 0) << ran.err;
+    EXPECT_TRUE(folder.read("out.pdf").starts_with("%PDF-")) << ran.err;
+    EXPECT_TRUE(folder.read("with blank.pdf").starts_with("%PDF-")) << ran.err;
+    EXPECT_NE(ran.err.find("out.pdf was written."), std::string::npos) << ran.err;
+    EXPECT_NE(
+        run({"--headless", "--script", script("PLOT\n/nowhere/at/all/x.pdf\n"), path("a.dwg")})
+            .err.find("Publishing failed"),
+        std::string::npos);
+}
+
 TEST_F(HeadlessTest, ADrawingThatIsNotThereIsToldAndTheCodeSaysSo)
 {
     const Ran ran = run({"--headless", path("none.dwg")});

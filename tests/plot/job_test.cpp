@@ -170,6 +170,58 @@ TEST_F(PlotJob, LinksLeadToPages)
     EXPECT_EQ(json, "1\n");
 }
 
+TEST_F(PlotJob, LinksToPagesThatFailedAreLeftOut)
+{
+    addPages(3);
+    request.pages[0].links.push_back({{10, 10, 50, 20}, 0, 1});
+    request.pages[0].links.push_back({{10, 30, 50, 40}, 0, 2});
+    request.pages[1].layoutName = u"Nowhere";
+    ASSERT_TRUE(run().status);
+    if (!hasProgram("qpdf"))
+        GTEST_SKIP();
+
+    const std::string plain = "qpdf --qdf --object-streams=disable " + path("out.pdf") + " - ";
+    EXPECT_EQ(printed(plain + "| grep -a -c /Subtype./Link"), "1\n");
+}
+
+TEST_F(PlotJob, MorePagesThanANodeHoldsStandInTheirOrder)
+{
+    addPages(130);
+    ASSERT_TRUE(run().status);
+    if (!hasProgram("qpdf") || !hasProgram("pdfinfo"))
+        GTEST_SKIP();
+
+    int code = 0;
+    const std::string said = printed("qpdf --check " + path("out.pdf"), &code);
+    EXPECT_EQ(code, 0) << said;
+    EXPECT_NE(printed("pdfinfo " + path("out.pdf")).find("Pages:           130"),
+              std::string::npos);
+    const std::string json =
+        printed("qpdf --json --json-key=pagelabels --json-key=outlines " + path("out.pdf"));
+    EXPECT_NE(json.find("\"/P\": \"u:A-130\""), std::string::npos) << json;
+    EXPECT_NE(json.find("\"title\": \"A-129 - Sheet 129\""), std::string::npos) << json;
+    EXPECT_NE(json.find("\"destpageposfrom1\": 130"), std::string::npos) << json;
+}
+
+TEST_F(PlotJob, SheetsAreLinesBelowTheirSubsets)
+{
+    addPages(4);
+    request.pages[3].subsets.clear();
+    ASSERT_TRUE(run().status);
+    if (!hasProgram("pdftohtml"))
+        GTEST_SKIP();
+
+    const std::string xml =
+        printed("pdftohtml -xml -i -stdout " + path("out.pdf") + " | sed -n '/<outline>/,$p'");
+    EXPECT_EQ(xml, "<outline>\n<item page=\"1\">Architect</item>\n<outline>\n"
+                   "<item page=\"1\">Odd</item>\n<outline>\n"
+                   "<item page=\"1\">A-001 - Sheet 1</item>\n"
+                   "<item page=\"3\">A-003 - Sheet 3</item>\n</outline>\n"
+                   "<item page=\"2\">Even</item>\n<outline>\n"
+                   "<item page=\"2\">A-002 - Sheet 2</item>\n</outline>\n</outline>\n"
+                   "<item page=\"4\">A-004 - Sheet 4</item>\n</outline>\n</pdf2xml>\n");
+}
+
 TEST_F(PlotJob, TheStampStandsOnThePage)
 {
     addPages(1);

@@ -2,6 +2,7 @@
 
 #include <resources/texts.h>
 
+#include "answered_prompts.h"
 #include "publish_scene.h"
 
 namespace {
@@ -213,6 +214,7 @@ TEST_F(PublishTest, PageSetupsOfASetWithoutADrawingAreAskedForUntilThereIsOne)
     publish::setAskForPageSetups([&](TvSmDatabase&) {
         if (++asked == 2)
             namePageSetups("setups.dwt");
+        return true;
     });
     commands.run(58);
     EXPECT_EQ(asked, 2);
@@ -228,7 +230,7 @@ TEST_F(PublishTest, PageSetupsOfASetWithoutADrawingAreAskedForUntilThereIsOne)
 TEST_F(PublishTest, PageSetupsAreNotAskedForAgainWhenTheUserGaveUpOrTheSetIsLocked)
 {
     int asked = 0;
-    publish::setAskForPageSetups([&](TvSmDatabase&) { ++asked; });
+    publish::setAskForPageSetups([&](TvSmDatabase&) { return ++asked > 0; });
     commands.run(58); // the answer is Cancel
     EXPECT_EQ(messages.numbers(), std::vector{524});
     messages.answer = TvUserMessages::Answer::Ok;
@@ -240,6 +242,49 @@ TEST_F(PublishTest, PageSetupsAreNotAskedForAgainWhenTheUserGaveUpOrTheSetIsLock
     publish::setAskForPageSetups({});
     commands.run(58);
     EXPECT_TRUE(calls.pageSetups.empty());
+}
+
+TEST_F(PublishTest, TheDrawingOfPageSetupsCanBeChosenAsAFile)
+{
+    messages.answer = TvUserMessages::Answer::Ok;
+    pageSetups("setups.dwt", {{u"A3", 5}});
+    change(database, [](TvSmSheetSet& set) { set.setAltPageSetups(nullptr); });
+    publish::setAskForPageSetups(&publish::choosePageSetups);
+    AnsweredPrompts prompts;
+    prompts.files = {folder.file("setups.dwt")};
+    commands.run(58);
+    EXPECT_FALSE(prompts.asked.isForSaving);
+    EXPECT_FALSE(prompts.asked.isForFolder);
+    EXPECT_EQ(prompts.asked.extensions.front(), TvString(u"dwt"));
+    ASSERT_EQ(calls.pageSetups.size(), 1u);
+    const TvSmFileReference* kept = database->getSheetSet()->getAltPageSetups();
+    ASSERT_NE(kept, nullptr);
+    EXPECT_EQ(kept->resolveFileName(), folder.file("setups.dwt"));
+    EXPECT_EQ(database->getLockStatus(), 0);
+    commands.run(58);
+    EXPECT_EQ(messages.numbers(), std::vector{524}) << "nothing is asked a second time";
+}
+
+TEST_F(PublishTest, WithoutAnybodyToAskForAFileThePageSetupsAreGivenUp)
+{
+    messages.answer = TvUserMessages::Answer::Ok;
+    publish::setAskForPageSetups(&publish::choosePageSetups);
+    commands.run(58);
+    EXPECT_EQ(messages.numbers(), std::vector{524});
+    EXPECT_EQ(database->getSheetSet()->getAltPageSetups(), nullptr);
+}
+
+TEST_F(PublishTest, ALockedSetKeepsNoChosenPageSetups)
+{
+    AnsweredPrompts prompts;
+    prompts.files = {folder.file("setups.dwt")};
+    ASSERT_TRUE(database->lockDb(database));
+    EXPECT_TRUE(publish::choosePageSetups(*database));
+    EXPECT_EQ(database->getSheetSet()->getAltPageSetups(), nullptr);
+    ASSERT_TRUE(database->unlockDb(database, false));
+    prompts.files.clear(); // the user gives up
+    EXPECT_TRUE(publish::choosePageSetups(*database));
+    EXPECT_EQ(database->getSheetSet()->getAltPageSetups(), nullptr);
 }
 
 TEST_F(PublishTest, APageSetupDrawingThatIsNotThereIsTold)

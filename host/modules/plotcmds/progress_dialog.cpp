@@ -17,6 +17,8 @@ namespace {
 
 constexpr int kBetweenLooksMs = 100;
 
+} // namespace
+
 TvString nameOf(const plot::PageOrder& page)
 {
     TvString name = page.number;
@@ -25,8 +27,6 @@ TvString nameOf(const plot::PageOrder& page)
     name += page.title.view();
     return name.isEmpty() ? page.layoutName : name;
 }
-
-} // namespace
 
 TvString wordsOf(const base::Status& status)
 {

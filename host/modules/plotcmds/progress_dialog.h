@@ -40,6 +40,8 @@ private:
     bool m_isOver = false;
 };
 
+/// What a page is called in messages: number and title, else its layout.
+TvString nameOf(const plot::PageOrder& page);
 /// What @p status says, in words.
 TvString wordsOf(const base::Status& status);
 

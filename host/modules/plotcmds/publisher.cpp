@@ -1,6 +1,7 @@
 #include "publisher.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 #include <thread>
 
@@ -38,15 +39,36 @@ int usefulJobs()
     return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, 4U));
 }
 
+bool hasWindows()
+{
+    return qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
+}
+
+/// Without windows: at once, and told at the command line.
+void runHere(const plot::JobRequest& job)
+{
+    ed::UserPrompts* const prompts = ed::userPrompts();
+    const auto say = [prompts](int text, const std::vector<TvString>& arguments) {
+        if (prompts)
+            prompts->say(text, arguments);
+    };
+    plot::JobWatcher nobody;
+    const plot::JobReport report = plot::run(job, nobody);
+    for (std::size_t i = 0; i < report.pages.size(); ++i)
+        if (!report.pages[i].status)
+            say(kFailureLine, {nameOf(job.pages[i]), wordsOf(report.pages[i].status)});
+    if (!report.status)
+        say(kHasFailed, {wordsOf(report.status)});
+    for (const TvString& file : report.files)
+        say(kPlotWritten, {file});
+}
+
 void start(plot::JobRequest job, std::function<TvString(const plot::JobReport&)> whenDone)
 {
     job.jobs = usefulJobs();
     takeOpenDrawings(job);
-    if (!qobject_cast<QApplication*>(QCoreApplication::instance())) {
-        plot::JobWatcher nobody;
-        const plot::JobReport report = plot::run(job, nobody);
-        if (whenDone && report.status)
-            whenDone(report);
+    if (!hasWindows()) {
+        runHere(job);
         return;
     }
     // Owned by the toolkit: it goes when it is closed.
@@ -54,6 +76,18 @@ void start(plot::JobRequest job, std::function<TvString(const plot::JobReport&)>
         new ProgressDialog(RunningJobs::all().start(std::move(job)), std::move(whenDone));
     window->Create();
     window->show();
+}
+
+/// As it was typed or chosen, in full.
+TvString completed(TvString path, bool isForFolder)
+{
+    const base::PathRules& rules = base::PathRules::native();
+    if (!rules.isAbsolute(path)) {
+        std::error_code none;
+        const std::filesystem::path here = std::filesystem::current_path(none);
+        path = rules.normalise(rules.join(TvString(std::string_view(here.native())), path));
+    }
+    return isForFolder || path.endsWithNoCase(u".pdf") ? path : path + u".pdf";
 }
 
 } // namespace
@@ -80,29 +114,21 @@ void takeOpenDrawings(plot::JobRequest& job)
 
 TvString askTarget(plot::OutputKind kind, const TvString& suggested)
 {
-    ed::UserPrompts* const prompts = ed::userPrompts();
-    if (!prompts)
+    constexpr int kForSaving = 1, kForFolder = 2048;
+    const bool isForFolder = kind == plot::kPdfPerSheet || kind == plot::kSvgPerSheet;
+    resbuf* answer = nullptr;
+    const int status = tvedGetFileNavDialog(
+        text::find(isForFolder ? kPublishFolder : kPublishTo), suggested.kwszPtr(),
+        isForFolder ? u"" : u"pdf", u"Publish", isForFolder ? kForFolder : kForSaving, answer);
+    const TvResbufPtr paths(answer);
+    if (status == ed::kCancelled || !paths)
         return {};
-    ed::UserPrompts::FileQuestion question;
-    question.isForFolder = kind == plot::kPdfPerSheet || kind == plot::kSvgPerSheet;
-    question.title = TvString(text::find(question.isForFolder ? kPublishFolder : kPublishTo));
-    question.start = suggested;
-    question.dialogName = u"Publish";
-    question.isForSaving = !question.isForFolder;
-    if (!question.isForFolder)
-        question.extensions = {u"pdf"};
-    std::vector<TvString> answer;
-    if (prompts->askFiles(question, answer) == ed::kCancelled || answer.empty())
-        return {};
-    TvString path = answer.front();
-    if (!question.isForFolder && !path.endsWithNoCase(u".pdf"))
-        path += u".pdf";
-    return path;
+    return completed(TvString(paths->resval.rstring), isForFolder);
 }
 
 void publishJob(plot::JobRequest job, plot::OutputKind kind, const TvString& suggested)
 {
-    if (kind == plot::kToPrinter) {
+    if (kind == plot::kToPrinter && hasWindows()) { // a printer is chosen in one
         if (const std::vector<TvString> printers = printersOfMachine(); !printers.empty()) {
             const auto choice = askPrinter(printers);
             if (!choice)

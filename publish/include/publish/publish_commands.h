@@ -37,8 +37,12 @@ void openPublishDialog(const PublishSelection& selection);
 void editPdfOptions(const PublishSelection& selection);
 void editStampSettings();
 
-/// Lets the user enter the drawing of a set's page setups: its properties, say.
-using AskForPageSetups = std::function<void(TvSmDatabase& database)>;
+/// Lets the user enter the drawing of a set's page setups: its properties, say. False when nobody
+/// can be asked; whether a drawing was entered, the set tells.
+using AskForPageSetups = std::function<bool(TvSmDatabase& database)>;
+/// Asks for the drawing by its file, and keeps it in the set, which is locked meanwhile for that
+/// alone. Another drawing that the set names already is replaced.
+bool choosePageSetups(TvSmDatabase& database);
 /// Opens the plot module's dialog on the page setups of the set's drawing; a drawing that is not
 /// open is read for that, and is not saved here.
 ///
@@ -50,8 +54,8 @@ void managePageSetups(TvSmDatabase* database, const AskForPageSetups& ask);
 /// page setups, and where their names come from.
 void addHandlers(panel::PanelCommands& commands);
 
-/// How command 58 asks, in this process; empty: nobody can be asked. Whoever has the dialog of a
-/// set's properties puts it in.
+/// How command 58 asks, in this process; empty: nobody can be asked. Until there is the dialog of a
+/// set's properties the windows of this room put choosePageSetups() in.
 void setAskForPageSetups(AskForPageSetups ask);
 
 } // namespace publish

@@ -10,6 +10,7 @@
 #include <publish_windows/tarv_dwf_publish_options_dialg.h>
 #include <ui/property_grid.h>
 
+#include "answered_prompts.h"
 #include "page_scene.h"
 
 namespace {
@@ -151,6 +152,52 @@ TEST_F(PublishDialogTest, NothingIsDraggedOrSelectedInThePage)
         QTest::mouseRelease(view.viewport(), Qt::LeftButton, {}, from + QPoint(0, 40));
     });
     EXPECT_EQ(selectedInView(), std::vector<std::string>{"1 - Plan"});
+}
+
+TEST_F(PublishDialogTest, ThePicturesAreTheLightOnesInBothThemes)
+{
+    const auto pictures = [this](Include& dialog) {
+        std::vector<QImage> all;
+        for (const char* label : {"House", "Ground", "1 - Plan"})
+            all.push_back(find(dialog.tree(), label)
+                              .data(Qt::DecorationRole)
+                              .value<QIcon>()
+                              .pixmap(16)
+                              .toImage());
+        return all;
+    };
+    std::vector<QImage> light, dark;
+    ed::setVariable(u"COLORTHEME", std::int16_t(1));
+    run<Include>(kInclude, [&](Include& dialog) { light = pictures(dialog); });
+    const QImage page = tree()
+                            .items()
+                            .data(tree().items().index(0, 0), Qt::DecorationRole)
+                            .value<QIcon>()
+                            .pixmap(16)
+                            .toImage();
+    EXPECT_EQ(light.front(), page);
+    ed::setVariable(u"COLORTHEME", std::int16_t(0));
+    ASSERT_EQ(ui::theme(), ui::Theme::Dark);
+    run<Include>(kInclude, [&](Include& dialog) { dark = pictures(dialog); });
+    EXPECT_EQ(light, dark);
+    EXPECT_NE(dark.front(), tree()
+                                .items()
+                                .data(tree().items().index(0, 0), Qt::DecorationRole)
+                                .value<QIcon>()
+                                .pixmap(16)
+                                .toImage())
+        << "the page itself follows";
+}
+
+TEST_F(PublishDialogTest, TheFileOfPageSetupsIsAskedForByTheProgramsQuestion)
+{
+    messages.answer = TvUserMessages::Answer::Ok;
+    constexpr int kPageSetups = 58;
+    AnsweredPrompts prompts;
+    prompts.files = {folder.file("setups.dwt")};
+    dlg->commands().run(kPageSetups);
+    EXPECT_EQ(database->getSheetSet()->getAltPageSetups()->getFileName(),
+              folder.file("setups.dwt"));
 }
 
 TEST_F(PublishDialogTest, ALockedSetOpensNoDialog)

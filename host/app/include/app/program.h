@@ -52,8 +52,9 @@ public:
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
-    /// Loads the sheet-set module. One that is missing is told at the command line.
-    /// @return whether it is loaded.
+    /// Loads the plot module, where there is one, and the sheet-set module. When the latter is
+    /// missing the command line tells.
+    /// @return whether the sheet-set module is loaded.
     bool loadModules();
     /// Closes all documents without saving, and ends what was started. Nothing the second time.
     void stop();

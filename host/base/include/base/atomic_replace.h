@@ -10,9 +10,15 @@
 
 namespace base {
 
+/// Content piece by piece, asked for in order and twice: to write it and to compare it. As
+/// FileOps::read: 0 bytes at the end.
+using ContentReader =
+    std::function<int(std::uint64_t offset, std::span<std::byte> buffer, std::size_t& out)>;
+
 /// What a caller knows of the file that it is about to replace, and what else must hold.
 struct ReplaceRequest {
     std::span<const std::byte> bytes; ///< The new content, whole.
+    ContentReader content;            ///< Gives it instead, where it is not in memory.
     /// What was read; when set, a target that is something else by now is refused (Conflict;
     /// NotFound when it is gone). The hash decides; with `mustNotExist` a target that is there at
     /// all is refused (Exists), be it a link that leads nowhere.

@@ -4,6 +4,7 @@
 #include <QStringList>
 
 #include <base/tv_string.h>
+#include <ui/theme.h>
 
 namespace ui {
 
@@ -12,6 +13,9 @@ namespace ui {
 /// or empty name.
 QIcon icon(const QString& name);
 QIcon icon(const TvString& name);
+
+/// The same in the colours of one theme, whatever is in force.
+QIcon icon(const QString& name, Theme theme);
 
 /// All names there are, sorted.
 QStringList iconNames();

@@ -7,6 +7,7 @@
 #include <QIcon>
 
 #include <panel/sheet_tree.h>
+#include <ui/theme.h>
 
 namespace panel {
 
@@ -18,6 +19,9 @@ public:
     /// @param tree  not owned; outlives the model, which becomes its listener.
     explicit SheetTreeModel(SheetTree& tree);
     ~SheetTreeModel() override;
+
+    /// Shows the pictures of one theme, whatever is in force.
+    void usePictures(ui::Theme theme);
 
     SheetTree& tree() const { return m_tree; }
     /// No index for null.
