@@ -131,6 +131,20 @@ TEST_F(NewSheetDialogTest, OkMakesDrawingAndSheet)
     EXPECT_EQ(drawings(), std::vector<std::string>{"2 Section.dwg"});
 }
 
+TEST_F(NewSheetDialogTest, TheBoxThatOpensTheDrawingStandsAsItWasLeftAtTheLastOk)
+{
+    Dialog first(nullptr, ground);
+    whenRunning([&] {
+        first.CheckDlgButton(Dialog::kOpen, true);
+        type(first, Dialog::kTitle, "Section");
+        press(first, text::kIdOk);
+    });
+    EXPECT_EQ(first.DoModal(), text::kIdOk);
+    Dialog second(nullptr, ground);
+    ASSERT_TRUE(second.Create());
+    EXPECT_TRUE(second.IsDlgButtonChecked(Dialog::kOpen));
+}
+
 TEST_F(NewSheetDialogTest, ARefusalLeavesItOpenOnTheFieldThatIsWrong)
 {
     Dialog dialog(nullptr, ground);
@@ -297,6 +311,8 @@ TEST_F(NewSheetCommandTest, WithASheetAsTheCaretTheNewOneLandsRightBehindIt)
     EXPECT_EQ(childrenOf(ground),
               (std::vector<TvString>{u"Plan", u"Mezzanine", u"Details", u"Section"}));
     EXPECT_EQ(database->getLockStatus(), 0);
+    EXPECT_FALSE(documents().documentOf(folder.file("sheets/Mezzanine.dwg")))
+        << "nobody asked for that";
     newSheetAt(section, "Last");
     EXPECT_EQ(childrenOf(ground).back(), u"Last");
 }

@@ -95,6 +95,7 @@ TEST_F(RenameDialogTest, ShowsTheSheetAndItsDrawingAndWhatCanBeChanged)
     EXPECT_TRUE(edit(dlg, Dlg::kFolderEdit)->isReadOnly());
     EXPECT_EQ(usable(dlg), "101001ww");
     EXPECT_TRUE(dlg.Item<QPushButton>(Dlg::kNextButton)->isDefault());
+    EXPECT_EQ(dlg.focusWidget(), dlg.GetDlgItem(Dlg::kNextButton));
     EXPECT_EQ(dlg.GetHelpTopic(), u"SHEETSET_DIA08");
     keepPicture(*dialog(stair).window(), QStringLiteral("dialog-66"));
 }
@@ -294,6 +295,45 @@ TEST_F(RenameDialogTest, TheCommandOfThePanelWalksAndOkKeepsAll)
     EXPECT_EQ(plan->getNumber(), u"11");
     EXPECT_TRUE(isThere("both.dwg"));
     EXPECT_NE(folder.read("house.dst").find("both.dwg"), std::string::npos);
+}
+
+TEST_F(RenameDialogTest, CancelOnTheWalkOfTheCommandBringsTheFirstSheetBack)
+{
+    ASSERT_TRUE(database->unlockDb(database, true));
+    NoWindow window;
+    NoProgram program;
+    panel::SheetListPage page(window, base::systemClock());
+    panel::PanelMenus menus(page);
+    panel::PanelCommands commands(page, menus, program);
+    page.SwitchDatabase(true);
+    page.tree().selectOnly(page.tree().itemOf(handleOf(plan)));
+    whenWaiting([&] {
+        auto* first = runningDialog<Dlg>();
+        ASSERT_TRUE(first);
+        type(*first, Dlg::kNumberEdit, "11");
+        type(*first, Dlg::kLayoutEdit, "Ground");
+        type(*first, Dlg::kFileEdit, "ground.dwg");
+        whenWaiting([&] {
+            auto* second = runningDialog<Dlg>();
+            ASSERT_TRUE(second);
+            EXPECT_EQ(texts(*second), "2|Stair|A2|ground.dwg");
+            press(*second, text::kIdCancel);
+        });
+        press(*first, Dlg::kNextButton);
+    });
+    commands.run(panel::kRenameSheets);
+    EXPECT_EQ(database->getLockStatus(), 0);
+    EXPECT_EQ(plan->getNumber(), u"1");
+    EXPECT_TRUE(isThere("plan.dwg"));
+    EXPECT_EQ(layoutOnDisk(plan), u"A1");
+}
+
+TEST_F(RenameDialogTest, WithoutASheetThereIsNothingToAccept)
+{
+    Dlg dlg(nullptr, nullptr);
+    ASSERT_TRUE(dlg.Create());
+    EXPECT_FALSE(dlg.GetDlgItem(text::kIdOk)->isEnabled());
+    EXPECT_FALSE(dlg.ApplyChanges());
 }
 
 TEST_F(RenameDialogTest, TheCommandDoesNothingForASubsetOrALockedSet)
