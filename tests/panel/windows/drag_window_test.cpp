@@ -117,7 +117,7 @@ TEST_F(DragWindowTest, APointerThatMovesOnOpensNothing)
     EXPECT_FALSE(at(details)->isExpanded()) << "nor does one that was let go";
 }
 
-TEST_F(DragWindowTest, NearItsLowerEdgeTheTreeScrollsAndTheTargetFollows)
+TEST_F(DragWindowTest, NearItsEdgesTheTreeScrolls)
 {
     change(database, [this](TvSmSheetSet&) {
         for (int i = 0; i < 40; ++i)
