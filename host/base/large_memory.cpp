@@ -100,6 +100,11 @@ void FreeLargeMemory::operator()(std::uint8_t* bytes) const
     std::free(bytes);
 }
 
+FreeLargeMemory deleterOf(std::size_t size)
+{
+    return {wholePages(size)};
+}
+
 LargeMemory makeLargeMemory(std::size_t size, bool isZero)
 {
     if (isZero)

@@ -18,14 +18,13 @@ PassingEntities::Look::~Look()
     m_home->push_back(std::move(m_made));
 }
 
-PassingEntities::Kind& PassingEntities::kindOf(const ClassDef& of)
+PassingEntities::Kind PassingEntities::kindOf(const ClassDef& of)
 {
-    const auto [at, isNew] = m_kinds.try_emplace(&of);
-    if (isNew)
-        if (const ObjectType type = objectTypeOf(&of, of.isEntity());
-            type.type->isDerivedFrom(TvDbEntity::desc()))
-            at->second.make = type.make;
-    return at->second;
+    const ObjectType type = objectTypeOf(&of, of.isEntity());
+    Kind kind;
+    if (type.type->isDerivedFrom(TvDbEntity::desc()))
+        kind.make = type.make;
+    return kind;
 }
 
 /// The object that the database keeps.
@@ -47,7 +46,7 @@ PassingEntities::Look PassingEntities::at(TvDbObjectId id)
     if (slot->object || !file || !file->read(slot->handle, m_record) ||
         !fillOwnedFromChain(*file, m_record))
         return opened(*slot);
-    Kind& kind = kindOf(*m_record.classDef());
+    Kind& kind = m_kinds.of(*m_record.classDef(), kindOf);
     if (!kind.make)
         return {};
     Look look;

@@ -28,7 +28,10 @@ struct Chain {
     {
         return corners.empty() ? 0 : corners.size() - (isClosed ? 0 : 1);
     }
-    const Corner& next(std::size_t at) const { return corners[(at + 1) % corners.size()]; }
+    const Corner& next(std::size_t at) const
+    {
+        return corners[at + 1 < corners.size() ? at + 1 : 0];
+    }
 };
 
 /// The one width of all segments; nullopt when they differ.
@@ -151,7 +154,7 @@ void polyline(Scene& scene, const TvDbEntity& entity)
     for (std::uint32_t i = 0; i < points.size(); ++i) {
         Corner& corner = chain.corners[i];
         corner.point = db::asPoint2d(points.point(i));
-        corner.bulge = bulges.real(i);
+        corner.bulge = bulges.isEmpty() ? 0 : bulges.real(i);
         const db::Point width =
             widths.isEmpty() ? db::Point{constant, constant, 0} : widths.point(i);
         corner.startWidth = width.x, corner.endWidth = width.y;

@@ -52,7 +52,7 @@ void addBackground(Scene& scene, const TextBackground& background, const TvGeMat
     }
 }
 
-void addRun(Scene& scene, const TextRun& run, const TvGeMatrix3d& map)
+void addRun(Scene& scene, TextRun&& run, const TvGeMatrix3d& map)
 {
     const auto flat = [&](const TvGePoint2d& p) {
         const TvGePoint3d there = map * TvGePoint3d(p.x, p.y, 0);
@@ -60,7 +60,7 @@ void addRun(Scene& scene, const TextRun& run, const TvGeMatrix3d& map)
     };
     const ItemLook look = scene.itemLook();
     PlacedText text;
-    text.text = TvString(run.text);
+    text.text = TvString(std::move(run.text));
     text.origin = flat(run.origin);
     text.along = flat(run.origin + run.direction * run.width) - text.origin;
     text.up = flat(run.origin + run.direction.perpVector() * run.height) - text.origin;
@@ -73,7 +73,7 @@ void addRun(Scene& scene, const TextRun& run, const TvGeMatrix3d& map)
 
 } // namespace
 
-void drawTextShape(Scene& scene, const TextShape& shape)
+void drawTextShape(Scene& scene, TextShape&& shape)
 {
     if (!scene.isShown() || shape.isEmpty())
         return;
@@ -99,8 +99,8 @@ void drawTextShape(Scene& scene, const TextShape& shape)
             bars.moveTo({0, 0, 0});
         }
     }
-    for (const TextRun& run : shape.runs)
-        addRun(scene, run, map);
+    for (TextRun& run : shape.runs)
+        addRun(scene, std::move(run), map);
 }
 
 } // namespace gs

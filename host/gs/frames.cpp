@@ -51,13 +51,13 @@ void drawName(Scene& scene, const TvGeMatrix3d& place, const TvString& name, dou
     TextShape shape;
     shape.keepsLetters = true;
     shape.placement = place;
-    TextPen pen(shape, scene.fonts());
+    TextPen pen(shape, scene.textTools());
     LetterLook look;
     look.font = &scene.fonts().find({});
     look.height = height;
     pen.write(letters, look, {}, {});
     pen.run(letters, {}, height, pen.width(letters, look).ink(), {});
-    drawTextShape(scene, shape);
+    drawTextShape(scene, std::move(shape));
 }
 
 void drawNamedFrame(Scene& scene, const FrameArea& area, const TvString& name)
@@ -73,7 +73,7 @@ void drawNamedFrame(Scene& scene, const FrameArea& area, const TvString& name)
     shape.placement = TvGeMatrix3d::coordinateSystem(area.origin, area.right * (1 / width),
                                                      area.up * (1 / height),
                                                      area.right.crossProduct(area.up).normal());
-    TextPen pen(shape, scene.fonts());
+    TextPen pen(shape, scene.textTools());
     LetterLook look;
     look.font = &scene.fonts().find({});
     look.height = height * kTallest;
@@ -86,7 +86,7 @@ void drawNamedFrame(Scene& scene, const FrameArea& area, const TvString& name)
     const TvGePoint2d at{(width - ink) / 2, (height - look.height) / 2};
     pen.write(letters, look, at, {});
     pen.run(letters, at, look.height, ink, {});
-    drawTextShape(scene, shape);
+    drawTextShape(scene, std::move(shape));
 }
 
 void fillWithPicture(Scene& scene, const FrameArea& area,

@@ -99,9 +99,10 @@ class Cutter
 public:
     Cutter(const LinePattern& pattern, double scale, Fonts* fonts, DashedPath& out)
         : m_pattern(pattern), m_scale(scale), m_period(pattern.length() * scale), m_fonts(fonts),
-          m_out(out),
-          m_pen(fonts ? std::optional<TextPen>(std::in_place, m_texts, *fonts) : std::nullopt)
+          m_out(out)
     {
+        if (fonts)
+            m_pen.emplace(m_texts, m_tools.emplace(*fonts));
     }
 
     void cut(const Stretch& stretch)
@@ -227,6 +228,7 @@ private:
     Fonts* m_fonts; // not owned; may be null
     DashedPath& m_out;
     TextShape m_texts;
+    std::optional<TextTools> m_tools;
     std::optional<TextPen> m_pen;
     const Stretch* m_stretch = nullptr;
     std::size_t m_segment = 0; // that the last place lies on; places are asked for in order

@@ -98,19 +98,24 @@ PathView DisplayList::writtenLetters(const PathRange& range) const
 
 // Making
 
-std::uint32_t ListWriter::numberOf(const Glyph* letter)
+const ListWriter::KnownLetter& ListWriter::known(const Glyph* letter)
 {
-    Known& known =
-        m_lastNumbers[reinterpret_cast<std::uintptr_t>(letter) / 32 % m_lastNumbers.size()];
+    KnownLetter& known =
+        m_lastLetters[reinterpret_cast<std::uintptr_t>(letter) / 32 % m_lastLetters.size()];
     if (known.letter == letter)
-        return known.number;
+        return known;
     const auto [at, isNew] =
         m_numbers.try_emplace(letter, static_cast<std::uint32_t>(m_list.m_letters.size()));
     if (isNew)
         m_list.m_letters.push_back({letter->path, gs::boxOf(letter->path), letter->advance,
                                     letter->character, faceOf(letter->face)});
-    known = {letter, at->second};
-    return known.number;
+    known = {letter,
+             at->second,
+             static_cast<std::uint32_t>(letter->path.verbs().size()),
+             static_cast<std::uint32_t>(letter->path.points().size()),
+             letter->advance,
+             m_list.m_letters[at->second].box};
+    return known;
 }
 
 std::uint32_t ListWriter::faceOf(const FontFace* face)
@@ -124,28 +129,18 @@ std::uint32_t ListWriter::faceOf(const FontFace* face)
     return at->second;
 }
 
-Box ListWriter::boxOf(const DisplayList::Row& row) const
+Box ListWriter::exactBoxOf(const DisplayList::Row& row) const
 {
-    Box flat, exact;
-    const bool isFlat = keepsBoxes(row.map);
+    Box box;
     double x = 0;
     for (std::uint32_t i = 0; i < row.count; ++i) {
         const DisplayList::Letter& letter = m_list.m_letters[m_list.m_rowLetters[row.first + i]];
-        if (isFlat) {
-            flat.addBox(
-                {letter.box.lowX + x, letter.box.lowY, letter.box.highX + x, letter.box.highY});
-        } else {
-            const FlatMap map = movedAlong(row.map, x);
-            for (const TvGePoint2d& point : letter.path.points())
-                exact.add(map * point);
-        }
+        const FlatMap map = movedAlong(row.map, x);
+        for (const TvGePoint2d& point : letter.path.points())
+            box.add(map * point);
         x += letter.advance * row.tracking;
     }
-    if (!flat.isEmpty()) {
-        exact.add(row.map * TvGePoint2d(flat.lowX, flat.lowY));
-        exact.add(row.map * TvGePoint2d(flat.highX, flat.highY));
-    }
-    return exact;
+    return box;
 }
 
 void ListWriter::addRows(const TextShape& shape, const TextPart& part, const FlatMap& map,
@@ -158,13 +153,24 @@ void ListWriter::addRows(const TextShape& shape, const TextPart& part, const Fla
         row.first = static_cast<std::uint32_t>(m_list.m_rowLetters.size());
         row.count = from.count;
         std::uint32_t* const numbers = m_list.m_rowLetters.grow(from.count);
+        const Glyph* const* const letters = shape.letters.data() + from.first;
+        Box flat; // of the letters' own boxes
+        double x = 0;
         for (std::uint32_t i = 0; i < from.count; ++i) {
-            numbers[i] = numberOf(shape.letters[from.first + i]);
-            const Path& letter = m_list.m_letters[numbers[i]].path;
-            item.path.verbCount += static_cast<std::uint32_t>(letter.verbs().size());
-            item.path.pointCount += static_cast<std::uint32_t>(letter.points().size());
+            const KnownLetter& letter = known(letters[i]);
+            numbers[i] = letter.number;
+            item.path.verbCount += letter.verbs;
+            item.path.pointCount += letter.points;
+            flat.addBox(
+                {letter.box.lowX + x, letter.box.lowY, letter.box.highX + x, letter.box.highY});
+            x += letter.advance * row.tracking;
         }
-        item.box.addBox(boxOf(row));
+        if (!keepsBoxes(row.map)) {
+            item.box.addBox(exactBoxOf(row));
+        } else if (!flat.isEmpty()) {
+            item.box.add(row.map * TvGePoint2d(flat.lowX, flat.lowY));
+            item.box.add(row.map * TvGePoint2d(flat.highX, flat.highY));
+        }
         m_list.m_rows.push_back(row);
     }
 }

@@ -122,7 +122,8 @@ void ListWriter::addAny(const ItemLook& look, const AnyPath& path, const TvGeMat
     const auto range = store(path, map, item.box);
     if (!range)
         return;
-    item.box = item.box.grown(look.widthUnits / 2);
+    if (look.widthUnits != 0)
+        item.box = item.box.grown(look.widthUnits / 2);
     if (!isEndless(look.kind) && isCutAway(look.clip, item.box)) {
         forget(*range);
         return;
@@ -131,9 +132,10 @@ void ListWriter::addAny(const ItemLook& look, const AnyPath& path, const TvGeMat
     put(look, item, map, coarse);
 }
 
-void ListWriter::put(const ItemLook& look, Item item, const TvGeMatrix3d& map,
+void ListWriter::put(const ItemLook& look, const Item& from, const TvGeMatrix3d& map,
                      const SpacePath* coarse)
 {
+    Item& item = *m_list.m_items.grow(1);
     item.kind = look.kind;
     item.alpha = look.alpha;
     item.color = look.color;
@@ -144,14 +146,14 @@ void ListWriter::put(const ItemLook& look, Item item, const TvGeMatrix3d& map,
     item.filling = look.filling;
     item.layer = look.layer;
     item.clip = look.clip;
+    item.path = from.path;
+    item.coarse = {};
     item.handle = look.handle;
+    item.box = isEndless(look.kind) ? Box() : from.box;
     Box unused;
     if (coarse)
         if (const auto kept = store(*coarse, map, unused); kept)
             item.coarse = *kept;
-    if (isEndless(look.kind))
-        item.box = Box();
-    m_list.m_items.push_back(item);
 }
 
 void ListWriter::addMarker(const ItemLook& look, const TvGePoint3d& place, const TvGeMatrix3d& map,

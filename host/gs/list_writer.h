@@ -80,13 +80,23 @@ private:
     template <class AnyPath>
     void addAny(const ItemLook& look, const AnyPath& path, const TvGeMatrix3d& map,
                 const SpacePath* coarse);
-    void put(const ItemLook& look, Item item, const TvGeMatrix3d& map, const SpacePath* coarse);
+    /// @param item  its path and box.
+    void put(const ItemLook& look, const Item& item, const TvGeMatrix3d& map,
+             const SpacePath* coarse);
     void forget(const PathRange& range);
-    std::uint32_t numberOf(const Glyph* letter);
+    /// A letter in the list, and what of it counts for a row.
+    struct KnownLetter {
+        const Glyph* letter = nullptr;
+        std::uint32_t number = 0, verbs = 0, points = 0;
+        double advance = 0;
+        Box box;
+    };
+    const KnownLetter& known(const Glyph* letter);
     std::uint32_t faceOf(const FontFace* face);
     /// Puts rows where @p map leads; says what they measure.
     void addRows(const TextShape& shape, const TextPart& part, const FlatMap& map, Item& item);
-    Box boxOf(const DisplayList::Row& row) const;
+    /// Around the points of its letters.
+    Box exactBoxOf(const DisplayList::Row& row) const;
     bool isCutAway(std::uint32_t clip, const Box& box) const;
 
     DisplayList& m_list;
@@ -94,11 +104,7 @@ private:
     std::uint32_t m_visits = 0;
     std::unordered_map<const Glyph*, std::uint32_t> m_numbers; // of letters in the list
     std::unordered_map<const FontFace*, std::uint32_t> m_faces;
-    struct Known {
-        const Glyph* letter = nullptr;
-        std::uint32_t number = 0;
-    };
-    std::array<Known, 256> m_lastNumbers; // some of them, by their address
+    std::array<KnownLetter, 256> m_lastLetters; // some of them, by their address
 };
 
 } // namespace gs

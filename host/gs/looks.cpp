@@ -22,19 +22,6 @@ enum : std::int64_t { kTypeByLayer = 0, kTypeByBlock = 1, kTypeContinuous = 2 };
 enum : std::int64_t { kFrozen = 1, kOff = 2 };
 constexpr std::uint32_t kAlphaGiven = 2, kAlphaByBlock = 1; // high byte of a transparency
 
-struct Ids {
-    db::FieldId layer = db::fieldId("layer"), color = db::fieldId("color"),
-                flags = db::fieldId("flags"), rgb = db::fieldId("rgb"),
-                transparency = db::fieldId("transparency"), weight = db::fieldId("lineweight"),
-                typeFlags = db::fieldId("ltype_flags"), type = db::fieldId("ltype"),
-                typeScale = db::fieldId("ltype_scale"), book = db::fieldId("color_ref");
-};
-const Ids& ids()
-{
-    static const Ids all;
-    return all;
-}
-
 constexpr const char* kKeepsLayers = "VISRETAIN"; // how layers of references look
 bool isOfReference(const TvString& layer)
 {
@@ -60,7 +47,34 @@ std::uint8_t alphaOfLayer(const TvDbObject& layer)
     return 255;
 }
 
+StoredColor ownColor(const db::Record& entity, const LookFields& fields, std::int64_t flags)
+{
+    if ((flags & kHasRgb) != 0 && (flags & kHasBook) == 0)
+        return {StoredColor::Kind::Given,
+                Color::given(static_cast<std::uint32_t>(fields.rgb.integer(entity)) & 0xFFFFFF)};
+    return StoredColor::ofIndex(flags & kIndexMask);
+}
+
 } // namespace
+
+LookFields::LookFields(const db::ClassDef& of)
+{
+    using db::Storage;
+    const db::StructDef& all = of.layout();
+    invisible = {all, "invisible", Storage::Integer};
+    layer = {all, "layer", Storage::Handle};
+    book = {all, "color_ref", Storage::Handle};
+    weight = {all, "lineweight", Storage::Integer};
+    typeFlags = {all, "ltype_flags", Storage::Integer};
+    type = {all, "ltype", Storage::Handle};
+    typeScale = {all, "ltype_scale", Storage::Real};
+    const db::FieldDef* const color = all.find(db::fieldId("color"));
+    if (!color || color->storage != Storage::Struct)
+        return;
+    colorFlags = {*color->structure, "flags", Storage::Integer, color->slot};
+    rgb = {*color->structure, "rgb", Storage::Integer, color->slot};
+    transparency = {*color->structure, "transparency", Storage::Integer, color->slot};
+}
 
 StoredColor StoredColor::ofIndex(std::int64_t index)
 {
@@ -88,15 +102,6 @@ StoredColor StoredColor::of(const db::RecordView& color, db::Version version)
     case kIndexed: return ofIndex(value & 0xFF);
     default: return {Kind::None, {}};
     }
-}
-
-StoredColor StoredColor::ofEntity(const db::RecordView& color)
-{
-    const std::int64_t flags = color.integer(ids().flags);
-    if ((flags & kHasRgb) != 0 && (flags & kHasBook) == 0)
-        return {Kind::Given,
-                Color::given(static_cast<std::uint32_t>(color.integer(ids().rgb)) & 0xFFFFFF)};
-    return ofIndex(flags & kIndexMask);
 }
 
 float weightOfValue(std::int64_t value)
@@ -228,33 +233,32 @@ const Looks::LayerLook& Looks::layer(std::uint64_t handle) const
     return m_layers[m_last];
 }
 
-Look Looks::resolve(const db::RecordView& entity, const Look* by) const
+Look Looks::resolve(const db::Record& entity, const LookFields& fields, const Look* by) const
 {
-    const Ids& id = ids();
-    const LayerLook* own = &layer(entity.handle(id.layer));
+    const LayerLook* own = &layer(fields.layer.handle(entity));
     if (own->isZero && by)
         own = &m_layers[by->layer];
     Look look = own->look;
-    const db::RecordView stored = entity.structure(id.color);
-    StoredColor color = StoredColor::ofEntity(stored);
-    if ((stored.integer(id.flags) & kHasBook) != 0)
-        if (const TvDbObjectPointer<TvDbObject> book(m_database.find(entity.handle(id.book)),
+    const std::int64_t colorFlags = fields.colorFlags.integer(entity);
+    StoredColor color = ownColor(entity, fields, colorFlags);
+    if ((colorFlags & kHasBook) != 0)
+        if (const TvDbObjectPointer<TvDbObject> book(m_database.find(fields.book.handle(entity)),
                                                      TvDb::kForNotify);
             book)
-            color = StoredColor::of(book->fields().structure(id.color), book->record().version());
+            color = StoredColor::of(book->fields().structure("color"), book->record().version());
     if (color.kind == StoredColor::Kind::ByBlock)
         look.color = by ? by->color : Color::foreground();
     else
         look.color = color.within(look.color);
 
-    if ((stored.integer(id.flags) & kHasAlpha) != 0) {
-        const std::int64_t transparency = stored.integer(id.transparency);
+    if ((colorFlags & kHasAlpha) != 0) {
+        const std::int64_t transparency = fields.transparency.integer(entity);
         if (const auto given = givenAlpha(transparency); given)
             look.alpha = *given;
         else if (static_cast<std::uint32_t>(transparency) >> 24 == kAlphaByBlock)
             look.alpha = by ? by->alpha : 255;
     }
-    const float weight = weightOfCode(entity.integer(id.weight));
+    const float weight = weightOfCode(fields.weight.integer(entity));
     if (weight >= 0)
         look.weightMm = weight;
     else if (weight == kWeightByBlock)
@@ -262,14 +266,14 @@ Look Looks::resolve(const db::RecordView& entity, const Look* by) const
     else if (weight == kWeightDefault)
         look.weightMm = kDefaultWeightMm;
 
-    const std::int64_t type = entity.integer(id.typeFlags);
+    const std::int64_t type = fields.typeFlags.integer(entity);
     if (type == kTypeContinuous)
         look.linetype.setNull();
     else if (type == kTypeByBlock)
         look.linetype = by ? by->linetype : TvDbObjectId();
     else if (type != kTypeByLayer)
-        look.linetype = m_database.find(entity.handle(id.type));
-    look.linetypeScale = entity.real(id.typeScale);
+        look.linetype = m_database.find(fields.type.handle(entity));
+    look.linetypeScale = fields.typeScale.real(entity);
     return look;
 }
 

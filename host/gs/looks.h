@@ -2,7 +2,7 @@
 
 #include <unordered_map>
 
-#include <db/record.h>
+#include <db/field_place.h>
 #include <gs/display_list.h>
 
 #include "list_writer.h"
@@ -30,7 +30,6 @@ struct StoredColor {
     /// @p color: a structure of an index and a value, as all records but entities have.
     static StoredColor of(const db::RecordView& color, db::Version version);
     static StoredColor ofIndex(std::int64_t index);
-    static StoredColor ofEntity(const db::RecordView& color);
     /// By layer and by block as @p look has it.
     Color within(const Color& look) const { return kind == Kind::Given ? color : look; }
 };
@@ -40,6 +39,15 @@ inline constexpr float kWeightByLayer = -1, kWeightByBlock = -2, kWeightDefault 
 float weightOfCode(std::int64_t code);
 /// The same for a width in hundredths of a millimetre, -1 to -3 as above.
 float weightOfValue(std::int64_t value);
+
+/// Where the entities of a class keep what they look like.
+struct LookFields {
+    LookFields() = default;
+    explicit LookFields(const db::ClassDef& of);
+
+    db::FieldPlace invisible, layer, colorFlags, rgb, transparency, book, weight, typeFlags, type,
+        typeScale;
+};
 
 /// The layers of a drawing, and what they do to the looks of entities.
 class Looks
@@ -66,9 +74,10 @@ public:
     std::size_t count() const { return m_layers.size(); }
     const LayerLook& layerAt(std::uint32_t index) const { return m_layers[index]; }
 
-    /// What an entity with these fields looks like inside of an insert that looks like @p by; for
-    /// what stands in no block, null.
-    Look resolve(const db::RecordView& entity, const Look* by) const;
+    /// What an entity looks like inside of an insert that looks like @p by; for what stands in no
+    /// block, null.
+    /// @param fields  of its class.
+    Look resolve(const db::Record& entity, const LookFields& fields, const Look* by) const;
 
 private:
     Look lookOfLayer(TvDbObjectId id) const;

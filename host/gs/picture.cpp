@@ -40,8 +40,11 @@ Picture pictureOf(const DisplayList& list, const View& view, const PlayOptions& 
     const auto stride = cairo_format_stride_for_width(CAIRO_FORMAT_ARGB32, view.width);
     picture.width = view.width;
     picture.height = view.height;
-    picture.pixels.resize(static_cast<std::size_t>(view.width) *
-                          static_cast<std::size_t>(view.height));
+    const auto count = static_cast<std::size_t>(view.width) * static_cast<std::size_t>(view.height);
+    if (view.pixelsPerUnit > 0)
+        picture.pixels.resize(count); // cleared when it is played
+    else
+        picture.pixels.assign(count, 0);
     const Surface surface(
         cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(picture.pixels.data()),
                                             CAIRO_FORMAT_ARGB32, view.width, view.height, stride));

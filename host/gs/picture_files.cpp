@@ -131,7 +131,7 @@ std::vector<std::uint8_t> pngBytes(const Picture& picture)
     if (picture.isEmpty())
         return bytes;
     // Without alpha; cairo only reads the pixels.
-    std::vector<std::uint32_t> pixels = picture.pixels;
+    Picture::Pixels pixels = picture.pixels;
     const Surface surface(cairo_image_surface_create_for_data(
         reinterpret_cast<unsigned char*>(pixels.data()), CAIRO_FORMAT_RGB24, picture.width,
         picture.height, picture.width * static_cast<int>(sizeof(std::uint32_t))));

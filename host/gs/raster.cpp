@@ -90,15 +90,24 @@ void Raster::setColor(std::uint32_t rgb, std::uint8_t alpha)
 }
 
 // Two of the four channels at a time: each has room for eight more bits above it.
-inline void Raster::Ink::blend(std::uint32_t& pixel, std::uint32_t coverage) const
+inline void Raster::Ink::mix(std::uint32_t& pixel, std::uint32_t part) const
 {
-    std::uint32_t part = coverage * alpha;
-    part = (part + 128 + (part >> 8)) >> 8; // by 255
-    part += part >> 7;                      // 0 to 256
     const std::uint32_t rest = 256 - part;
     const std::uint32_t lowHalf = (low * part + (pixel & kHalf) * rest) >> 8 & kHalf;
     const std::uint32_t highHalf = (high * part + (pixel >> 8 & kHalf) * rest) & ~kHalf;
     pixel = lowHalf | highHalf;
+}
+
+inline void Raster::Ink::blend(std::uint32_t& pixel, std::uint32_t coverage) const
+{
+    std::uint32_t part = coverage * alpha;
+    part = (part + 128 + (part >> 8)) >> 8; // by 255
+    mix(pixel, part + (part >> 7));         // 0 to 256
+}
+
+inline void Raster::Ink::blendOpaque(std::uint32_t& pixel, std::uint32_t coverage) const
+{
+    mix(pixel, coverage + (coverage >> 7));
 }
 
 void Raster::rectangle(const Rectangle& area, std::uint32_t coverage)
@@ -135,11 +144,21 @@ void Raster::slanted(double from, double to, double across, double slope)
     if (isWithin && m_isSmooth) {
         const std::ptrdiff_t beside = IsSteep ? 1 : m_stride, on = IsSteep ? m_stride : 1;
         std::uint32_t* const pixels = m_pixels;
+        if (ink.alpha == 255) { // as most are
+            for (int along = first; along <= last; ++along, place += step) {
+                std::uint32_t* const at = pixels + along * on + (place >> 16) * beside;
+                const auto part = static_cast<std::uint32_t>(place >> 8 & 0xFF);
+                ink.blendOpaque(at[0], 255 - part);
+                if (part != 0) // of level and upright lines it always is 0
+                    ink.blendOpaque(at[beside], part);
+            }
+            return;
+        }
         for (int along = first; along <= last; ++along, place += step) {
             std::uint32_t* const at = pixels + along * on + (place >> 16) * beside;
             const auto part = static_cast<std::uint32_t>(place >> 8 & 0xFF);
             ink.blend(at[0], 255 - part);
-            if (part != 0) // of level and upright lines it always is 0
+            if (part != 0)
                 ink.blend(at[beside], part);
         }
         return;
@@ -163,6 +182,8 @@ void Raster::slanted(double from, double to, double across, double slope)
 void Raster::line(const TvGePoint2d& a, const TvGePoint2d& b)
 {
     constexpr double kStraight = 1.0 / 64; // pixels over the whole length
+    if (m_scissors.isEmpty())
+        return; // a viewport beside the picture: its right edge may lie left of its left one
     // Cut to the scissors, and a little around.
     const Box window{m_scissors.left - 2.0, m_scissors.top - 2.0, m_scissors.right + 2.0,
                      m_scissors.bottom + 2.0};

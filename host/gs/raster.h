@@ -76,6 +76,10 @@ private:
         std::uint32_t low, high, alpha;
 
         void blend(std::uint32_t& pixel, std::uint32_t coverage) const;
+        /// The same when alpha is 255.
+        void blendOpaque(std::uint32_t& pixel, std::uint32_t coverage) const;
+        /// @param part  of 256
+        void mix(std::uint32_t& pixel, std::uint32_t part) const;
     };
     std::uint32_t* row(int y) const { return m_pixels + static_cast<std::ptrdiff_t>(y) * m_stride; }
 

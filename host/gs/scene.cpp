@@ -92,37 +92,31 @@ void Scene::drawEntity(TvDbObjectId id, const Frame& frame)
     if (!m_writer.mayVisit())
         return;
     const db::PassingEntities::Look entity = m_entities.at(id);
-    if (!entity || !entity->isVisible())
+    if (!entity || !entity->record().classDef())
+        return;
+    const Kind& kind =
+        m_kinds.of(*entity->record().classDef(), [](const db::ClassDef& of) { return Kind(of); });
+    constexpr std::int64_t kIsInvisible = 1;
+    if (!kind.draw || (kind.looks.invisible.integer(entity->record()) & kIsInvisible) != 0)
         return;
     // What is drawn within this one leaves everything as it was.
     const Frame* const outerFrame = std::exchange(m_frame, &frame);
     const std::uint64_t outerHandle =
         std::exchange(m_handle, frame.handle ? frame.handle : id.handle().value());
     const Look outerLook = m_look;
-    drawOpen(*entity);
+    drawOpen(*entity, kind);
     m_look = outerLook;
     m_handle = outerHandle;
     m_frame = outerFrame;
 }
 
-Drawer Scene::drawerOf(const db::ClassDef* of)
+void Scene::drawOpen(const TvDbEntity& entity, const Kind& kind)
 {
-    const auto [at, isNew] = m_drawers.try_emplace(of);
-    if (isNew && of)
-        at->second = drawerFor(of->name());
-    return at->second;
-}
-
-void Scene::drawOpen(const TvDbEntity& entity)
-{
-    const Drawer draw = drawerOf(entity.record().classDef());
-    if (!draw)
-        return;
-    m_look = m_looks.resolve(entity.fields(), m_frame->by);
+    m_look = m_looks.resolve(entity.record(), kind.looks, m_frame->by);
     const Looks::LayerLook& layer = m_looks.layerAt(m_look.layer);
     if (layer.isFrozen || m_frame->isFrozen(m_look.layer))
         return;
-    draw(*this, entity);
+    kind.draw(*this, entity);
 }
 
 TvGeMatrix3d Scene::placed(const TvGeMatrix3d& place) const

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <unordered_set>
 
+#include <db/by_class.h>
 #include <db/passing_entities.h>
 
 #include "looks.h"
@@ -143,8 +144,14 @@ private:
     /// Strokes what path() holds in pieces; false when its pattern has none.
     bool strokeDashed(const ItemLook& look, const TvGeMatrix3d& map, bool restarts);
     const LinePattern& patternOf(TvDbObjectId linetype);
-    void drawOpen(const TvDbEntity& entity);
-    Drawer drawerOf(const db::ClassDef* of);
+    /// What all entities of a class have in common.
+    struct Kind {
+        explicit Kind(const db::ClassDef& of) : draw(drawerFor(of.name())), looks(of) {}
+
+        Drawer draw; // null: no form
+        LookFields looks;
+    };
+    void drawOpen(const TvDbEntity& entity, const Kind& kind);
     const std::vector<TvDbObjectId>& contentOf(TvDbObjectId block);
 
     static constexpr int kDeepest = 64; // blocks within each other
@@ -156,7 +163,7 @@ private:
     std::size_t m_depth = 0;                          // blocks around what is drawn, of the hosts
     Looks m_looks;
     db::PassingEntities m_entities;
-    std::unordered_map<const db::ClassDef*, Drawer> m_drawers;
+    db::ByClass<Kind> m_kinds;
     std::unordered_map<TvDbObjectId, std::vector<TvDbObjectId>> m_contents;
     std::unordered_set<TvDbObjectId>
         m_openBlocks; // being drawn: they are not drawn within themselves

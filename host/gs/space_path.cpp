@@ -1,11 +1,36 @@
 #include "space_path.h"
 
+#include <array>
 #include <cmath>
 #include <numbers>
 
 #include <ge/arcs.h>
 
 namespace gs {
+
+namespace {
+
+constexpr double kQuarter = std::numbers::pi / 2;
+constexpr int kMostPieces = 5;
+
+struct Turn {
+    explicit Turn(double angle) : cosine(std::cos(angle)), sine(std::sin(angle)) {}
+    double cosine, sine;
+};
+
+/// Those of a circle from its start on: most bows are one.
+const std::array<Turn, kMostPieces + 1>& quarters()
+{
+    static const std::array<Turn, kMostPieces + 1> all{Turn(0),
+                                                       Turn(kQuarter),
+                                                       Turn(2 * kQuarter),
+                                                       Turn(3 * kQuarter),
+                                                       Turn(4 * kQuarter),
+                                                       Turn(5 * kQuarter)};
+    return all;
+}
+
+} // namespace
 
 void SpacePath::polygon(const std::vector<TvGePoint3d>& corners, bool isClosed)
 {
@@ -18,20 +43,22 @@ void SpacePath::polygon(const std::vector<TvGePoint3d>& corners, bool isClosed)
 void SpacePath::bowTo(const TvGePoint3d& center, const TvGeVector3d& u, const TvGeVector3d& v,
                       double start, double end)
 {
-    constexpr double kQuarter = std::numbers::pi / 2;
     const double sweep = end - start;
     if (!std::isfinite(sweep))
         return;
     // One curve for at most a quarter: within 3/10000 of the radius of the true bow.
     const int pieces =
-        std::clamp(static_cast<int>(std::ceil(std::abs(sweep) / kQuarter - 1e-9)), 1, 5);
-    // Most bows are circles.
+        std::clamp(static_cast<int>(std::ceil(std::abs(sweep) / kQuarter - 1e-9)), 1, kMostPieces);
     static const double kHandleOfQuarter = 4.0 / 3 * std::tan(kQuarter / 4);
     const double step = sweep / pieces;
     const double handle = step == kQuarter ? kHandleOfQuarter : 4.0 / 3 * std::tan(step / 4);
-    double cosine = std::cos(start), sine = std::sin(start);
+    const bool isCircle = step == kQuarter && start == 0;
+    const Turn first = isCircle ? quarters()[0] : Turn(start);
+    double cosine = first.cosine, sine = first.sine;
     for (int i = 1; i <= pieces; ++i) {
-        const double nextCosine = std::cos(start + i * step), nextSine = std::sin(start + i * step);
+        const Turn next =
+            isCircle ? quarters()[static_cast<std::size_t>(i)] : Turn(start + i * step);
+        const double nextCosine = next.cosine, nextSine = next.sine;
         curveTo(center + u * (cosine - handle * sine) + v * (sine + handle * cosine),
                 center + u * (nextCosine + handle * nextSine) +
                     v * (nextSine - handle * nextCosine),

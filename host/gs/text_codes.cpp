@@ -81,6 +81,16 @@ char32_t numbered(char32_t number)
     }
 }
 
+/// How many units at the beginning stand for themselves.
+std::size_t plainUnits(std::u16string_view text)
+{
+    const auto isPlain = [](char16_t unit) {
+        return unit >= u' ' && unit < 0xD800 && unit != u'%' && unit != u'\\';
+    };
+    return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isPlain) -
+                                    text.begin());
+}
+
 } // namespace
 
 char32_t takeCharacter(std::u16string_view& rest)
@@ -161,11 +171,13 @@ std::vector<LineCharacter> decodedLine(std::u16string_view text, std::size_t mos
     LineCharacter state;
     line.reserve(std::min(text.size(), most));
     while (!text.empty() && line.size() < most) {
-        const char16_t first = text.front();
-        if (first >= u' ' && first < 0xD800 && first != u'%' && first != u'\\') {
-            state.character = first;
-            line.push_back(state);
-            text.remove_prefix(1);
+        if (const std::size_t count = plainUnits(text.substr(0, most - line.size())); count > 0) {
+            const std::size_t before = line.size();
+            line.resize(before + count);
+            LineCharacter* const to = line.data() + before;
+            for (std::size_t i = 0; i < count; ++i)
+                to[i] = {text[i], state.isUnderlined, state.isOverlined, state.isStruck};
+            text.remove_prefix(count);
             continue;
         }
         if (const auto sign = takePercentCharacter(text)) {

@@ -6,6 +6,6 @@
 namespace gs {
 
 /// Puts the letters of a text into the list, and what can be searched for.
-void drawTextShape(Scene& scene, const TextShape& shape);
+void drawTextShape(Scene& scene, TextShape&& shape);
 
 } // namespace gs

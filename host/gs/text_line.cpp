@@ -31,8 +31,8 @@ struct Line {
     {
         letters = std::move(to);
         text.resize(letters.size());
-        for (std::size_t i = 0; i < letters.size(); ++i)
-            text[i] = letters[i].character;
+        std::transform(letters.begin(), letters.end(), text.begin(),
+                       [](const LineCharacter& letter) { return letter.character; });
     }
 };
 
@@ -206,7 +206,7 @@ TextShape lineShape(const TvDbText& text, std::u16string_view shown, TextTools& 
     shape.placement = placementOf(fields);
     if (line.letters.empty() || !isDrawableHeight(line.look.height) || !isSound(shape.placement))
         return shape;
-    TextPen pen(shape, tools.fonts);
+    TextPen pen(shape, tools);
     line.width = pen.width(line.text, line.look).ink();
     if (fields.isBetweenPoints()) {
         fitBetweenPoints(fields, line.width, line.look);

@@ -15,7 +15,8 @@ double ExactTextMeasure::width(std::u16string_view line, const db::TextLook& loo
     while (!line.empty())
         text += takeCharacter(line);
     TextShape unused;
-    return TextPen(unused, m_fonts).width(text, letters).ink();
+    TextTools tools(m_fonts);
+    return TextPen(unused, tools).width(text, letters).ink();
 }
 
 } // namespace gs

@@ -121,7 +121,7 @@ TextShape mtextShape(std::u16string_view contents, const MTextLook& look, TextTo
     frame.isExact = look.isExact;
     setColumns(look.columns, look.definedHeight, frame);
     const ParagraphText text = parsedParagraphs(contents, letters, tools.fonts);
-    TextPen pen(shape, tools.fonts);
+    TextPen pen(shape, tools);
     if (look.isVertical) {
         const Box around = writeColumns(text, look, attachment, pen);
         if (!shape.parts.empty())

@@ -85,21 +85,24 @@ void TextPen::row(std::u32string_view text, const LetterLook& look, TvGePoint2d 
                   const FlatMap& frame)
 {
     const double x = look.height * look.widthFactor;
-    std::vector<LetterRow>* rows = nullptr; // of the part that the last letter is in
+    const std::size_t first = m_shape.letters.size();
+    m_shape.letters.resize(first + text.size());
+    const Glyph** const to = m_shape.letters.data() + first;
+    LetterRow* row = nullptr; // that the last letter is in
     bool isFilled = false;
-    m_shape.letters.reserve(m_shape.letters.size() + text.size());
-    for (const char32_t character : text) {
-        const Glyph& g = glyph(look, character);
-        if (!rows || (g.isFilled != isFilled && !g.path.isEmpty())) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const Glyph& g = glyph(look, text[i]);
+        const bool isSeen = !g.path.isEmpty();
+        if (!row || (g.isFilled != isFilled && isSeen)) {
             isFilled = g.isFilled;
-            rows = &part(isFilled, look.color).rows;
             const FlatMap place{x, look.slant * look.height, at.x, 0, look.height, at.y};
-            rows->push_back({frame * place, look.tracking,
-                             static_cast<std::uint32_t>(m_shape.letters.size()), 0});
+            row = &part(isFilled, look.color)
+                       .rows.emplace_back(LetterRow{frame * place, look.tracking,
+                                                    static_cast<std::uint32_t>(first + i), 0});
         }
-        m_hasStrokes |= !g.face && !g.path.isEmpty();
-        m_shape.letters.push_back(&g);
-        ++rows->back().count;
+        m_hasStrokes |= !g.face && isSeen;
+        to[i] = &g;
+        ++row->count;
         at.x += g.advance * x * look.tracking;
     }
 }

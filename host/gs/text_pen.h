@@ -1,9 +1,9 @@
 #pragma once
 
-#include <array>
 #include <string_view>
 
 #include "gs/text_shape.h"
+#include "text_tools.h"
 
 namespace gs {
 
@@ -46,7 +46,7 @@ struct LetterWidth {
 class TextPen
 {
 public:
-    TextPen(TextShape& shape, Fonts& fonts) : m_shape(shape), m_fonts(fonts) {}
+    TextPen(TextShape& shape, TextTools& tools) : m_shape(shape), m_tools(tools) {}
 
     LetterWidth width(std::u32string_view text, const LetterLook& look);
     /// Writes @p text from @p at on, and the lines at it; not its run.
@@ -68,16 +68,7 @@ public:
 
     const Glyph& glyph(const LetterLook& look, char32_t character)
     {
-        if (character >= m_known.size())
-            return m_fonts.glyph(*look.font, character);
-        if (look.font != m_knownFont) {
-            m_known.fill(nullptr);
-            m_knownFont = look.font;
-        }
-        const Glyph*& known = m_known[character];
-        if (!known)
-            known = &m_fonts.glyph(*look.font, character);
-        return *known;
+        return m_tools.glyph(*look.font, character);
     }
 
 private:
@@ -86,9 +77,7 @@ private:
              const FlatMap& frame);
 
     TextShape& m_shape;
-    Fonts& m_fonts;
-    Font* m_knownFont = nullptr;             // not owned; of m_known
-    std::array<const Glyph*, 128> m_known{}; // each letter is asked for twice at least
+    TextTools& m_tools;
     bool m_hasStrokes = false; // letters since the last run that are of no outline font
 };
 

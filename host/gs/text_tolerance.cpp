@@ -122,7 +122,7 @@ TextShape textShape(const TvDbFcf& tolerance, TextTools& tools)
         return shape;
     if (!(look.gap <= kLargestHeight))
         look.gap = look.height / 2;
-    TextPen pen(shape, tools.fonts);
+    TextPen pen(shape, tools);
     // The first row stands in the middle over the place, the others hang below it.
     const double rowHeight = look.height + 2 * look.gap;
     double top = rowHeight / 2;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <unordered_map>
 
 #include "gs/text_shape.h"
@@ -28,9 +29,27 @@ struct TextTools {
     /// The same of the style that @p text has.
     const Style& styleOf(const TvDbText& text);
 
-    // The style that was asked for last: texts of one style follow each other.
+    /// The letter of @p font, or who lends it.
+    const Glyph& glyph(Font& font, char32_t character)
+    {
+        if (character >= lastLetters.size())
+            return fonts.glyph(font, character);
+        if (&font != lastFont) {
+            lastLetters.fill(nullptr);
+            lastFont = &font;
+        }
+        const Glyph*& known = lastLetters[character];
+        if (!known)
+            known = &fonts.glyph(font, character);
+        return *known;
+    }
+
+    // The style that was asked for last, and letters of the last font: texts of one style follow
+    // each other.
     std::uint64_t lastHandle = 0;
     const Style* last = nullptr;
+    const Font* lastFont = nullptr; // not owned; the fonts'
+    std::array<const Glyph*, 128> lastLetters{};
 };
 
 // Like the functions of gs/text_shape.h.

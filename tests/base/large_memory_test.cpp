@@ -1,6 +1,7 @@
 #include <base/large_memory.h>
 
 #include <algorithm>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -29,4 +30,18 @@ TEST(LargeMemory, WhatNoMachineHasIsNull)
 {
     EXPECT_FALSE(base::makeLargeMemory(~std::size_t(0), false));
     EXPECT_FALSE(base::makeLargeMemory(~std::size_t(0) / 2, true));
+}
+
+TEST(LargeMemory, VectorsKeepWhatTheyAreGivenInIt)
+{
+    using Numbers = std::vector<std::uint32_t, base::LargeAllocator<std::uint32_t>>;
+    for (const std::size_t count : {3u, 1u << 20, (3u << 20) + 1}) {
+        Numbers numbers(count, 7);
+        numbers.push_back(8);
+        const Numbers copy = numbers;
+        numbers.assign(count, 0);
+        ASSERT_EQ(copy.size(), count + 1);
+        EXPECT_EQ(std::count(copy.begin(), copy.end(), 7u), static_cast<std::ptrdiff_t>(count));
+        EXPECT_EQ(copy.back(), 8u);
+    }
 }

@@ -51,7 +51,7 @@ gs::Picture byCairoAlone(const gs::DisplayList& list, const gs::View& view)
     gs::play(list, view, context, onWhite());
     cairo_destroy(context);
     gs::Picture picture{view.width, view.height, {}};
-    picture.pixels.resize(static_cast<std::size_t>(view.width * view.height));
+    picture.pixels.assign(static_cast<std::size_t>(view.width * view.height), 0);
     cairo_surface_t* image = cairo_image_surface_create_for_data(
         reinterpret_cast<unsigned char*>(picture.pixels.data()), CAIRO_FORMAT_ARGB32, view.width,
         view.height, view.width * 4);
@@ -122,7 +122,7 @@ TEST(Player, InPartsThePictureComesOutTheSame)
     addManyThings(scene);
     const gs::DisplayList list = scene.list();
     const gs::View view = plain(100, 100);
-    gs::Picture parts{100, 100, std::vector<std::uint32_t>(100 * 100)};
+    gs::Picture parts{100, 100, gs::Picture::Pixels(100 * 100)};
     cairo_surface_t* image = cairo_image_surface_create_for_data(
         reinterpret_cast<unsigned char*>(parts.pixels.data()), CAIRO_FORMAT_ARGB32, 100, 100, 400);
     cairo_t* context = cairo_create(image);

@@ -110,6 +110,21 @@ TEST_F(ViewportTest, LeavesOutWhatLiesBeyondItsEdges)
     EXPECT_NE(picture.at(100, 99) & picture.at(100, 100), 0xFFFFFFFFu);
 }
 
+TEST_F(ViewportTest, BesideThePictureNothingOfItsModelIsDrawn)
+{
+    // The line reaches into the picture, and its window ends well before.
+    scene.add(new TvDbLine({-1000, 0, 0}, {1000, 8, 0}));
+    gs::PlayOptions options;
+    options.background = gs::Background::Light;
+    for (const double x : {400.0, -200.0}) {
+        const gs::Picture picture = gs::pictureOf(list(), {{x, 100}, 1, 200, 200}, options);
+        ASSERT_FALSE(picture.isEmpty());
+        for (int row = 20; row < 180; ++row)
+            for (int column = 20; column < 180; ++column)
+                ASSERT_EQ(picture.at(column, row), 0xFFFFFFFFu) << column << ' ' << row;
+    }
+}
+
 TEST_F(ViewportTest, DrawsNothingOfTheModelWhenItIsOff)
 {
     scene.add(new TvDbLine({0, 0, 0}, {10, 5, 0}));

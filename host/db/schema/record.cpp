@@ -156,10 +156,10 @@ double ArrayView::real(std::uint32_t index) const
 
 Point ArrayView::point(std::uint32_t index) const
 {
-    if (!m_field || m_field->element != Storage::Real)
+    if (!m_field || m_field->element != Storage::Real || index >= m_run.count)
         return {};
-    return {std::bit_cast<double>(word(index)), std::bit_cast<double>(word(index, 1)),
-            std::bit_cast<double>(word(index, 2))};
+    return pointAt(m_record->words().data() + m_run.offset + index * m_field->stride(),
+                   m_field->width);
 }
 
 std::u16string_view ArrayView::text(std::uint32_t index) const

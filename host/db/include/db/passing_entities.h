@@ -1,10 +1,10 @@
 #pragma once
 
 #include <memory>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
+#include <db/by_class.h>
 #include <db/tv_db_entity.h>
 
 namespace db {
@@ -67,11 +67,11 @@ private:
         std::unique_ptr<TvDbObject> (*make)() = nullptr; // null: no entity
         Look::Spare spare;
     };
-    Kind& kindOf(const ClassDef& of);
+    static Kind kindOf(const ClassDef& of);
     static Look opened(ObjectSlot& slot);
 
     Record m_record;
-    std::unordered_map<const ClassDef*, Kind> m_kinds;
+    ByClass<Kind> m_kinds;
 };
 
 } // namespace db

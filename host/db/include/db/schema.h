@@ -68,7 +68,7 @@ struct StructDef {
     void index();
 
 private:
-    std::vector<std::uint16_t> m_buckets; // positions in fields + 1, open addressing
+    std::vector<std::uint16_t> m_buckets; // pairs: id, position in fields; open addressing
 };
 
 inline std::uint32_t FieldDef::stride() const

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include <base/large_memory.h>
 #include <base/status.h>
 #include <db/drawing_file.h>
 #include <gs/player.h>
@@ -12,8 +13,10 @@ namespace gs {
 /// Pixels, row by row from the top; each 32 bits: alpha (always 255), red, green, blue from the
 /// highest byte on.
 struct Picture {
+    using Pixels = std::vector<std::uint32_t, base::LargeAllocator<std::uint32_t>>;
+
     int width = 0, height = 0;
-    std::vector<std::uint32_t> pixels;
+    Pixels pixels; ///< whoever resizes it writes them
     /// The bytes of the JPEG that the pixels are from, for who can show it itself; else empty.
     std::vector<std::uint8_t> jpeg = {};
     bool isGrayJpeg = false; ///< its bytes tell one channel, else three
