@@ -1,20 +1,16 @@
 #include <core/disk_look.h>
 
-#include <atomic>
 #include <cerrno>
-#include <chrono>
-#include <condition_variable>
 #include <map>
-#include <mutex>
 #include <set>
-#include <system_error>
-#include <thread>
 
 #include <base/kv_file_system.h>
 #include <base/path_rules.h>
 #include <base/status.h>
 #include <db/file_open_info_tip_manager.h>
 #include <sm/tv_sm_file_reference.h>
+
+#include "silent_folders.h"
 
 namespace core {
 
@@ -41,14 +37,12 @@ struct Folder {
 class Asking
 {
 public:
-    /// @param isGivenUp  from then on nothing is asked: the files may be gone.
-    Asking(base::FileOps& ops, const std::atomic<bool>& isGivenUp)
-        : m_ops(ops), m_isGivenUp(isGivenUp)
-    {
-    }
+    explicit Asking(base::FileOps& ops) : m_ops(ops) {}
 
-    DiskLook::Answer answer(const DiskLook::Question& question)
+    /// @param isGivenUp  from then on nothing is asked: the files may be gone.
+    DiskLook::Answer answer(const DiskLook::Question& question, const ApartWork::GivenUp& isGivenUp)
     {
+        m_isGivenUp = &isGivenUp;
         for (std::size_t i = 0; i < question.places.size(); ++i)
             if (const DiskLook::What what = lookAt(question.places[i]);
                 what != DiskLook::What::Nothing)
@@ -60,15 +54,15 @@ private:
     DiskLook::What lookAt(const std::string& path)
     {
         using Kind = base::FileInfo::Kind;
-        const std::size_t slash = path.rfind('/');
-        const std::string folderName = path.substr(0, slash + 1); // npos + 1 is 0
+        const std::string folderName = folderOfNative(path);
         Folder& folder = m_folders[folderName];
         if (folder.isAway)
             return DiskLook::What::Nothing;
+        const AskedFolder asked(folderName);
         base::FileInfo info;
         int error = m_ops.describeName(path, info);
         const bool isLink = !error && info.kind == Kind::Link;
-        if (m_isGivenUp)
+        if (*m_isGivenUp)
             return DiskLook::What::Nothing;
         if (isLink)
             error = m_ops.describeTarget(path, info);
@@ -77,7 +71,7 @@ private:
             return DiskLook::What::Nothing;
         if (info.kind != Kind::Regular)
             return info.kind == Kind::Folder ? DiskLook::What::Other : DiskLook::What::Nothing;
-        if (m_isGivenUp)
+        if (*m_isGivenUp)
             return DiskLook::What::Nothing;
         const bool mayHaveMark =
             isLink || hasMark(folder, folderName, path.substr(folderName.size()));
@@ -104,8 +98,8 @@ private:
     }
 
     base::FileOps& m_ops;
-    const std::atomic<bool>& m_isGivenUp;
-    std::map<std::string, Folder> m_folders; // by name, with the slash at its end
+    const ApartWork::GivenUp* m_isGivenUp = nullptr; // of the step that runs
+    std::map<std::string, Folder> m_folders;         // by name, with the slash at its end
 };
 
 /// Whether a path leads to a place of this system that may be asked.
@@ -120,34 +114,12 @@ bool mayAsk(const TvString& path)
 
 struct DiskLook::Shared {
     Shared(std::vector<Question>&& asked, base::FileOps& files)
-        : questions(std::move(asked)), ops(files), answers(questions.size())
+        : questions(std::move(asked)), answers(questions.size()), asking(files)
     {
     }
-
-    void run()
-    {
-        Asking asking(ops, isGivenUp);
-        for (std::size_t i = 0; i < questions.size() && !isGivenUp; ++i) {
-            answers[i] = asking.answer(questions[i]);
-            const std::lock_guard guard(mutex);
-            answered = i + 1;
-            if (answered >= wanted)
-                changed.notify_all();
-        }
-        const std::lock_guard guard(mutex);
-        isOver = true;
-        changed.notify_all();
-    }
-
     const std::vector<Question> questions;
-    base::FileOps& ops;
-    std::atomic<bool> isGivenUp = false;
-    std::mutex mutex;
-    std::condition_variable changed;
-    std::vector<Answer> answers; // written before answered says so
-    std::size_t answered = 0;    // guarded, as the next two
-    std::size_t wanted = 0;
-    bool isOver = false;
+    std::vector<Answer> answers; // each is written before its step is done
+    Asking asking;               // the thread's
 };
 
 DiskLook::Question DiskLook::questionAbout(const TvSmFileReference& reference)
@@ -160,54 +132,17 @@ DiskLook::Question DiskLook::questionAbout(const TvSmFileReference& reference)
 }
 
 DiskLook::DiskLook(std::vector<Question> questions, base::FileOps& ops)
-    : m_shared(std::make_shared<Shared>(std::move(questions), ops))
+    : m_shared(std::make_shared<Shared>(std::move(questions), ops)),
+      m_work(m_shared->questions.size(),
+             [shared = m_shared](std::size_t i, const ApartWork::GivenUp& isGivenUp) {
+                 shared->answers[i] = shared->asking.answer(shared->questions[i], isGivenUp);
+             })
 {
-    if (m_shared->questions.empty()) {
-        m_shared->isOver = true;
-        return;
-    }
-    try {
-        std::thread([shared = m_shared] { shared->run(); }).detach();
-    } catch (const std::system_error&) {
-        m_shared->run(); // no threads to be had: better late than never
-    }
-}
-
-DiskLook::~DiskLook()
-{
-    constexpr std::chrono::milliseconds kForOneCall(50);
-    m_shared->isGivenUp = true;
-    std::unique_lock guard(m_shared->mutex);
-    m_shared->changed.wait_for(guard, kForOneCall, [this] { return m_shared->isOver; });
-}
-
-bool DiskLook::hasAnswered(std::size_t count, int waitMs) const
-{
-    if (count <= m_seen)
-        return true;
-    std::unique_lock guard(m_shared->mutex);
-    m_shared->wanted = count;
-    const auto isThere = [&] { return m_shared->answered >= count; };
-    if (waitMs == kForEver)
-        m_shared->changed.wait(guard, isThere);
-    else
-        m_shared->changed.wait_for(guard, std::chrono::milliseconds(waitMs), isThere);
-    m_seen = m_shared->answered;
-    return count <= m_seen;
 }
 
 DiskLook::Answer DiskLook::answer(std::size_t question) const
 {
     return m_shared->answers[question];
-}
-
-bool answersInTime(const TvSmFileReference& reference, int waitMs, bool& isFile)
-{
-    const DiskLook look({DiskLook::questionAbout(reference)});
-    const bool isAnswered = look.hasAnswered(1, waitMs);
-    const auto what = isAnswered ? look.answer(0).what : DiskLook::What::Nothing;
-    isFile = what == DiskLook::What::File || what == DiskLook::What::FileInUse;
-    return isAnswered;
 }
 
 } // namespace core

@@ -1,6 +1,7 @@
 #include <core/drawing_info_cache.h>
 
 #include <base/kv_file_system.h>
+#include <core/drawing_look.h>
 #include <core/read_drawing_file.h>
 #include <core/sheet_data.h>
 #include <core/templates.h>
@@ -8,6 +9,8 @@
 #include <db/tv_db_layout.h>
 #include <db/tv_db_summary_info.h>
 #include <ed/tv_ap_doc_manager.h>
+
+#include "drawing_info_reader.h"
 
 namespace {
 
@@ -73,27 +76,21 @@ void readFacts(TvDbDatabase& drawing, DrawingInfo& info)
     info.hasSheetSetData = namesASheetSet(drawing);
 }
 
-std::unique_ptr<TvDbDatabase> readFile(const TvString& path)
-{
-    auto drawing = std::make_unique<TvDbDatabase>(false, true);
-    return ReadDrawingFile(drawing.get(), path) == TvStatus::Ok ? std::move(drawing) : nullptr;
-}
-
-/// Null when it cannot be read.
-std::unique_ptr<DrawingInfo> readInfo(const TvString& path, TvDbDatabase* document)
+std::unique_ptr<DrawingInfo> readDocument(const TvString& path, TvDbDatabase& document)
 {
     auto info = std::make_unique<DrawingInfo>();
     info->path = path;
-    // First, so that what is written meanwhile is read again.
-    info->modificationTime = KvFileSystem::getModificationTime(path);
-    info->fileSize = KvFileSystem::getFileSize(path);
-    info->isOfDocument = document != nullptr;
-    const std::unique_ptr<TvDbDatabase> scratch = document ? nullptr : readFile(path);
-    TvDbDatabase* drawing = document ? document : scratch.get();
-    if (!drawing)
-        return nullptr;
-    readFacts(*drawing, *info);
+    info->isOfDocument = true;
+    readFacts(document, *info);
     return info;
+}
+
+/// Null when it cannot be read.
+std::unique_ptr<DrawingInfo> readFile(const TvString& path)
+{
+    // First, so that what is written meanwhile is read again.
+    const std::uint64_t time = KvFileSystem::getModificationTime(path);
+    return core::readDrawingInfo(path, time, KvFileSystem::getFileSize(path), false);
 }
 
 bool isFresh(const DrawingInfo& info)
@@ -104,6 +101,21 @@ bool isFresh(const DrawingInfo& info)
 }
 
 } // namespace
+
+std::unique_ptr<DrawingInfo> core::readDrawingInfo(const TvString& path, std::uint64_t time,
+                                                   std::int64_t size, bool apart)
+{
+    TvDbDatabase drawing(false, true);
+    if ((apart ? drawing.readDwgFile(path, TvDb::kShareAll) : ReadDrawingFile(&drawing, path)) !=
+        TvStatus::Ok)
+        return nullptr;
+    auto info = std::make_unique<DrawingInfo>();
+    info->path = path;
+    info->modificationTime = time;
+    info->fileSize = size;
+    readFacts(drawing, *info);
+    return info;
+}
 
 TvString DrawingInfo::GetPaperSize(const TvString& handle) const
 {
@@ -129,13 +141,32 @@ bool DrawingInfoCache::Get(const TvString& path, const DrawingInfo*& out)
     const TvApDocument* open = tvDocManagerPtr() ? tvDocManagerPtr()->documentOf(path) : nullptr;
     std::unique_ptr<DrawingInfo>& info = m_drawings[path];
     if (open || !info || !isFresh(*info))
-        info = readInfo(path, open ? open->database() : nullptr);
+        info = open ? readDocument(path, *open->database()) : readFile(path);
     if (!info) {
         m_drawings.erase(path);
         return false;
     }
     out = info.get();
     return true;
+}
+
+const DrawingInfo* DrawingInfoCache::Known(const TvString& path) const
+{
+    const auto found = m_drawings.find(path);
+    return found == m_drawings.end() ? nullptr : found->second.get();
+}
+
+const DrawingInfo* DrawingInfoCache::Take(core::DrawingFacts& facts)
+{
+    const TvString& path = facts.path();
+    if (const TvApDocument* open = core::openDocumentNamed(facts.openDocument))
+        facts.info = readDocument(path, *open->database());
+    if (facts.info)
+        m_drawings[path] = std::move(facts.info);
+    else if (!facts.isInfoFresh)
+        m_drawings.erase(path);
+    facts.isInfoFresh = true; // it may be taken again
+    return Known(path);
 }
 
 DrawingInfoCache& core::drawingInfoCache()

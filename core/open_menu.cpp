@@ -46,6 +46,14 @@ OpenMenu::OpenMenu() : m_sets(GetSessionDatabases()), m_recent(recentSheetSets()
     m_menu.addSubmenu(text::find(kRecentText), namesFrom(m_recent, id)); // empty: a plain entry
 }
 
+TvString OpenMenu::recentOf(int id) const
+{
+    const int at = id - kFirstSet - static_cast<int>(m_sets.size());
+    return at >= 0 && at < static_cast<int>(m_recent.size())
+               ? m_recent[static_cast<std::size_t>(at)]
+               : TvString();
+}
+
 void OpenMenu::choose(int id) const
 {
     if (id == kOpen)

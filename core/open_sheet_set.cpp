@@ -4,8 +4,10 @@
 
 #include <base/kv_file_system.h>
 #include <base/path_rules.h>
+#include <core/leftover.h>
 #include <core/session.h>
 #include <core/session_host.h>
+#include <core/watch_poller.h>
 #include <db/resbuf.h>
 #include <db/tv_db_host_application_services.h>
 #include <db/tv_status.h>
@@ -54,6 +56,8 @@ void activate(TvSmDatabase* database, const TvString& path)
     const bool isEverywhere = base::PathRules::native().isAbsolute(path);
     UpdateRecentList(isEverywhere ? path : database->getFileName(), true);
     ActivateSheetSet(database);
+    if (!core::isWatching()) // else it is seen in a moment
+        core::lookForLeftover(database);
 }
 
 /// One answer of the dialog; false when the user gave up.

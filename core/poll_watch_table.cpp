@@ -1,9 +1,17 @@
+#include "watch_look.h"
+
 #include <base/kv_file_system.h>
+#include <base/path_rules.h>
 #include <base/publish.h>
+#include <core/leftover.h>
 #include <core/session.h>
-#include <core/watch_table.h>
 #include <sm/environment.h>
+#include <sm/locked_here.h>
 #include <sm/tv_sm_database.h>
+
+#include "silent_folders.h"
+
+namespace core {
 
 namespace {
 
@@ -11,19 +19,13 @@ using base::Failure;
 
 constexpr int kTries = 6, kDelayMs = 500; // while the folder cannot be reached
 
-core::WatchEntry* entryOf(TvSmDatabase* database)
-{
-    const auto entry = g_watchTable.find(database);
-    return entry == g_watchTable.end() ? nullptr : &entry->second;
-}
-
-void writeAgain(core::WatchEntry& entry)
+void writeAgain(WatchEntry& entry)
 {
     if (entry.neverHadAFile() || entry.isGivenUp)
         return;
     TvSmDatabase* database = entry.database;
     const bool isWritten = database->save(0);
-    if (core::WatchEntry* still = entryOf(database)) {
+    if (WatchEntry* still = watchEntryOf(database)) {
         still->takeFile();
         still->isGivenUp = !isWritten;
         // That it once was there is not forgotten with the time.
@@ -32,14 +34,11 @@ void writeAgain(core::WatchEntry& entry)
     }
 }
 
-void lookAtLock(core::WatchEntry& entry)
+/// Who holds the lock himself keeps it alive by looking; nobody else could tell.
+void lookAtLock(WatchEntry& entry, const std::optional<base::LockInfo>& seen)
 {
-    const int status = entry.database->getLockStatus();
-    if (status == entry.lockStatus)
-        return;
-    entry.lockStatus = status;
-    if (entry.database == GetCurrentDatabase())
-        RefreshLockState();
+    noteLock(entry,
+             seen && !sm::isLockedHere(entry.database) ? *seen : sm::lockInfo(entry.database));
 }
 
 /// Whether looking again later may give another answer for the same file.
@@ -53,7 +52,7 @@ bool mayPass(const base::Status& failure)
     }
 }
 
-void takeOver(core::WatchEntry& entry)
+void takeOver(WatchEntry& entry)
 {
     constexpr int kHeldByUs = 1;
     TvSmDatabase* database = entry.database;
@@ -62,43 +61,91 @@ void takeOver(core::WatchEntry& entry)
     const bool isLoaded = database->load(database->getFileName());
     if (!isLoaded && mayPass(sm::lastStatus(database)))
         return;
-    if (core::WatchEntry* still = entryOf(database))
+    if (WatchEntry* still = watchEntryOf(database))
         still->takeFile();
     if (isLoaded)
-        core::sessionDatabaseChanged(database);
+        sessionDatabaseChanged(database);
 }
 
 /// What is there now; a file that went is waited for, but not one that is known to be missing.
-base::Result<base::FileStamp> lookAtFile(const core::WatchEntry& entry)
+base::Result<base::FileStamp> lookAtFile(const WatchQuestion& question, base::FileOps& ops,
+                                         base::Clock& clock)
 {
-    const TvString path = entry.database->getFileName();
-    if ((entry.isGivenUp || entry.neverHadAFile()) &&
-        !KvFileSystem::isFileExisting(path, kTries, kDelayMs))
-        return base::Status(Failure::NotFound, base::Reason::FileMissing, {path});
-    return base::lookAt(sm::files(), sm::clock(), path);
+    if (question.isKnownMissing && !KvFileSystem::isFileExisting(question.path, kTries, kDelayMs))
+        return base::Status(Failure::NotFound, base::Reason::FileMissing, {question.path});
+    return base::lookAt(ops, clock, question.path);
 }
 
-bool isAnotherFile(const core::WatchEntry& entry, const base::FileStamp& seen)
+bool isAnotherFile(const WatchEntry& entry, const base::FileStamp& seen)
 {
     return entry.stamp != seen || entry.fileTime != base::fileTimeFromUnixNs(seen.modifiedNs);
 }
 
-void pollOne(TvSmDatabase* database)
+} // namespace
+
+WatchEntry* watchEntryOf(const TvSmDatabase* database)
 {
-    core::WatchEntry* entry = entryOf(database);
-    if (!entry)
+    const auto entry = g_watchTable.find(const_cast<TvSmDatabase*>(database));
+    return entry == g_watchTable.end() ? nullptr : &entry->second;
+}
+
+void noteLock(WatchEntry& entry, const base::LockInfo& lock)
+{
+    entry.lock = lock;
+    const int status = base::lockStatusOf(lock.state);
+    if (status == entry.lockStatus)
         return;
-    const auto seen = lookAtFile(*entry);
-    const bool isGone = !seen && seen.status().failure() == Failure::NotFound;
+    entry.lockStatus = status;
+    if (entry.database == GetCurrentDatabase())
+        RefreshLockState();
+}
+
+WatchQuestion watchQuestion(const WatchEntry& entry, bool apart)
+{
+    WatchQuestion question;
+    question.database = entry.database;
+    question.generation = entry.generation;
+    question.path = entry.database->getFileName();
+    question.isKnownMissing = entry.isGivenUp || entry.neverHadAFile();
+    if (!apart)
+        return question;
+    if (leftover().pathFor)
+        question.leftover = leftover().pathFor(question.path);
+    // The others know the state of their lock without the disk.
+    question.asksLock = !sm::isLockedHere(entry.database) && !entry.neverHadAFile() &&
+                        !sm::isReadOnlyVersion(entry.database) && sm::environment().useEditLock;
+    return question;
+}
+
+WatchAnswer answerTo(const WatchQuestion& question, base::FileOps& ops, base::Clock& clock)
+{
+    const AskedFolder asked(folderOfNative(base::nativePath(question.path)));
+    WatchAnswer answer;
+    answer.seen = lookAtFile(question, ops, clock);
+    if (question.asksLock)
+        answer.lock = base::EditLock(ops, clock, question.path).query();
+    base::FileInfo info;
+    answer.hasLeftover = !question.leftover.isEmpty() &&
+                         ops.describeName(base::nativePath(question.leftover), info) == 0;
+    return answer;
+}
+
+void actOn(const WatchQuestion& question, const WatchAnswer& answer)
+{
+    TvSmDatabase* database = question.database;
+    WatchEntry* entry = watchEntryOf(database);
+    if (!entry || entry->generation != question.generation)
+        return;
+    const bool isGone = !answer.seen && answer.seen.status().failure() == Failure::NotFound;
     if (isGone)
         writeAgain(*entry);
-    if ((entry = entryOf(database)))
-        lookAtLock(*entry);
-    if ((entry = entryOf(database)) && seen && isAnotherFile(*entry, *seen))
+    if ((entry = watchEntryOf(database)))
+        lookAtLock(*entry, answer.lock);
+    if ((entry = watchEntryOf(database)) && answer.seen && isAnotherFile(*entry, *answer.seen))
         takeOver(*entry);
 }
 
-} // namespace
+} // namespace core
 
 void PollWatchTable()
 {
@@ -106,5 +153,8 @@ void PollWatchTable()
     for (const auto& [database, entry] : g_watchTable)
         databases.push_back(database);
     for (TvSmDatabase* database : databases)
-        pollOne(database);
+        if (const core::WatchEntry* entry = core::watchEntryOf(database)) {
+            const core::WatchQuestion question = core::watchQuestion(*entry, false);
+            core::actOn(question, core::answerTo(question, sm::files(), sm::clock()));
+        }
 }

@@ -2,9 +2,7 @@
 
 #include <cmath>
 
-#include <base/kv_file_system.h>
 #include <base/path_rules.h>
-#include <db/file_open_info_tip_manager.h>
 #include <db/local_time.h>
 #include <resources/texts.h>
 #include <sm/kv_db_util.h>
@@ -13,12 +11,10 @@ namespace core {
 
 namespace {
 
-constexpr int kTries = 6, kDelayMs = 500;
-
 // clang-format off
 constexpr int kMoved = 547, kExpectedIn = 548, kFoundIn = 549, kSheets = 550, kStatus = 551, kAvailable = 552,
     kMissing = 553, kInUseBy = 554, kSheet = 555, kDescription = 556, kFile = 557, kFolder = 558, kSize = 559,
-    kUser = 560, kSaved = 561, kSavedBy = 562, kPaper = 563, kFirstSetText = 564;
+    kUser = 560, kSaved = 561, kSavedBy = 562, kPaper = 563, kFirstSetText = 564, kLookedFor = 8930;
 // clang-format on
 
 TvString textOf(int number)
@@ -57,102 +53,85 @@ TvString setDetails(const TvSmSheetSet& set)
     return details;
 }
 
-/// Where a sheet's drawing is, and who has it.
-struct DrawingPlace {
-    TvString path;
-    TvString expected; ///< where it should be; set when it is elsewhere
-    bool exists = false;
-    bool isInUse = false;
-    bool isRelocated = false;
-    TvString user, machine; ///< of whoever has it
-    bool isUserKnown = false;
-};
-
-DrawingPlace placeOf(const TvSmTvDbLayoutReference& reference)
+bool isRelocated(const DrawingFacts& facts)
 {
-    DrawingPlace place;
-    place.path = reference.getFileName();
-    place.exists = KvFileSystem::isFileExisting(place.path, kTries, kDelayMs);
-    place.isInUse = CFileOpenInfoTipManager::IsInfoFileExists(place.path);
-    if (place.isInUse)
-        place.isUserKnown =
-            CFileOpenInfoTipManager::GetInfoFromHideFile(place.path, place.user, place.machine);
-    if (place.exists)
-        return place;
-    const TvString resolved = reference.resolveFileName();
-    if (!resolved.isEmpty() && KvFileSystem::isFileExisting(resolved, kTries, kDelayMs)) {
-        place.expected = std::exchange(place.path, resolved);
-        place.exists = place.isRelocated = true;
-    }
-    return place;
+    return !facts.isThere && facts.isFile;
 }
 
-TvString statusOf(const DrawingPlace& place)
+bool exists(const DrawingFacts& facts)
 {
-    if (!place.exists)
+    return facts.isThere || facts.isFile;
+}
+
+TvString statusOf(const DrawingFacts& facts)
+{
+    if (!exists(facts))
         return textOf(kMissing);
-    if (!place.isInUse)
+    if (!facts.isInUse)
         return textOf(kAvailable);
-    if (!place.isUserKnown)
+    if (!facts.isUserKnown)
         return textOf(kInUseBy);
-    return TvString().format(textOf(kInUseBy), place.user + u" " + place.machine);
+    return TvString().format(textOf(kInUseBy), facts.user + u" " + facts.machine);
 }
 
-TvString placeLines(const DrawingPlace& place)
+TvString placeLines(const TvString& path, const TvString& expected)
 {
     const base::PathRules& rules = base::PathRules::native();
     const TvString gap = u"  ";
-    TvString lines = textOf(kFile) + rules.fileNameOf(place.path) + gap;
-    lines += textOf(place.isRelocated ? kFoundIn : kFolder) + rules.folderOf(place.path) + gap;
-    if (place.isRelocated)
-        lines += textOf(kExpectedIn) + rules.folderOf(place.expected) + gap;
+    const bool isMoved = !expected.isEmpty();
+    TvString lines = textOf(kFile) + rules.fileNameOf(path) + gap;
+    lines += textOf(isMoved ? kFoundIn : kFolder) + rules.folderOf(path) + gap;
+    if (isMoved)
+        lines += textOf(kExpectedIn) + rules.folderOf(expected) + gap;
     return lines;
 }
 
 /// What is known of a drawing that is there.
-TvString fileLines(const DrawingPlace& place, const TvString& savedBy, const TvString& paper)
+TvString fileLines(const DrawingFacts& facts, const TvString& savedBy, const TvString& paper)
 {
-    const std::int64_t bytes = KvFileSystem::getFileSize(place.path);
-    TvString lines =
-        textOf(kSize) + roundedFileSize(bytes) + u" (" + withThousands(bytes) + u" bytes) ";
-    if (place.isInUse)
-        lines += textOf(kUser) + place.user;
-    lines += textOf(kSaved) + fileTimeText(KvFileSystem::getModificationTime(place.path));
+    TvString lines = textOf(kSize) + roundedFileSize(facts.size) + u" (" +
+                     withThousands(facts.size) + u" bytes) ";
+    if (facts.isInUse)
+        lines += textOf(kUser) + facts.user;
+    lines += textOf(kSaved) + fileTimeText(facts.modificationTime);
     return lines + textOf(kSavedBy) + savedBy + textOf(kPaper) + paper;
 }
 
-void fillSheetTip(const TvSmSheet& sheet, TipStyle style, DrawingInfoCache& drawings, Tip& tip)
+TvString sheetDetails(const TvSmSheet& sheet, const DrawingFacts* facts, const DrawingInfo* info)
 {
-    const TvString label = sheetLabel(sheet);
-    tip.text = label;
+    const TvSmTvDbLayoutReference& reference = *sheet.getLayoutReference();
+    const bool isMoved = facts && isRelocated(*facts);
+    TvString details = textOf(kStatus) + (isMoved ? textOf(kMoved) : TvString());
+    details += facts ? statusOf(*facts) : textOf(kLookedFor);
+    details += textOf(kSheet) + sheetLabel(sheet) + textOf(kDescription) + sheet.getDesc();
+    const TvString stored = reference.getFileName();
+    details += placeLines(isMoved ? facts->resolved : stored, isMoved ? stored : TvString());
+    if (facts && exists(*facts))
+        details += fileLines(*facts, info ? info->GetLastSavedBy() : TvString(),
+                             info ? info->GetPaperSize(reference.getHandle()) : TvString());
+    return details + u"\n" + propertyLines(sheet, TvSmCustomPropertyValue::kSheetProperty);
+}
+
+void fillSheetTip(const TvSmSheet& sheet, TipStyle style, DrawingFacts* facts,
+                  DrawingInfoCache& drawings, Tip& tip)
+{
+    tip.text = sheetLabel(sheet);
     const TvSmTvDbLayoutReference* reference = sheet.getLayoutReference();
     if (!reference)
         return;
     tip.preview = nullptr;
     if (style.mode == TipStyle::Name)
         return; // nothing of the drawing is shown
-    const DrawingPlace place = placeOf(*reference);
-    TvString savedBy, paper;
-    const DrawingInfo* info = nullptr;
-    if (place.exists && drawings.Get(place.path, info)) {
-        paper = info->GetPaperSize(reference->getHandle());
-        savedBy = info->GetLastSavedBy();
-        if (style.showsPreview())
-            tip.preview = info->GetThumbnail(reference->getHandle());
-    }
+    const DrawingInfo* info = facts && exists(*facts) ? drawings.Take(*facts) : nullptr;
+    if (info && style.showsPreview())
+        tip.preview = info->GetThumbnail(reference->getHandle());
     if (tip.preview) {
         tip.text += previewRoom(style.size).padding;
         if (style.mode == TipStyle::NameAndPreview)
             tip.text += u"1"; // line feeds at the end would not count
     }
-    if (!style.showsDetails())
-        return;
-    tip.text += textOf(kStatus) + (place.isRelocated ? textOf(kMoved) : TvString());
-    tip.text += statusOf(place) + textOf(kSheet) + label + textOf(kDescription) + sheet.getDesc();
-    tip.text += placeLines(place);
-    if (place.exists)
-        tip.text += fileLines(place, savedBy, paper);
-    tip.text += u"\n" + propertyLines(sheet, TvSmCustomPropertyValue::kSheetProperty);
+    if (style.showsDetails())
+        tip.text += sheetDetails(sheet, facts, info);
 }
 
 } // namespace
@@ -163,8 +142,29 @@ TvString sheetLabel(const TvSmSheet& sheet)
     return number.isEmpty() ? sheet.getTitle() : number + u" - " + sheet.getTitle();
 }
 
+std::optional<DrawingLook::Question> tipQuestion(const TvSmDatabase* database,
+                                                 const TvString& handle, TipStyle style,
+                                                 const DrawingInfoCache& drawings)
+{
+    const auto* sheet = database ? tvrxCast<TvSmSheet>(database->findObject(handle)) : nullptr;
+    const auto* reference = sheet ? sheet->getLayoutReference() : nullptr;
+    if (!reference || style.mode == TipStyle::Name)
+        return std::nullopt;
+    return DrawingLook::questionAbout(*reference, DrawingLook::Depth::Content, &drawings);
+}
+
 void fillTip(const TvSmDatabase* database, const TvString& handle, TipStyle style,
              DrawingInfoCache& drawings, Tip& tip)
+{
+    const auto question = tipQuestion(database, handle, style, drawings);
+    std::optional<DrawingFacts> facts;
+    if (question)
+        facts = DrawingLook::answer(*question);
+    fillTip(database, handle, style, facts ? &*facts : nullptr, drawings, tip);
+}
+
+void fillTip(const TvSmDatabase* database, const TvString& handle, TipStyle style,
+             DrawingFacts* facts, DrawingInfoCache& drawings, Tip& tip)
 {
     tip.text.setEmpty();
     const TvSmPersist* object = database ? database->findObject(handle) : nullptr;
@@ -174,7 +174,7 @@ void fillTip(const TvSmDatabase* database, const TvString& handle, TipStyle styl
     }
     const TvRxClass* kind = object->isA();
     if (kind == TvSmSheet::desc())
-        return fillSheetTip(*tvrxCast<TvSmSheet>(object), style, drawings, tip);
+        return fillSheetTip(*tvrxCast<TvSmSheet>(object), style, facts, drawings, tip);
     tip.preview = nullptr;
     if (kind == TvSmSheetSet::desc()) {
         const auto* set = tvrxCast<TvSmSheetSet>(object);

@@ -17,6 +17,7 @@ CTvSmSheetSetEventsHandler::~CTvSmSheetSetEventsHandler() = default;
 void core::WatchEntry::takeFile()
 {
     const TvString path = database->getFileName();
+    ++generation;
     stamp.reset();
     fileTime = KvFileSystem::getModificationTime(path);
     isGivenUp = false;
@@ -46,7 +47,8 @@ void CTvSmSheetSetEventsHandler::opened(TvSmDatabase& database)
         return;
     core::WatchEntry entry;
     entry.database = &database;
-    entry.lockStatus = database.getLockStatus();
+    entry.lock = sm::lockInfo(&database);
+    entry.lockStatus = base::lockStatusOf(entry.lock.state);
     entry.handler = std::make_unique<CTvSmSheetSetEventsHandler>(m_table);
     entry.cookie = database.registerEventHandler(entry.handler.get());
     entry.takeFile();

@@ -289,6 +289,33 @@ bool hasRenameToRecover(const TvString& setPath)
            sm::files().describeName(base::nativePath(renameJournalPath(setPath)), info) == 0;
 }
 
+namespace {
+
+/// Whether the set has the new names already, so that the rename counts.
+bool isSetWritten(const TvSmDatabase& database, const RenameJournal& journal)
+{
+    return journal.stage == RenameStage::Done ||
+           (journal.stage == RenameStage::Arriving &&
+            sm::committedHash(&database) != journal.before && hasNewNames(database, journal));
+}
+
+} // namespace
+
+base::Result<BrokenRename> brokenRename(TvSmDatabase& database)
+{
+    const base::Result<RenameJournal> journal =
+        readJournal(sm::files(), renameJournalPath(database.getFileName()));
+    if (!journal && journal.status().failure() != Failure::NotFound)
+        return journal.status();
+    BrokenRename broken;
+    if (!journal)
+        return broken;
+    broken.way =
+        isSetWritten(database, *journal) ? RenameRecovery::Finished : RenameRecovery::TakenBack;
+    broken.drawings = static_cast<int>(journal->drawings.size());
+    return broken;
+}
+
 base::Result<RenameRecovery> recoverRename(TvSmDatabase& database)
 {
     base::FileOps& ops = sm::files();
@@ -300,10 +327,7 @@ base::Result<RenameRecovery> recoverRename(TvSmDatabase& database)
         return journal.status().failure() == Failure::NotFound
                    ? base::Result<RenameRecovery>(RenameRecovery::Nothing)
                    : base::Result<RenameRecovery>(journal.status());
-    const bool isWritten =
-        journal->stage == RenameStage::Done ||
-        (journal->stage == RenameStage::Arriving &&
-         sm::committedHash(&database) != journal->before && hasNewNames(database, *journal));
+    const bool isWritten = isSetWritten(database, *journal);
     const Status status =
         isWritten ? finish(ops, setPath, *journal, true) : takeBack(ops, path, *journal);
     if (!status)

@@ -1,7 +1,6 @@
 #include "panel/open_sheets.h"
 
-#include <base/kv_file_system.h>
-#include <base/path_rules.h>
+#include <core/drawing_look.h>
 #include <core/sheet_data.h>
 #include <ed/layouts.h>
 #include <ed/tv_ap_doc_manager.h>
@@ -23,22 +22,23 @@ enum class Outcome { Nothing, Refresh };
 class SheetOpening
 {
 public:
-    SheetOpening(const TvSmTvDbLayoutReference& reference, bool readOnly)
-        : m_reference(&reference), m_readOnly(readOnly)
+    SheetOpening(const TvSmTvDbLayoutReference& reference, const core::DrawingFacts& place,
+                 bool readOnly)
+        : m_reference(&reference), m_place(place), m_readOnly(readOnly)
     {
     }
 
     Outcome run()
     {
-        const TvString path = m_reference->resolveFileName();
-        if (path.isEmpty() || !KvFileSystem::pathFileExists(path)) {
+        const TvString& path = m_place.resolved;
+        if (path.isEmpty()) {
             RecoverMissingDrawing(m_reference, kNoDrawingTitle, kNoDrawing);
             return Outcome::Nothing;
         }
         TvApDocManager* documents = tvDocManagerPtr();
         if (!documents || !documents->isApplicationContext())
             return Outcome::Refresh;
-        TvApDocument* document = documents->documentOf(path);
+        TvApDocument* document = core::openDocumentNamed(m_place.openDocument);
         const bool wasOpen = document != nullptr;
         if (!wasOpen) {
             if (!open(path))
@@ -74,29 +74,56 @@ private:
     }
 
     const TvSmTvDbLayoutReference* m_reference; // the set's; parked at worst by what opening brings
+    const core::DrawingFacts& m_place;
     bool m_readOnly;
 };
 
+const TvSmTvDbLayoutReference* referenceOf(TvSmDatabase* database, const TvString& handle)
+{
+    if (!database || !isStillOpen(database))
+        return nullptr;
+    const auto* sheet = tvrxCast<TvSmSheet>(database->findObject(handle));
+    return sheet ? sheet->getLayoutReference() : nullptr;
+}
+
+/// Visits the sheets that are there, until the user does not want to wait any longer.
 template <class Each>
-void forEachReference(TvSmDatabase* database, const std::vector<TvString>& handles, Each each)
+void forEachSheet(TvSmDatabase* database, const std::vector<TvString>& handles,
+                  const WaitForDisk& wait, Each each)
 {
     for (const TvString& handle : handles) {
-        if (!database || !isStillOpen(database))
+        const TvSmTvDbLayoutReference* reference = referenceOf(database, handle);
+        if (!reference)
+            continue;
+        const std::optional<core::DrawingFacts> place = placeOfDrawing(*reference, wait);
+        if (!place)
             return;
-        const auto* sheet = tvrxCast<TvSmSheet>(database->findObject(handle));
-        if (sheet && sheet->getLayoutReference())
-            each(*sheet->getLayoutReference());
+        // It may have gone while the disk was waited for.
+        if ((reference = referenceOf(database, handle)))
+            each(*reference, *place);
     }
 }
 
 } // namespace
 
+std::optional<core::DrawingFacts> placeOfDrawing(const TvSmTvDbLayoutReference& reference,
+                                                 const WaitForDisk& wait)
+{
+    using core::DrawingLook;
+    const TvString name = reference.getFileName(); // what is waited for may change the set
+    DrawingLook look(DrawingLook::questionAbout(reference, DrawingLook::Depth::Place));
+    const bool isThere = look.hasAnswered(core::kPatienceMs) ||
+                         (wait ? wait(name, [&look] { return look.hasAnswered(0); })
+                               : look.hasAnswered(core::ApartWork::kForEver));
+    return isThere ? std::optional(std::move(look.facts())) : std::nullopt;
+}
+
 bool openSheets(TvSmDatabase* database, const std::vector<TvString>& handles,
-                const std::function<void()>& refresh)
+                const std::function<void()>& refresh, const WaitForDisk& wait)
 {
     bool hasRefreshed = false;
-    forEachReference(database, handles, [&](const TvSmTvDbLayoutReference& reference) {
-        if (SheetOpening(reference, false).run() != Outcome::Refresh)
+    forEachSheet(database, handles, wait, [&](const auto& reference, const auto& place) {
+        if (SheetOpening(reference, place, false).run() != Outcome::Refresh)
             return;
         hasRefreshed = true;
         if (refresh)
@@ -105,10 +132,11 @@ bool openSheets(TvSmDatabase* database, const std::vector<TvString>& handles,
     return hasRefreshed;
 }
 
-void openSheetsReadOnly(TvSmDatabase* database, const std::vector<TvString>& handles)
+void openSheetsReadOnly(TvSmDatabase* database, const std::vector<TvString>& handles,
+                        const WaitForDisk& wait)
 {
-    forEachReference(database, handles, [](const TvSmTvDbLayoutReference& reference) {
-        SheetOpening(reference, true).run();
+    forEachSheet(database, handles, wait, [](const auto& reference, const auto& place) {
+        SheetOpening(reference, place, true).run();
     });
 }
 

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 
+#include <base/clock.h>
 #include <core/not_available_yet.h>
 #include <core/session.h>
 #include <core/sheet_tip.h>
 #include <core/tip_style.h>
+#include <core/watch_poller.h>
 #include <ed/user_prompts.h>
 #include <rx/tv_user_messages.h>
 #include <sm/change_scope.h>
@@ -63,6 +65,20 @@ TvString shortText(int id)
 
 } // namespace
 
+bool PanelProgram::waitForDisk(const TvString& /*file*/, const std::function<bool()>& isThere)
+{
+    while (!isThere())
+        base::systemClock().sleep(std::chrono::milliseconds(1));
+    return true;
+}
+
+WaitForDisk PanelCommands::waiting()
+{
+    return [this](const TvString& file, const std::function<bool()>& isThere) {
+        return m_program.waitForDisk(file, isThere);
+    };
+}
+
 PanelCommands::PanelCommands(SheetListPage& page, PanelMenus& menus, PanelProgram& program)
     : m_page(page), m_menus(menus), m_program(program)
 {
@@ -99,10 +115,12 @@ void PanelCommands::addOwn()
             m_program.exploreFile(shown->getFileName());
     });
     setHandler(kOpenSheet, [this](SheetListPage&) {
-        openSheets(database(), selectedHandles(), [this] { refreshStatus(); });
+        openSheets(
+            database(), selectedHandles(), [this] { refreshStatus(); }, waiting());
     });
-    setHandler(kOpenSheetReadOnly,
-               [this](SheetListPage&) { openSheetsReadOnly(database(), selectedHandles()); });
+    setHandler(kOpenSheetReadOnly, [this](SheetListPage&) {
+        openSheetsReadOnly(database(), selectedHandles(), waiting());
+    });
     setHandler(kExploreSheet, [this](SheetListPage&) { exploreSheet(); });
     setHandler(kRemoveSubset, [this](SheetListPage&) { removeSubset(); });
     setHandler(kRemoveSheets, [this](SheetListPage&) { removeSheets(); });
@@ -164,7 +182,8 @@ bool PanelCommands::OpenSheetByDoubleClick(const TreeItem* item, bool withCtrl)
 {
     if (!item || withCtrl || item->kind() != TreeItemData::kSheet)
         return false;
-    return openSheets(database(), {item->handle()}, [this] { refreshStatus(); });
+    return openSheets(
+        database(), {item->handle()}, [this] { refreshStatus(); }, waiting());
 }
 
 InsertionPlace PanelCommands::GetInsertionPlace() const
@@ -197,7 +216,7 @@ void PanelCommands::applySelection(const TvString& handle)
 void PanelCommands::setFormat(int id)
 {
     constexpr long kStored[] = {0, 2, 1}; // of the formats 1 to 3
-    if (sm::ChangeScope scope(database()); scope) {
+    if (sm::ChangeScope scope(core::answering(database())); scope) {
         scope.database()->getSheetSet()->getPublishOptions()->setEplotFormat(kStored[id - 1]);
         scope.commit();
     }
@@ -207,8 +226,10 @@ void PanelCommands::setFormat(int id)
 void PanelCommands::exploreSheet()
 {
     const auto* sheet = tvrxCast<TvSmSheet>(m_page.GetSelectedComponent());
-    if (sheet && sheet->getLayoutReference())
-        m_program.exploreFile(sheet->getLayoutReference()->resolveFileName());
+    if (!sheet || !sheet->getLayoutReference())
+        return;
+    if (const auto place = placeOfDrawing(*sheet->getLayoutReference(), waiting()))
+        m_program.exploreFile(place->resolved);
 }
 
 /// The caret goes to a neighbour, when it stands on what is removed: the next one, else the one
@@ -238,7 +259,7 @@ void PanelCommands::removeSubset()
     const TvString handle = item->handle();
     if (item->hasChildren() && !confirmSubsetRemoval())
         return;
-    sm::ChangeScope scope(database());
+    sm::ChangeScope scope(core::answering(database()));
     if (!scope)
         return;
     auto* subset = tvrxCast<TvSmSubset>(scope.database()->findObject(handle));
@@ -257,7 +278,7 @@ void PanelCommands::removeSheets()
     for (const TreeItem* item : tree.GetSelectedItems())
         if (item->kind() == TreeItemData::kSheet)
             handles.push_back(item->handle());
-    sm::ChangeScope scope(handles.empty() ? nullptr : database());
+    sm::ChangeScope scope(handles.empty() ? nullptr : core::answering(database()));
     if (!scope)
         return;
     const auto sheetOf = [&](const TvString& handle) {
@@ -282,7 +303,7 @@ void PanelCommands::removeSheets()
 
 void PanelCommands::setExcluded(std::uint32_t kind, bool excluded)
 {
-    sm::ChangeScope scope = sm::ChangeScope::withoutTest(database());
+    sm::ChangeScope scope = sm::ChangeScope::withoutTest(core::answering(database()));
     if (!scope)
         return;
     const SheetTree& tree = m_page.tree();

@@ -2,8 +2,9 @@
 
 #include <map>
 
-#include <core/disk_look.h>
+#include <core/drawing_look.h>
 #include <core/settings.h>
+#include <core/watch_poller.h>
 #include <ed/tv_ap_doc_manager.h>
 #include <sm/kv_db_util.h>
 #include <sm/publishing.h>
@@ -23,7 +24,7 @@ bool isSet(const TvChar* key)
 
 bool isLocked(const TvSmDatabase* database)
 {
-    return database && database->getLockStatus() != 0;
+    return core::lockStatusAtHand(database) != 0;
 }
 
 bool hasDocuments()
@@ -31,19 +32,13 @@ bool hasDocuments()
     return tvDocManagerPtr() && tvDocManagerPtr()->documentCount() > 0;
 }
 
-bool isOpenInHost(const TvString& path)
-{
-    return tvDocManagerPtr() && tvDocManagerPtr()->documentOf(path);
-}
-
 void addSheetFacts(const TvSmSheet& sheet, ContextFacts& facts)
 {
     // A folder that does not answer must not keep the menu from opening.
     const TvSmTvDbLayoutReference* reference = sheet.getLayoutReference();
-    bool isFile = false;
-    facts.hasDrawing =
-        reference && core::answersInTime(*reference, core::kPatienceMs, isFile) && isFile;
-    facts.isDrawingOpen = facts.hasDrawing && isOpenInHost(reference->resolveFileName());
+    const auto place = reference ? core::placeInTime(*reference) : std::nullopt;
+    facts.hasDrawing = place && place->isFile;
+    facts.isDrawingOpen = facts.hasDrawing && !place->openDocument.isEmpty();
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <core/not_available_yet.h>
 #include <core/sheet_tip.h>
+#include <core/watch_poller.h>
 #include <resources/texts.h>
 #include <rx/tv_user_messages.h>
 #include <sm/change_scope.h>
@@ -32,7 +33,7 @@ int ask(const TvSmTvDbLayoutReference& reference, const TvSmSheet& sheet, const 
 
 void removeSheet(TvSmDatabase& database, TvSmSheet& sheet)
 {
-    sm::ChangeScope scope(&database);
+    sm::ChangeScope scope(core::answering(&database));
     if (!scope || !confirmRemoval(core::sheetLabel(sheet), database))
         return;
     auto* owner = tvrxCast<TvSmSubset>(sheet.getOwner());
@@ -44,7 +45,7 @@ void replaceLayout(TvSmDatabase& database, TvSmSheet& sheet)
 {
     if (!g_replaceLayout)
         return core::sayNotAvailableYet(text::find(kImportText));
-    sm::ChangeScope scope(&database);
+    sm::ChangeScope scope(core::answering(&database));
     if (scope && g_replaceLayout(database, sheet))
         scope.commit();
 }
@@ -88,7 +89,7 @@ void RecoverMissingDrawing(const TvSmTvDbLayoutReference* reference, int titleId
     if (!isStillOpen(database))
         return;
     sheet = tvrxCast<TvSmSheet>(database->findObject(handle));
-    if (!sheet || database->getLockStatus() != 0)
+    if (!sheet || core::lockStatusAtHand(database) != 0)
         return;
     if (answer == kRemoveSheet)
         removeSheet(*database, *sheet);

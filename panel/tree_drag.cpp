@@ -1,5 +1,6 @@
 #include "panel/tree_drag.h"
 
+#include <core/watch_poller.h>
 #include <sm/tv_sm_database.h>
 
 namespace panel {
@@ -9,7 +10,7 @@ bool TreeDrag::begin(TvSmDatabase* database,
 {
     if (isDragging() || !database || database != m_tree.database())
         return false;
-    sm::ChangeScope scope(database);
+    sm::ChangeScope scope(core::answering(database));
     if (!scope)
         return false;
     const std::vector<TreeItem*> items = m_tree.GetSelectedItems();

@@ -2,6 +2,7 @@
 
 #include "database_state.h"
 #include "sm/environment.h"
+#include "sm/locked_here.h"
 
 using sm::Internals;
 
@@ -112,6 +113,11 @@ const base::Status& lastStatus(const TvSmDatabase* db)
 {
     static const base::Status success;
     return db ? Internals::state(*db).status() : success;
+}
+
+bool isLockedHere(const TvSmDatabase* db)
+{
+    return db && Internals::state(*db).isLocked();
 }
 
 bool isReadOnlyVersion(const TvSmDatabase* db)

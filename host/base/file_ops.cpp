@@ -307,7 +307,7 @@ public:
 
 FileOps& systemFileOps()
 {
-    static SystemFileOps ops;
+    static auto& ops = *new SystemFileOps; // never destroyed: threads may ask to the very end
     return ops;
 }
 

@@ -7,7 +7,8 @@ namespace {
 /// The one that remembers which hosts this process may touch.
 base::FileAccess& files()
 {
-    static base::FileAccess access(base::systemFileOps(), base::systemClock());
+    // Never destroyed: a thread that waits for a file server may outlive the program.
+    static auto& access = *new base::FileAccess(base::systemFileOps(), base::systemClock());
     return access;
 }
 

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <mutex>
 
 #include <base/atomic_replace.h>
 #include <base/kv_file_system.h>
@@ -17,6 +18,7 @@ base::FileOps* g_files = nullptr;
 base::Clock* g_clock = nullptr;
 OpenDocuments* g_documents = nullptr;
 std::vector<const DatabaseImpl*> g_holders; // databases that hold a file for writing
+std::mutex g_holdersMutex;                  // others may be made and go in other threads
 
 } // namespace
 
@@ -81,7 +83,10 @@ bool isHeldByAnother(const TvString& path, const DatabaseImpl& asking)
 
 DatabaseImpl::~DatabaseImpl()
 {
-    std::erase(g_holders, this);
+    {
+        const std::lock_guard guard(g_holdersMutex);
+        std::erase(g_holders, this);
+    }
     endUse(m_owner);
 }
 
@@ -125,8 +130,10 @@ TvStatusCode DatabaseImpl::readFile(const TvString& wanted, int mode)
     path = originalPath = wanted;
     fileHash = hash;
     holdsFile = mode == TvDb::kReadAndWrite;
-    if (holdsFile)
+    if (holdsFile) {
+        const std::lock_guard guard(g_holdersMutex);
         g_holders.push_back(this);
+    }
     return TvStatus::Ok;
 }
 

@@ -1,6 +1,7 @@
 #include <db/file_open_info_tip_manager.h>
 
 #include <map>
+#include <mutex>
 
 #include <base/edit_lock.h>
 #include <base/kv_file_system.h>
@@ -17,6 +18,13 @@ std::map<const TvDbDatabase*, std::unique_ptr<EditLock>>& uses()
 {
     static auto& all = *new std::map<const TvDbDatabase*, std::unique_ptr<EditLock>>;
     return all;
+}
+
+/// Drawings that are only read come and go in other threads as well, without a use of their own.
+std::mutex& usesMutex()
+{
+    static auto& mutex = *new std::mutex;
+    return mutex;
 }
 
 base::LockInfo usersOf(const TvString& path)
@@ -74,19 +82,23 @@ base::Status db::beginUse(const TvDbDatabase& database, const TvString& path,
     if (base::Status status = use->take(purpose); !status)
         return status;
     endUse(database);
+    const std::lock_guard guard(usesMutex());
     uses().emplace(&database, std::move(use));
     return {};
 }
 
 void db::endUse(const TvDbDatabase& database)
 {
-    const auto own = uses().find(&database);
-    if (own == uses().end())
+    decltype(uses().extract(&database)) own;
+    {
+        const std::lock_guard guard(usesMutex());
+        own = uses().extract(&database);
+    }
+    if (own.empty())
         return;
     // Where the name cannot be taken away, an empty record stays, which says nothing.
-    const base::Status ignored = own->second->removeSidecar();
+    const base::Status ignored = own.mapped()->removeSidecar();
     static_cast<void>(ignored);
-    uses().erase(own);
 }
 
 db::SaveUse::SaveUse(const TvString& path, const TvDbDatabase& database)

@@ -8,9 +8,12 @@
 
 #include <core/open_menu.h>
 #include <core/session.h>
+#include <core/watch_poller.h>
 #include <sm/tv_sm_database.h>
 #include <ui/icon.h>
 #include <ui/qt_text.h>
+
+#include "wait_for_disk.h"
 
 namespace {
 
@@ -43,8 +46,7 @@ QString COpenComboBox::text()
 
 bool COpenComboBox::isLocked()
 {
-    const TvSmDatabase* current = GetCurrentDatabase();
-    return current && current->getLockStatus() != 0;
+    return core::lockStatusAtHand(GetCurrentDatabase()) != 0;
 }
 
 QString COpenComboBox::tip()
@@ -54,7 +56,7 @@ QString COpenComboBox::tip()
     if (!current)
         return {};
     const TvString file = current->getFileName();
-    const base::LockInfo lock = sm::lockInfo(current);
+    const base::LockInfo lock = core::lockInfoAtHand(current);
     if (lock.state == base::LockState::Free)
         return ui::toQt(file);
     const TvString state = ui::fromQt(ui::textOf(kFirstState + static_cast<int>(lock.state)));
@@ -69,7 +71,10 @@ void COpenComboBox::openMenu()
 {
     const core::OpenMenu open;
     const QPoint at = mapToGlobal(rect().bottomLeft() + QPoint(0, 1));
-    open.choose(ed::popupMenu(open.menu(), at.x(), at.y()));
+    const int id = ed::popupMenu(open.menu(), at.x(), at.y());
+    const TvString file = open.recentOf(id);
+    if (file.isEmpty() || panel::waitForFile(this, file))
+        open.choose(id);
 }
 
 QSize COpenComboBox::sizeHint() const

@@ -1,6 +1,7 @@
 #include "selection_commands.h"
 
 #include <core/session.h>
+#include <core/watch_poller.h>
 #include <rx/resource_module.h>
 #include <sm/change_scope.h>
 
@@ -16,7 +17,7 @@ namespace {
 template <class Make>
 void runLocked(Make make)
 {
-    sm::ChangeScope scope(GetCurrentDatabase());
+    sm::ChangeScope scope(core::answering(GetCurrentDatabase()));
     if (!scope)
         return;
     const rx::ResourceContext ours(rx::sheetSetResourceName());

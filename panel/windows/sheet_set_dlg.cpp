@@ -17,6 +17,7 @@
 #include "panel_windows/open_combo_box.h"
 #include "panel_windows/panel_buttons.h"
 #include "selection_commands.h"
+#include "wait_for_disk.h"
 
 namespace {
 
@@ -107,6 +108,11 @@ private:
 class CSheetSetDlg::Program : public panel::PanelProgram
 {
 public:
+    explicit Program(QWidget& page) : m_page(page) {}
+    bool waitForDisk(const TvString& file, const std::function<bool()>& isThere) override
+    {
+        return panel::waitForDisk(&m_page, file, isThere);
+    }
     void exploreFile(const TvString& path) override { panel::exploreFile(path); }
     void hidePanel() override
     {
@@ -114,11 +120,14 @@ public:
         if (ed::PaletteSet* palettes = host ? core::sessionHost()->paletteSet() : nullptr)
             palettes->setShown(false);
     }
+
+private:
+    QWidget& m_page;
 };
 
 CSheetSetDlg::CSheetSetDlg(std::function<bool()> isPanelVisible)
     : CTdUiDialog(kNumber), m_window(std::make_unique<Window>(*this, std::move(isPanelVisible))),
-      m_program(std::make_unique<Program>()),
+      m_program(std::make_unique<Program>(*this)),
       m_page(std::make_unique<panel::SheetListPage>(*m_window, base::systemClock())),
       m_menus(std::make_unique<panel::PanelMenus>(*m_page)),
       m_commands(std::make_unique<panel::PanelCommands>(*m_page, *m_menus, *m_program)),

@@ -1,10 +1,11 @@
 #include "panel_windows/sheet_set_palette_set.h"
 
+#include <QApplication>
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include <core/watch_table.h>
 #include <ed/tarv_palette_prop_manager.h>
+#include <ed/tv_ap_doc_manager.h>
 #include <ui/qt_text.h>
 #include <ui/theme.h>
 
@@ -17,6 +18,15 @@ constexpr int kSetTitle = 510, kListTitle = 795, kViewsTitle = 796, kModelTitle 
 constexpr int kViewsEmpty = 8950, kModelEmpty = 8951; // texts
 constexpr int kMinimumWidth = 200, kMinimumHeight = 300;
 constexpr int kEmptyMargin = 16;
+
+/// Nothing else waits for the user, and no command runs.
+bool mayAsk()
+{
+    const TvApDocManager* documents = tvDocManagerPtr();
+    return !QApplication::activeModalWidget() && !QApplication::activePopupWidget() &&
+           QApplication::mouseButtons() == Qt::NoButton &&
+           (!documents || documents->isApplicationContext());
+}
 
 TvString tvText(int number)
 {
@@ -56,7 +66,7 @@ CTarvSheetSetPaletteSet::CTarvSheetSetPaletteSet(QMainWindow* frame)
     AddPalette(m_sheetList);
     AddPalette(new CTarvSheetViewsPalette);
     AddPalette(new CTarvModelViewsPalette);
-    connect(&m_watch, &QTimer::timeout, this, [] { PollWatchTable(); });
+    connect(&m_watch, &QTimer::timeout, this, [this] { m_poller.tick(mayAsk()); });
     m_watch.start(kWatchMs);
 }
 

@@ -6,7 +6,6 @@
 #include <QTextLayout>
 #include <QToolTip>
 
-#include <core/disk_look.h>
 #include <core/session.h>
 #include <sm/tv_sm_database.h>
 #include <ui/kv_preview_static.h>
@@ -59,16 +58,6 @@ int lineFeedsAtFront(const TvString& text)
     return count;
 }
 
-/// Whether the folder of a sheet's drawing can be asked; what is no sheet needs none.
-bool answersInTime(const TvString& handle)
-{
-    const TvSmDatabase* database = GetCurrentDatabase();
-    const auto* sheet = database ? tvrxCast<TvSmSheet>(database->findObject(handle)) : nullptr;
-    const auto* reference = sheet ? sheet->getLayoutReference() : nullptr;
-    bool isFile = false;
-    return !reference || core::answersInTime(*reference, core::kPatienceMs, isFile);
-}
-
 core::TipStyle withoutPreview(core::TipStyle style)
 {
     style.mode = style.showsDetails() ? core::TipStyle::NameAndDetails : core::TipStyle::Name;
@@ -93,22 +82,46 @@ CTarvSheetSetToolTipCtrl::CTarvSheetSetToolTipCtrl()
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setFont(QToolTip::font());
+    connect(&m_again, &QTimer::timeout, this, [this] { lookAgain(); });
 }
 
 CTarvSheetSetToolTipCtrl::~CTarvSheetSetToolTipCtrl() = default;
 
+/// Asks the disk about the item, unless somebody waits for that folder already.
+void CTarvSheetSetToolTipCtrl::beginLook(int waitMs)
+{
+    m_look.reset();
+    m_isWaiting = false;
+    auto question = core::tipQuestion(GetCurrentDatabase(), m_handle, core::tipStyle(),
+                                      core::drawingInfoCache());
+    if (!question)
+        return;
+    m_isWaiting = true;
+    if (core::DrawingLook::isSilent(*question))
+        return;
+    m_look.emplace(std::move(*question));
+    m_isWaiting = !m_look->hasAnswered(waitMs);
+}
+
 void CTarvSheetSetToolTipCtrl::GetTipText(TvString& out)
 {
-    const core::TipStyle style =
-        answersInTime(m_handle) ? core::tipStyle() : core::TipStyle{core::TipStyle::Name};
-    core::fillTip(GetCurrentDatabase(), m_handle, style, core::drawingInfoCache(), m_tip);
+    beginLook(core::kPatienceMs);
+    makeWords();
+    out = m_tip.text;
+}
+
+/// Of what is known now.
+void CTarvSheetSetToolTipCtrl::makeWords()
+{
+    const core::TipStyle style = core::tipStyle();
+    core::DrawingFacts* facts = m_look && !m_isWaiting ? &m_look->facts() : nullptr;
+    core::fillTip(GetCurrentDatabase(), m_handle, style, facts, core::drawingInfoCache(), m_tip);
     m_picture =
         m_tip.preview ? ui::previewImage(std::as_bytes(std::span(m_tip.preview->bytes))) : QImage();
     // What cannot be shown needs no room.
     if (m_tip.preview && m_picture.isNull())
-        core::fillTip(GetCurrentDatabase(), m_handle, withoutPreview(style),
+        core::fillTip(GetCurrentDatabase(), m_handle, withoutPreview(style), facts,
                       core::drawingInfoCache(), m_tip);
-    out = m_tip.text;
 }
 
 bool CTarvSheetSetToolTipCtrl::Update(const QPoint& at)
@@ -119,11 +132,42 @@ bool CTarvSheetSetToolTipCtrl::Update(const QPoint& at)
     setVisible(false);
     if (words.isEmpty())
         return false;
+    m_at = at;
+    place();
+    show();
+    if (m_isWaiting)
+        m_again.start(kAgainMs);
+    return true;
+}
+
+void CTarvSheetSetToolTipCtrl::place()
+{
     setAccessibleName(ui::toQt(core::tipParts(m_tip, core::tipStyle()).title));
     resize(sizeHint());
-    move(placeBeside(at));
-    show();
-    return true;
+    move(placeBeside(m_at));
+}
+
+/// Until the disk has answered, as long as the tip is up.
+void CTarvSheetSetToolTipCtrl::lookAgain()
+{
+    if (!m_look)
+        beginLook(0);
+    else
+        m_isWaiting = !m_look->hasAnswered(0);
+    if (m_isWaiting)
+        return;
+    m_again.stop();
+    makeWords();
+    if (m_tip.text.isEmpty())
+        return hide();
+    place();
+    update();
+}
+
+void CTarvSheetSetToolTipCtrl::hideEvent(QHideEvent* event)
+{
+    m_again.stop();
+    QWidget::hideEvent(event);
 }
 
 /// The words leave room for the picture by line feeds; where the font's lines are too low for that,

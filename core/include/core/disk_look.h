@@ -6,6 +6,7 @@
 
 #include <base/file_ops.h>
 #include <base/tv_string.h>
+#include <core/apart_work.h>
 
 class TvSmFileReference;
 
@@ -35,29 +36,17 @@ public:
 
     /// @param ops  asked in the other thread; not owned, outlives it.
     explicit DiskLook(std::vector<Question> questions, base::FileOps& ops = base::systemFileOps());
-    /// Gives up what was not asked yet. Waits for the call that runs, but not for one that does not
-    /// come back.
-    ~DiskLook();
-    DiskLook(const DiskLook&) = delete;
-    DiskLook& operator=(const DiskLook&) = delete;
 
-    static constexpr int kForEver = -1;
+    static constexpr int kForEver = ApartWork::kForEver;
     /// Whether the first @p count questions are answered, within @p waitMs.
-    bool hasAnswered(std::size_t count, int waitMs) const;
+    bool hasAnswered(std::size_t count, int waitMs) const { return m_work.hasDone(count, waitMs); }
     /// @pre it is answered.
     Answer answer(std::size_t question) const;
 
 private:
     struct Shared;
     std::shared_ptr<Shared> m_shared; // the thread's, too
-    mutable std::size_t m_seen = 0;   // so many are known to be answered
+    ApartWork m_work;
 };
-
-/// Whether the disk answers at once where a reference's file is looked for, be it there or not.
-/// @param waitMs  how long to wait for the answer.
-/// @param isFile  whether a file is there, too; false when the disk did not answer.
-bool answersInTime(const TvSmFileReference& reference, int waitMs, bool& isFile);
-/// How long the panel waits for the disk before it takes the answer for a no.
-constexpr int kPatienceMs = 80;
 
 } // namespace core

@@ -10,6 +10,10 @@
 
 class TvDbDatabase;
 
+namespace core {
+struct DrawingFacts;
+}
+
 /// What is shown of one layout.
 struct LayoutInfo {
     TvString name;
@@ -50,6 +54,12 @@ public:
     /// known of it is forgotten then.
     /// @note reads the drawing at the first time: its map of objects, and the few that matter.
     bool Get(const TvString& path, const DrawingInfo*& out);
+    /// What was read of it, be it still so or not; null: nothing. Asks the disk nothing.
+    const DrawingInfo* Known(const TvString& path) const;
+    /// Takes over what was read elsewhere, or forgets what could not be read; of an open document,
+    /// reads that. Asks the disk nothing.
+    /// @return what is known of facts.path() now; null: nothing.
+    const DrawingInfo* Take(core::DrawingFacts& facts);
 
 private:
     std::map<TvString, std::unique_ptr<DrawingInfo>> m_drawings; // by path, letter for letter

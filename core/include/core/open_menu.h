@@ -18,6 +18,8 @@ public:
 
     OpenMenu();
     const ed::Menu& menu() const { return m_menu; }
+    /// The recent file of that id; empty for another number.
+    TvString recentOf(int id) const;
     /// Does what the entry of that id says; nothing for another number, and for a set that has left
     /// the session.
     void choose(int id) const;

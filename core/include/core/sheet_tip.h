@@ -5,6 +5,7 @@
 
 #include <base/tv_string.h>
 #include <core/drawing_info_cache.h>
+#include <core/drawing_look.h>
 #include <core/tip_style.h>
 
 class TvSmDatabase;
@@ -28,6 +29,15 @@ struct Tip {
 /// @note reads the sheet's drawing at the first time, and asks the disk for what it shows.
 void fillTip(const TvSmDatabase* database, const TvString& handle, TipStyle style,
              DrawingInfoCache& drawings, Tip& tip);
+
+/// What the disk is asked for such a tip; none when it shows nothing of a drawing.
+std::optional<DrawingLook::Question> tipQuestion(const TvSmDatabase* database,
+                                                 const TvString& handle, TipStyle style,
+                                                 const DrawingInfoCache& drawings);
+/// The same as fillTip(), of what the disk told; asks it nothing.
+/// @param facts  null: it has not answered yet. What was read goes into @p drawings.
+void fillTip(const TvSmDatabase* database, const TvString& handle, TipStyle style,
+             DrawingFacts* facts, DrawingInfoCache& drawings, Tip& tip);
 
 /// How a tip is painted.
 struct TipParts {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include <base/edit_lock.h>
 #include <base/file_ops.h>
 #include <sm/tv_sm_events.h>
 
@@ -18,6 +19,8 @@ struct WatchEntry {
     TvSmDatabase* database = nullptr; // the manager's
     int cookie = -1;                  ///< of the database's own handler
     int lockStatus = 0;               ///< as last seen
+    base::LockInfo lock;              ///< the same with its owner
+    unsigned generation = 0;          ///< counts how often the file was taken over
     std::uint64_t fileTime = 0;       ///< last write, in 100 ns; 0: unreadable
     /// The file that was meant by the time: two versions may have one time. None: not known.
     std::optional<base::FileStamp> stamp;

@@ -32,6 +32,13 @@ enum class RenameRecovery { Nothing, TakenBack, Finished };
 /// @param database  locked by the caller, so that nobody is in the middle of it; the lock stays.
 /// @return what was done; a status when it could not be: the journal is left then.
 base::Result<RenameRecovery> recoverRename(TvSmDatabase& database);
+/// A rename that was broken off, and what recoverRename() would do about it.
+struct BrokenRename {
+    RenameRecovery way = RenameRecovery::Nothing; ///< there is none
+    int drawings = 0;                             ///< so many take part
+};
+/// @param database  as for recoverRename(). Changes nothing.
+base::Result<BrokenRename> brokenRename(TvSmDatabase& database);
 /// Whether there is something to recover, by the look of it.
 bool hasRenameToRecover(const TvString& setPath);
 

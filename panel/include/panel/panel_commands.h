@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include <panel/open_sheets.h>
 #include <panel/panel_menus.h>
 
 namespace panel {
@@ -16,6 +17,8 @@ public:
     /// Shows the file in the desktop's file manager, selected.
     virtual void exploreFile(const TvString& path) = 0;
     virtual void hidePanel() = 0;
+    /// Lets the user wait for a file whose folder does not answer at once; see WaitForDisk.
+    virtual bool waitForDisk(const TvString& file, const std::function<bool()>& isThere);
     /// Tips follow the style from now on.
     virtual void tipStyleChanged() {}
 };
@@ -61,6 +64,7 @@ private:
     void addOwn();
     TvSmDatabase* database() const;
     std::vector<TvString> selectedHandles() const;
+    WaitForDisk waiting();
     void refreshStatus() { m_page.statusTimer().UpdateSheetStatusIfEnabled(); }
     void applySelection(const TvString& handle);
     void setFormat(int id);

@@ -184,6 +184,16 @@ protected:
         });
     }
     CTarvSheetSetToolTipCtrl& tip() { return tree().tips()->tip(); }
+    /// Shown, with all that the disk tells.
+    bool show()
+    {
+        return tip().Update({50, 50}) &&
+               QTest::qWaitFor([this] { return !tip().isWaiting(); }, 20000);
+    }
+    bool isUp()
+    {
+        return QTest::qWaitFor([this] { return tip().isVisible() && !tip().isWaiting(); }, 20000);
+    }
     void moveTo(const QPoint& to)
     {
         QWidget* area = tree().viewport();
@@ -198,7 +208,7 @@ TEST_F(TipTest, ComesAfterTheMouseRestedOnARowAndShowsWhatIsKnownOfIt)
     moveTo(pointOf(plan));
     EXPECT_FALSE(tip().isVisible()) << "not while the mouse moves";
     EXPECT_EQ(tip().Handle(), handleOf(plan));
-    ASSERT_TRUE(QTest::qWaitFor([this] { return tip().isVisible(); }, 20000));
+    ASSERT_TRUE(isUp());
     EXPECT_EQ(tip().tip().text.find(u"1 - Plan\n"), 0);
     EXPECT_NE(tip().tip().text.find(u"plan.dwg"), TvString::npos);
     const QImage picture = tip().grab().toImage();
@@ -216,7 +226,7 @@ TEST_F(TipTest, ComesAfterTheMouseRestedOnARowAndShowsWhatIsKnownOfIt)
 TEST_F(TipTest, TurnedOffItIsHiddenAtOnceAndComesNoMore)
 {
     moveTo(pointOf(plan));
-    ASSERT_TRUE(QTest::qWaitFor([this] { return tip().isVisible(); }, 20000));
+    ASSERT_TRUE(isUp());
     dlg->Item<CIconButton>(CSheetSetDlg::kTips)->click();
     EXPECT_FALSE(tip().isVisible());
     EXPECT_FALSE(dlg->showsTips());
@@ -231,7 +241,7 @@ TEST_F(TipTest, GoesWithAPressAndAKey)
 {
     for (const bool byKey : {false, true}) {
         tip().SetHandle(handleOf(plan));
-        ASSERT_TRUE(tip().Update({50, 50}));
+        ASSERT_TRUE(show());
         if (byKey)
             QTest::keyClick(&tree(), Qt::Key_Shift);
         else
@@ -245,10 +255,10 @@ TEST_F(TipTest, TheStyleOfTheBackgroundMenuIsWhatIsShown)
 {
     tip().SetHandle(handleOf(plan));
     dlg->commands().run(panel::kFirstTipStyle);
-    ASSERT_TRUE(tip().Update({50, 50}));
+    ASSERT_TRUE(show());
     EXPECT_EQ(tip().tip().text, u"1 - Plan");
     dlg->commands().run(panel::kFirstTipStyle + 3);
-    ASSERT_TRUE(tip().Update({50, 50}));
+    ASSERT_TRUE(show());
     EXPECT_GE(tip().width(), 128);
     EXPECT_LT(tip().width(), 256);
     int stored = 0;
@@ -259,7 +269,7 @@ TEST_F(TipTest, TheStyleOfTheBackgroundMenuIsWhatIsShown)
 TEST_F(TipTest, APictureThatCannotBeReadNeedsNoRoom)
 {
     tip().SetHandle(handleOf(section));
-    ASSERT_TRUE(tip().Update({50, 50}));
+    ASSERT_TRUE(show());
     EXPECT_EQ(tip().tip().text.find(u"1234567890"), TvString::npos);
     EXPECT_NE(tip().tip().text.find(u"plan.dwg"), TvString::npos);
 }
@@ -269,6 +279,52 @@ TEST_F(TipTest, AnObjectThatIsGoneHasNoTip)
     tip().SetHandle(u"gFFFF");
     EXPECT_FALSE(tip().Update({50, 50}));
     EXPECT_FALSE(tip().isVisible());
+}
+
+TEST_F(TipTest, ASetOrASubsetIsShownByItsNameAloneWhereTipsAreNameAndPicture)
+{
+    for (const int style : {4}) { // the largest picture
+        dlg->commands().run(panel::kFirstTipStyle + style);
+        moveTo(pointOf(plan));
+        ASSERT_TRUE(isUp());
+        ASSERT_NE(tip().tip().preview, nullptr) << "the one before had a picture";
+        const QSize pictureSize = tip().size();
+        for (const auto& [object, name] :
+             {std::pair<const TvSmPersist*, TvString>{ground, u"Ground"},
+              {database->getSheetSet(), u"House"}}) {
+            moveTo(pointOf(object));
+            EXPECT_FALSE(tip().isVisible());
+            ASSERT_TRUE(isUp());
+            EXPECT_EQ(tip().tip().text, name);
+            EXPECT_EQ(tip().tip().preview, nullptr);
+            EXPECT_LT(tip().height(), pictureSize.height()) << "no room is left for one";
+            const QImage picture = tip().grab().toImage();
+            bool hasLine = false, hasRed = false;
+            for (int y = 0; y < picture.height(); ++y)
+                for (int x = 0; x < picture.width(); ++x) {
+                    hasLine = hasLine || (x == 5 && picture.pixelColor(x, y) == kLine &&
+                                          picture.pixelColor(x + 1, y) == kLine &&
+                                          picture.pixelColor(x + 2, y) == kLine);
+                    hasRed = hasRed || picture.pixelColor(x, y) == kRed;
+                }
+            EXPECT_FALSE(hasLine || hasRed);
+        }
+    }
+}
+
+TEST_F(TipTest, ASubsetTellsItsSheetsAndASetItsTextsOnlyWhereDetailsAreShown)
+{
+    change(database, [](TvSmSheetSet& top) { top.setSheetSetText1(u"North"); });
+    for (int style = 0; style < 8; ++style) {
+        dlg->commands().run(panel::kFirstTipStyle + style);
+        const bool hasDetails = core::tipStyle().showsDetails();
+        tip().SetHandle(handleOf(ground));
+        ASSERT_TRUE(show());
+        EXPECT_EQ(tip().tip().text.find(u"3") != TvString::npos, hasDetails) << style;
+        tip().SetHandle(handleOf(database->getSheetSet()));
+        ASSERT_TRUE(show());
+        EXPECT_EQ(tip().tip().text.find(u"North") != TvString::npos, hasDetails) << style;
+    }
 }
 
 } // namespace

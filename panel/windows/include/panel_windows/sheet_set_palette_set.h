@@ -3,6 +3,7 @@
 #include <QTimer>
 
 #include <core/sheet_set_panel.h>
+#include <core/watch_poller.h>
 #include <ui/td_ui_palette.h>
 #include <ui/td_ui_palette_set.h>
 
@@ -51,6 +52,7 @@ public:
 
 private:
     CTarvSheetSetPalette* m_sheetList; // owned by the set
+    core::WatchPoller m_poller;
     QTimer m_watch;
 };
 

@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
 #include <core/sheet_tip.h>
@@ -21,7 +22,9 @@ public:
     virtual QWidget* GetOwnerWnd() const { return m_owner; }
     virtual void SetOwnerWnd(QWidget* window) { m_owner = window; }
     /// The words for the item of SetHandle(), and with them the picture. Empty: no tip.
-    /// @note reads the item's drawing at the first time.
+    ///
+    /// The item's drawing is looked at in another thread. Where that takes long the words are what
+    /// is known without it, and the tip is made anew when the rest is there, if it is still up.
     virtual void GetTipText(TvString& out);
     virtual void PaintTip();
 
@@ -34,9 +37,12 @@ public:
     /// How it looks with the words and the picture of the last Update().
     QSize sizeHint() const override;
     const core::Tip& tip() const { return m_tip; }
+    /// The disk has not told yet what the tip is to show.
+    bool isWaiting() const { return m_isWaiting; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
     core::Tip m_tip;  ///< what GetTipText() made
     QImage m_picture; ///< the preview, decoded; null: none
@@ -45,7 +51,17 @@ private:
     struct Layout;
     Layout layOut() const;
     QPoint placeBeside(const QPoint& at) const;
+    void beginLook(int waitMs);
+    void makeWords();
+    void place();
+    void lookAgain();
+
+    static constexpr int kAgainMs = 50;
 
     QPointer<QWidget> m_owner;
     TvString m_handle;
+    std::optional<core::DrawingLook> m_look; // at the drawing of the item
+    bool m_isWaiting = false;                // the look has not answered, or could not begin
+    QPoint m_at;                             // the point beside which the tip is
+    QTimer m_again;
 };
