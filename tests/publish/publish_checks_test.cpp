@@ -80,6 +80,26 @@ TEST_F(PublishChecksTest, AMarkedSheetMarksTheRootAndNothingElse)
     EXPECT_TRUE(marks.isChecked(at(top())));
 }
 
+TEST_F(PublishChecksTest, NothingButAMarkedSheetMarksTheRoot)
+{
+    publish::PublishChecks marks = checks();
+    marks.click(at(plan));
+    EXPECT_TRUE(marks.isChecked(at(top())));
+    marks.click(at(top()));
+    marks.click(at(ground));
+    marks.click(at(ground));
+    EXPECT_TRUE(marks.isChecked(at(ground)));
+    EXPECT_FALSE(marks.isChecked(at(top()))) << "a subset does not";
+
+    exclude(ground);
+    exclude(cover); // no sheet is published, but their own marks stand
+    publish::PublishChecks none = checks();
+    ASSERT_FALSE(none.isChecked(at(top())));
+    none.click(at(plan));
+    EXPECT_FALSE(none.isChecked(at(plan)));
+    EXPECT_FALSE(none.isChecked(at(top()))) << "nor a sheet that loses its mark";
+}
+
 TEST_F(PublishChecksTest, AnUnmarkedSubsetExcludesItsSheetsWhoseOwnFlagsStay)
 {
     publish::PublishChecks marks = checks();
