@@ -15,22 +15,18 @@ namespace {
 constexpr std::int64_t kShown = 1;      // "display" of an image
 constexpr std::int64_t kUnderlayOn = 2; // "flags" of an underlay
 
-TvGePoint2d flat(const TvGeMatrix3d& map, const TvGePoint3d& point)
-{
-    const TvGePoint3d there = map * point;
-    return {there.x, there.y};
-}
-
 void addFrame(Scene& scene, const TvString& fileName, const TvGePoint3d& origin,
               const TvGeVector3d& right, const TvGeVector3d& up)
 {
-    const TvGeMatrix3d& map = scene.frame().map;
+    const auto seen = [&](const TvGePoint3d& point) {
+        return scene.writer().seen(scene.frame().map * point);
+    };
     const ItemLook look = scene.itemLook();
     PictureFrame frame;
     frame.fileName = fileName;
-    frame.origin = flat(map, origin);
-    frame.right = flat(map, origin + right) - frame.origin;
-    frame.up = flat(map, origin + up) - frame.origin;
+    frame.origin = seen(origin);
+    frame.right = seen(origin + right) - frame.origin;
+    frame.up = seen(origin + up) - frame.origin;
     frame.layer = look.layer;
     frame.clip = look.clip;
     frame.handle = look.handle;

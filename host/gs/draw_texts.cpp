@@ -55,8 +55,7 @@ void addBackground(Scene& scene, const TextBackground& background, const TvGeMat
 void addRun(Scene& scene, TextRun&& run, const TvGeMatrix3d& map)
 {
     const auto flat = [&](const TvGePoint2d& p) {
-        const TvGePoint3d there = map * TvGePoint3d(p.x, p.y, 0);
-        return TvGePoint2d(there.x, there.y);
+        return scene.writer().seen(map * TvGePoint3d(p.x, p.y, 0));
     };
     const ItemLook look = scene.itemLook();
     PlacedText text;

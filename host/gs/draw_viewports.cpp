@@ -22,9 +22,15 @@ std::vector<bool> layersFrozenIn(const TvDbViewport& viewport, const Scene& scen
 
 } // namespace
 
+double paperScale(const TvDbViewport& viewport)
+{
+    const double seen = cameraOf(viewport).heightSeen(viewport.width() / viewport.height());
+    return seen > 0 ? viewport.height() / seen : viewport.customScale();
+}
+
 TvGeMatrix3d modelToPaper(const TvDbViewport& viewport)
 {
-    const double scale = viewport.customScale();
+    const double scale = paperScale(viewport);
     const TvGePoint3d center = viewport.centerPoint();
     const TvGePoint2d seen = viewport.viewCenter();
     return TvGeMatrix3d::translation({center.x, center.y, 0}) * TvGeMatrix3d::scaling(scale) *
@@ -55,7 +61,7 @@ void viewport(Scene& scene, const TvDbEntity& entity)
 {
     const auto& self = static_cast<const TvDbViewport&>(entity);
     if (!self.isOn() || scene.isOverallViewport(self.objectId()) || scene.frame().by ||
-        !(self.customScale() > 0))
+        !(paperScale(self) > 0))
         return;
     const TvDbObjectId outline = self.nonRectClipEntityId();
     addWindow(scene.path(), self);
@@ -75,8 +81,11 @@ void viewport(Scene& scene, const TvDbEntity& entity)
     inside.viewHeight = self.viewHeight();
     // The same dashes on paper, whatever the scale of the viewport: or as long as in the model.
     inside.linetypeFactor =
-        scene.database().headerRecord().flag("PSLTSCALE") ? 1 : self.customScale();
+        scene.database().headerRecord().flag("PSLTSCALE") ? 1 : paperScale(self);
+    const Lens lens = cameraOf(self).lens(self.viewTarget(), inside.map, paperScale(self));
+    scene.writer().setLens(&lens);
     scene.drawBlock(scene.database().modelSpaceId(), inside);
+    scene.writer().setLens(nullptr);
 }
 
 } // namespace gs::draw

@@ -100,12 +100,11 @@ void fillWithPicture(Scene& scene, const FrameArea& area,
     Filling filling;
     filling.picture = picture;
     filling.stops = {{0, look.color}};
-    // Seen from the side, heights count: place it by its corners in the list's plane.
+    // Seen from the side, heights count: its square is placed in space.
     const TvGeMatrix3d& map = scene.frame().map;
-    const TvGePoint3d origin = map * area.origin;
-    const TvGeVector3d right = map * area.right, up = map * area.up;
-    filling.place = {right.x, up.x, origin.x, right.y, up.y, origin.y};
-    look.filling = scene.writer().addFilling(std::move(filling), {});
+    const TvGeMatrix3d square = TvGeMatrix3d::coordinateSystem(area.origin, area.right, area.up,
+                                                               area.right.crossProduct(area.up));
+    look.filling = scene.writer().addFilling(std::move(filling), map * square);
     scene.writer().add(look, scene.lastPath(), map);
 }
 

@@ -183,6 +183,8 @@ void ListWriter::addLetters(const ItemLook& look, const TextShape& shape, const 
         m_list.m_isCut = true;
         return;
     }
+    if (m_lens)
+        return addSeenLetters(look, shape, part, map, coarse);
     const std::size_t rows = m_list.m_rows.size(), letters = m_list.m_rowLetters.size();
     Item item;
     DisplayList::LetterPath path;

@@ -118,6 +118,8 @@ void ListWriter::addAny(const ItemLook& look, const AnyPath& path, const TvGeMat
         m_list.m_isCut = true;
         return;
     }
+    if (m_lens)
+        return addSeen(look, path, map, coarse);
     Item item;
     const auto range = store(path, map, item.box);
     if (!range)
@@ -144,6 +146,7 @@ void ListWriter::put(const ItemLook& look, const Item& from, const TvGeMatrix3d&
     item.detail = look.detail;
     item.coarseAlpha = look.coarseAlpha;
     item.filling = look.filling;
+    item.plotStyle = look.plotStyle;
     item.layer = look.layer;
     item.clip = look.clip;
     item.path = from.path;
@@ -159,6 +162,8 @@ void ListWriter::put(const ItemLook& look, const Item& from, const TvGeMatrix3d&
 void ListWriter::addMarker(const ItemLook& look, const TvGePoint3d& place, const TvGeMatrix3d& map,
                            const SpacePath& figure)
 {
+    if (m_lens)
+        return addSeenMarker(look, map * place, figure);
     SpacePath whole;
     whole.moveTo(map * place);
     whole.append(figure);
@@ -182,6 +187,8 @@ void ListWriter::addMarker(const ItemLook& look, const TvGePoint3d& place, const
 std::optional<std::uint32_t> ListWriter::addClip(const SpacePath& path, const TvGeMatrix3d& map,
                                                  std::uint32_t parent)
 {
+    if (m_lens)
+        return addSeenClip(path, map, parent);
     Clip clip;
     const auto range = store(path, map, clip.box);
     if (!range)
@@ -236,7 +243,7 @@ std::uint32_t ListWriter::addLayer(Layer layer)
 std::uint16_t ListWriter::addFilling(Filling filling, const TvGeMatrix3d& map)
 {
     const std::size_t number = m_list.m_fillings.size() + 1;
-    filling.place = FlatMap::seenFromAbove(map) * filling.place;
+    filling.place = placeOfFilling(filling.place, map);
     const FlatMap& place = filling.place;
     if (number > std::numeric_limits<std::uint16_t>::max() || filling.stops.empty() ||
         !isUsable(place.x0, place.y0) || !isUsable(place.xx, place.xy) ||

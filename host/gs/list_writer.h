@@ -10,6 +10,8 @@
 
 namespace gs {
 
+struct Lens;
+
 /// What one item looks like; all that a SpacePath does not say.
 struct ItemLook {
     Item::Kind kind = Item::Kind::Stroke;
@@ -19,6 +21,7 @@ struct ItemLook {
     float widthUnits = 0;
     float detail = 0;
     std::uint8_t coarseAlpha = 0;
+    std::uint8_t plotStyle = 0;
     std::uint16_t filling = 0;
     std::uint32_t layer = 0;
     std::uint32_t clip = Item::kNoClip;
@@ -33,6 +36,13 @@ class ListWriter
 {
 public:
     ListWriter(DisplayList& list, const ListLimits& limits) : m_list(list), m_limits(limits) {}
+
+    /// How everything that follows is seen, other than from above; null: from above.
+    /// @param lens  not owned; outlives its use. A plain one is none.
+    void setLens(const Lens* lens);
+    const Lens* lens() const { return m_lens; }
+    /// Where a place of the list is seen; not finite where it is not.
+    TvGePoint2d seen(const TvGePoint3d& place) const;
 
     /// Adds an item: @p path where @p map puts it, seen from above.
     /// @param coarse  what is drawn of it where its details are too small; null: none.
@@ -55,6 +65,7 @@ public:
     void addLost(db::LostReference reference);
     std::uint32_t addLayer(Layer layer);
     std::span<const Layer> layers() const { return m_list.m_layers; }
+    void addPlotStyle(TvString name) { m_list.m_plotStyles.push_back(std::move(name)); }
     /// @param map  to the list's plane.
     /// @return the number that items have; 0 when there are too many.
     std::uint16_t addFilling(Filling filling, const TvGeMatrix3d& map);
@@ -80,6 +91,17 @@ private:
     template <class AnyPath>
     void addAny(const ItemLook& look, const AnyPath& path, const TvGeMatrix3d& map,
                 const SpacePath* coarse);
+    // lens_list.cpp
+    void addSeen(ItemLook look, const SpacePath& path, const TvGeMatrix3d& map,
+                 const SpacePath* coarse);
+    void addSeen(const ItemLook& look, const Path& path, const TvGeMatrix3d& map,
+                 const SpacePath* coarse);
+    void addSeenLetters(const ItemLook& look, const TextShape& shape, const TextPart& part,
+                        const TvGeMatrix3d& map, const SpacePath* coarse);
+    void addSeenMarker(const ItemLook& look, const TvGePoint3d& place, const SpacePath& figure);
+    std::optional<std::uint32_t> addSeenClip(const SpacePath& path, const TvGeMatrix3d& map,
+                                             std::uint32_t parent);
+    FlatMap placeOfFilling(const FlatMap& square, const TvGeMatrix3d& map) const;
     /// @param item  its path and box.
     void put(const ItemLook& look, const Item& item, const TvGeMatrix3d& map,
              const SpacePath* coarse);
@@ -101,6 +123,7 @@ private:
 
     DisplayList& m_list;
     ListLimits m_limits;
+    const Lens* m_lens = nullptr; // not owned; null: all is seen from above
     std::uint32_t m_visits = 0;
     std::unordered_map<const Glyph*, std::uint32_t> m_numbers; // of letters in the list
     std::unordered_map<const FontFace*, std::uint32_t> m_faces;

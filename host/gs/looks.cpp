@@ -123,7 +123,8 @@ float weightOfCode(std::int64_t code)
     return code == 29 ? kWeightByLayer : code == 30 ? kWeightByBlock : kWeightDefault;
 }
 
-Looks::Looks(TvDbDatabase& database, ListWriter& writer) : m_layers(m_own), m_database(database)
+Looks::Looks(TvDbDatabase& database, ListWriter& writer)
+    : m_layers(m_own), m_database(database), m_plotStyles(database, writer)
 {
     readLinetypes();
     const TvDbObjectPointer<TvDbLayerTable> table(database.symbolTableId(TvDb::SymbolTable::Layer),
@@ -217,6 +218,7 @@ Look Looks::lookOfLayer(TvDbObjectId id) const
     const float weight = weightOfCode(fields.integer("flags") >> 5 & 31);
     look.weightMm = weight < 0 ? kDefaultWeightMm : weight;
     look.alpha = alphaOfLayer(*layer);
+    look.plotStyle = m_plotStyles.number(fields.handle("plotstyle"));
     const std::uint64_t type = fields.handle("ltype");
     if (type != 0 && type != m_continuous && type != m_byLayer && type != m_byBlock)
         look.linetype = m_database.find(type);
@@ -274,6 +276,8 @@ Look Looks::resolve(const db::Record& entity, const LookFields& fields, const Lo
     else if (type != kTypeByLayer)
         look.linetype = m_database.find(fields.type.handle(entity));
     look.linetypeScale = fields.typeScale.real(entity);
+    if (!m_plotStyles.isEmpty())
+        look.plotStyle = m_plotStyles.ofEntity(entity, look.plotStyle, by ? by->plotStyle : 0);
     return look;
 }
 

@@ -6,6 +6,7 @@
 #include <gs/display_list.h>
 
 #include "list_writer.h"
+#include "plot_style_names.h"
 
 class TvDbLayerTableRecord;
 
@@ -15,6 +16,7 @@ namespace gs {
 struct Look {
     Color color;
     std::uint8_t alpha = 255;
+    std::uint8_t plotStyle = 0;
     float weightMm = 0;
     std::uint32_t layer = 0;
     TvDbObjectId linetype; ///< null: continuous
@@ -96,6 +98,7 @@ private:
     std::uint32_t m_zero = 0;
     std::uint64_t m_byLayer = 0, m_byBlock = 0, m_continuous = 0; // linetypes
     TvDbDatabase& m_database;
+    PlotStyleNames m_plotStyles;
 };
 
 } // namespace gs

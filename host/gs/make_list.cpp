@@ -5,6 +5,7 @@
 #include <db/tv_db_viewport.h>
 #include <gs/display_list.h>
 
+#include "layout_scene.h"
 #include "scene.h"
 
 namespace gs {
@@ -29,37 +30,57 @@ void makeHeader(TvDbDatabase& database, ListWriter& writer)
     writer.setShowsLineWeights((database.headerRecord().integer("FLAGS") & kHidesWeights) == 0);
 }
 
-/// How model space is seen, and tells the list what of it was.
-TvGeMatrix3d modelView(TvDbDatabase& database, ListWriter& writer)
+/// How a view sees model space.
+struct ModelView {
+    TvGeMatrix3d map;
+    std::optional<Lens> lens;
+};
+
+/// Reads the record of a view, and tells the list what of the model it shows.
+ModelView modelView(const TvDbObject* view, ListWriter& writer)
 {
-    const TvDbObjectPointer<TvDbViewportTableRecord> view(activeModelView(database),
-                                                          TvDb::kForNotify);
+    ModelView seen;
     if (!view)
-        return {};
+        return seen;
     const db::RecordView fields = view->fields();
     const TvGeVector3d direction = db::asVector(fields.point("direction"));
     if (direction.isZeroLength() || !std::isfinite(direction.length()))
-        return {};
-    const TvGeMatrix3d map = viewAxes(direction, fields.real("twist"));
-    const TvGePoint3d target = map * db::asPoint(fields.point("target"));
+        return seen;
+    seen.map = viewAxes(direction, fields.real("twist"));
+    const Camera camera = cameraOfView(fields);
+    seen.lens = camera.lens(db::asPoint(fields.point("target")), seen.map, 1);
+    const TvGePoint3d target = seen.lens->target;
     const db::Point center = fields.point("center");
-    const double height = fields.real("height"), width = fields.real("width");
+    double height = fields.real("height"), width = fields.real("width");
+    if (const double tall = camera.heightSeen(width / height); tall > 0)
+        width *= tall / height, height = tall;
     Box window;
     window.add({target.x + center.x - width / 2, target.y + center.y - height / 2});
     window.add({target.x + center.x + width / 2, target.y + center.y + height / 2});
     if (height > 0 && width > 0 && std::isfinite(window.width() + window.height()))
         writer.setSavedWindow(window);
-    return map;
+    return seen;
 }
 
-void makeModel(TvDbDatabase& database, ListWriter& writer, db::AttachedDrawings* attached)
+void makeModel(TvDbDatabase& database, const TvDbObject* view, ListWriter& writer,
+               db::AttachedDrawings* attached)
 {
     Scene scene(database, writer, attached);
     makeHeader(database, writer);
+    const ModelView seen = modelView(view, writer);
     Scene::Frame frame;
-    frame.map = modelView(database, writer);
+    frame.map = seen.map;
     writer.setFromWorld(frame.map);
+    writer.setLens(seen.lens ? &*seen.lens : nullptr);
     scene.drawBlock(database.modelSpaceId(), frame);
+    writer.setLens(nullptr);
+}
+
+void makeCurrentModel(TvDbDatabase& database, ListWriter& writer, db::AttachedDrawings* attached)
+{
+    const TvDbObjectPointer<TvDbViewportTableRecord> view(activeModelView(database),
+                                                          TvDb::kForNotify);
+    makeModel(database, view ? &*view : nullptr, writer, attached);
 }
 
 void makeSheet(const TvDbLayout& layout, ListWriter& writer)
@@ -111,7 +132,7 @@ DisplayList DisplayList::ofLayout(TvDbObjectId id, const ListLimits& limits,
         return list;
     ListWriter writer(list, limits);
     if (layout->getBlockTableRecordId() == layout->database()->modelSpaceId())
-        makeModel(*layout->database(), writer, attached);
+        makeCurrentModel(*layout->database(), writer, attached);
     else
         makePaper(*layout, writer, attached);
     writer.finish();
@@ -123,7 +144,20 @@ DisplayList DisplayList::ofModel(TvDbDatabase& database, const ListLimits& limit
 {
     DisplayList list;
     ListWriter writer(list, limits);
-    makeModel(database, writer, attached);
+    makeCurrentModel(database, writer, attached);
+    writer.finish();
+    return list;
+}
+
+DisplayList DisplayList::ofView(TvDbObjectId id, const ListLimits& limits,
+                                db::AttachedDrawings* attached)
+{
+    DisplayList list;
+    const TvDbObjectPointer<TvDbViewTableRecord> view(id, TvDb::kForNotify);
+    if (!view)
+        return list;
+    ListWriter writer(list, limits);
+    makeModel(*id.database(), &*view, writer, attached);
     writer.finish();
     return list;
 }

@@ -1,5 +1,7 @@
 #include "attachments.h"
 
+#include "lens.h"
+
 #include <cmath>
 #include <cstring>
 
@@ -133,6 +135,7 @@ ItemLook Scene::itemLook() const
     look.color = m_look.color;
     look.alpha = m_look.alpha;
     look.weightMm = m_look.weightMm;
+    look.plotStyle = m_look.plotStyle;
     look.layer = m_look.layer;
     look.clip = m_frame->clip;
     look.handle = m_handle;
@@ -184,9 +187,16 @@ bool Scene::strokeDashed(const ItemLook& look, const TvGeMatrix3d& map, bool res
     options.mostDashes = kMostDashes;
     SpacePath solid = m_path;
     solid.transform(map);
-    const DashedPath pieces = dashed(solid.seenFromAbove(), pattern, options, &fonts());
+    const Lens* const lens = m_writer.lens();
+    const Path flat = lens ? lens->seenLines(solid, {}) : solid.seenFromAbove();
+    const DashedPath pieces = dashed(flat, pattern, options, &fonts());
     if (pieces.isWhole)
         return false;
+    if (lens) {
+        solid.clear();
+        solid.append(flat, 0);
+        m_writer.setLens(nullptr); // they are as they are seen
+    }
     ItemLook lines = look;
     lines.detail = static_cast<float>(pattern.length() * options.scale);
     m_writer.add(lines, pieces.lines, {}, &solid);
@@ -195,6 +205,7 @@ bool Scene::strokeDashed(const ItemLook& look, const TvGeMatrix3d& map, bool res
         letters.kind = part.isFilled ? Item::Kind::Fill : Item::Kind::Stroke;
         m_writer.add(letters, part.path, {});
     }
+    m_writer.setLens(lens);
     return true;
 }
 

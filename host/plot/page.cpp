@@ -48,24 +48,28 @@ gs::Box limitsOf(TvDbDatabase& database, const TvDbLayout& layout, const gs::Dis
     return box;
 }
 
-/// nullopt when there is no such view.
-std::optional<gs::Box> viewBox(TvDbDatabase& database, const TvString& name,
-                               const gs::DisplayList& list)
+/// The named view that a page is made of; null when there is no such view.
+TvDbObjectId plottedView(TvDbDatabase& database, const PageSetup& setup)
 {
     TvDbObjectId id;
     const TvDbObjectPointer<TvDbViewTable> views(database.symbolTableId(TvDb::SymbolTable::View),
                                                  TvDb::kForNotify);
-    if (!views || views->getIdAt(name, id) != TvStatus::Ok)
-        return std::nullopt;
+    if (setup.area != TvDbPlotSettings::kView || !views ||
+        views->getIdAt(setup.viewName, id) != TvStatus::Ok)
+        return {};
+    return id;
+}
+
+/// The part of the paper that a named view of it shows; nullopt when it shows nothing.
+std::optional<gs::Box> paperViewBox(TvDbObjectId id)
+{
     const TvDbObjectPointer<TvDbViewTableRecord> view(id, TvDb::kForNotify);
     if (!view || !(view->width() > 0) || !(view->height() > 0))
         return std::nullopt;
     const db::Point target = view->target(), center = view->centerPoint();
-    const TvGePoint3d at = list.fromWorld() * TvGePoint3d(target.x, target.y, target.z);
-    gs::Box box;
-    box.add({at.x + center.x - view->width() / 2, at.y + center.y - view->height() / 2});
-    box.add({at.x + center.x + view->width() / 2, at.y + center.y + view->height() / 2});
-    return box;
+    const double x = target.x + center.x, y = target.y + center.y;
+    return gs::Box{x - view->width() / 2, y - view->height() / 2, x + view->width() / 2,
+                   y + view->height() / 2};
 }
 
 /// What is to be plotted, in the list's plane; nullopt: the sheet as it lies.
@@ -76,7 +80,10 @@ std::optional<gs::Box> areaOf(TvDbDatabase& database, const TvDbLayout& layout,
     switch (setup.area) {
     case TvDbPlotSettings::kDisplay: area = list.savedWindow(); break;
     case TvDbPlotSettings::kLimits: area = limitsOf(database, layout, list); break;
-    case TvDbPlotSettings::kView: area = viewBox(database, setup.viewName, list); break;
+    case TvDbPlotSettings::kView:
+        if (const TvDbObjectId view = plottedView(database, setup); view)
+            area = list.isPaper() ? paperViewBox(view) : list.savedWindow();
+        break;
     case TvDbPlotSettings::kWindow: area = setup.window; break;
     case TvDbPlotSettings::kExtents: break;
     case TvDbPlotSettings::kLayout:
@@ -176,7 +183,10 @@ base::Result<Page> makePage(TvDbDatabase& database, TvDbObjectId id, const PageO
     gs::ListLimits limits;
     limits.stop = options.stop;
     Page page;
-    page.list = gs::DisplayList::ofLayout(layout->objectId(), limits, options.attached);
+    const TvDbObjectId view = plottedView(database, setup);
+    page.list = view && layout->isModelLayout()
+                    ? gs::DisplayList::ofView(view, limits, options.attached) // its own direction
+                    : gs::DisplayList::ofLayout(layout->objectId(), limits, options.attached);
     page.widthMm = setup.uprightWidthMm();
     page.heightMm = setup.uprightHeightMm();
     place(page, setup, areaOf(database, *layout, setup, page.list));

@@ -24,6 +24,8 @@ public:
             m_shown.add({(corner.x - page.toPaper.x0) * unit, (corner.y - page.toPaper.y0) * unit});
         m_near = m_shown.grown(m_shown.width() + m_shown.height());
         m_sink.usePlane(page.toPaper);
+        for (const TvString& name : m_list.plotStyles())
+            m_named.push_back(page.styles.named(name));
     }
 
     void draw(std::size_t number)
@@ -75,15 +77,19 @@ private:
         mark.alpha = item.alpha;
         const std::uint32_t rgb = gs::rgbOf(item.color, gs::Background::Paper);
         const bool isPaperColor = item.color.kind == gs::Color::Kind::Background;
-        mark.rgb = isPaperColor ? rgb : m_page.styles.plotted(rgb);
+        mark.style = item.plotStyle < m_named.size() ? m_named[item.plotStyle] : nullptr;
+        const PlotStyle* const style = mark.style                ? mark.style
+                                       : m_page.styles.isPlain() ? nullptr
+                                                                 : &m_page.styles.styleOf(rgb);
+        mark.rgb = isPaperColor || !style ? rgb : style->plotted(rgb);
         if (item.widthUnits > 0) {
             mark.widthMm = item.widthUnits * m_page.mmPerUnit;
             mark.isWide = true;
             return mark;
         }
         double weight = item.weightMm;
-        if (!m_page.styles.isPlain())
-            weight = m_page.styles.styleOf(rgb).weightMm.value_or(item.weightMm);
+        if (style)
+            weight = style->weightMm.value_or(item.weightMm);
         mark.widthMm =
             m_page.plotsWeights ? std::max(weight * m_page.weightFactor, kHairlineMm) : kThinMm;
         return mark;
@@ -155,7 +161,8 @@ private:
     const Page& m_page;
     const gs::DisplayList& m_list;
     PageSink& m_sink;
-    gs::Box m_shown, m_near; // in the list's units
+    gs::Box m_shown, m_near;               // in the list's units
+    std::vector<const PlotStyle*> m_named; // by number; the page's
     std::vector<gs::PlacedLetter> m_placed;
     std::vector<Letter> m_letters;
     gs::Path m_room; // for paths of letters

@@ -18,7 +18,15 @@ struct Mark {
     double widthMm = 0;                   ///< of a stroke
     bool isWide = false;                  ///< a stroke with square corners and no caps
     const gs::Filling* filling = nullptr; ///< of a fill with many colours; not owned
+    const PlotStyle* style = nullptr;     ///< by name; null: by colours. Not owned
 };
+
+/// The colour on paper of a part of what @p mark draws.
+inline std::uint32_t plottedPart(const Page& page, const Mark& mark, const gs::Color& color)
+{
+    const std::uint32_t rgb = gs::rgbOf(color, gs::Background::Paper);
+    return mark.style ? mark.style->plotted(rgb) : page.styles.plotted(rgb);
+}
 
 /// A letter of an outline font.
 struct Letter {

@@ -337,15 +337,15 @@ std::int32_t PdfPainter::imageFor(const gs::Picture& picture)
     return at->second;
 }
 
-std::int32_t PdfPainter::shadingFor(const gs::Filling& filling)
+std::int32_t PdfPainter::shadingFor(const Mark& mark)
 {
     UsedShading shading;
+    const gs::Filling& filling = *mark.filling;
     shading.isRound = filling.isRound;
     for (const gs::Filling::Stop& stop : filling.stops) {
         const double least = shading.stops.empty() ? 0 : shading.stops.back().first;
         const double at = stop.at > least ? std::min(stop.at, 1.0) : least;
-        const std::uint32_t rgb =
-            m_page.styles.plotted(gs::rgbOf(stop.color, gs::Background::Paper));
+        const std::uint32_t rgb = plottedPart(m_page, mark, stop.color);
         if (shading.stops.empty() && at > 0)
             shading.stops.emplace_back(0, rgb);
         shading.stops.emplace_back(at, rgb);
@@ -374,7 +374,7 @@ bool PdfPainter::fillWith(const Mark& mark, gs::PathView path, bool isEvenOdd)
     if (isPicture)
         m_out.text("/I").number(imageFor(*filling.picture)).text("Do Q\n");
     else
-        m_out.text("/S").number(shadingFor(filling)).text("sh Q\n");
+        m_out.text("/S").number(shadingFor(mark)).text("sh Q\n");
     return true;
 }
 

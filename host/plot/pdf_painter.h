@@ -60,7 +60,7 @@ private:
     /// Fills @p path with what @p mark says; false when there is nothing to fill with.
     bool fillWith(const Mark& mark, gs::PathView path, bool isEvenOdd);
     std::int32_t imageFor(const gs::Picture& picture);
-    std::int32_t shadingFor(const gs::Filling& filling);
+    std::int32_t shadingFor(const Mark& mark);
     void curve(Spot a, Spot b, Spot to);
     std::size_t fontFor(const Letter& letter);
     /// Letters from @p first on that stand on one line, as one text. @return the one behind them.

@@ -18,7 +18,9 @@ namespace plot {
 namespace {
 
 constexpr std::size_t kHead = 60; // in front of the packed text: its kind, and lengths
-constexpr std::string_view kMagic = "PIAFILEVERSION_2.0,CTBVER1,compress";
+constexpr std::string_view kByColors = "PIAFILEVERSION_2.0,CTBVER1,compress";
+constexpr std::string_view kByNames = "PIAFILEVERSION_2.0,STBVER1,compress";
+constexpr std::size_t kMostNamed = 10'000;
 constexpr std::size_t kLargestText = 4 * 1024 * 1024;
 constexpr std::uint64_t kLargestFile = 4 * 1024 * 1024;
 constexpr std::uint32_t kGivenColor = 0xC2000000, kKindOfColor = 0xFF000000; // as drawings do
@@ -67,12 +69,15 @@ std::optional<T> numberOf(std::string_view text)
 
 /// What the file says of one style; the weights are looked up when all is read.
 struct ReadStyle {
+    std::string name;
     std::optional<long> color, weight, screen, policy;
 };
 
 void readStyleLine(ReadStyle& style, std::string_view name, std::string_view value)
 {
-    if (name == "color" && !style.color)
+    if (name == "name") // texts begin with a quotation mark and do not end with one
+        style.name = value.substr(value.starts_with('"') ? 1 : 0);
+    else if (name == "color" && !style.color)
         style.color = numberOf<long>(value);
     else if (name == "mode_color") // the exact one
         style.color = numberOf<long>(value);
@@ -124,13 +129,15 @@ std::optional<StyleTable> StyleTable::fromBytes(std::span<const std::byte> bytes
 {
     const std::string_view head(reinterpret_cast<const char*>(bytes.data()),
                                 std::min(bytes.size(), kHead));
-    if (bytes.size() <= kHead || !head.starts_with(kMagic))
+    const bool goesByNames = head.starts_with(kByNames);
+    if (bytes.size() <= kHead || !(goesByNames || head.starts_with(kByColors)))
         return std::nullopt;
     const auto unpacked = inflated(bytes.subspan(kHead), kLargestText);
     if (!unpacked)
         return std::nullopt;
     // Blocks within blocks: "plot_style{", within it "0{" for number 1, within it "name=value".
-    std::array<ReadStyle, 256> styles;
+    std::vector<ReadStyle> styles(goesByNames ? 1 : 256);
+    const long most = goesByNames ? static_cast<long>(kMostNamed) : 255;
     std::vector<float> weights;
     std::string_view rest = *unpacked, block;
     long number = -1;
@@ -148,14 +155,24 @@ std::optional<StyleTable> StyleTable::fromBytes(std::span<const std::byte> bytes
                 block = {};
         } else if (const std::size_t at = line->find('='); at != std::string_view::npos) {
             const std::string_view name = line->substr(0, at), value = line->substr(at + 1);
-            if (block == "plot_style" && number >= 0 && number < 255)
-                readStyleLine(styles[static_cast<std::size_t>(number) + 1], name, value);
-            else if (block == "custom_lineweight_table" && weights.size() < 1000)
+            if (block == "plot_style" && number >= 0 && number < most) {
+                const auto index = static_cast<std::size_t>(number) + 1;
+                if (index >= styles.size())
+                    styles.resize(index + 1);
+                readStyleLine(styles[index], name, value);
+            } else if (block == "custom_lineweight_table" && weights.size() < 1000)
                 weights.push_back(std::clamp(numberOf<float>(value).value_or(0), 0.0F, 100.0F));
         }
     }
     StyleTable table;
+    table.m_goesByNames = goesByNames;
     for (std::size_t i = 1; i < styles.size(); ++i) {
+        if (goesByNames) {
+            table.m_named.emplace_back(TvString(base::utf16FromUtf8(styles[i].name)),
+                                       styleFrom(styles[i], weights));
+            table.m_isPlain = table.m_isPlain && table.m_named.back().second == PlotStyle();
+            continue;
+        }
         table.m_styles[i] = styleFrom(styles[i], weights);
         table.m_isPlain = table.m_isPlain && table.m_styles[i] == PlotStyle();
     }
@@ -192,19 +209,27 @@ const PlotStyle& StyleTable::styleOf(std::uint32_t rgb) const
     return m_styles[found == numbersOfColors().end() ? 0 : static_cast<std::size_t>(found->second)];
 }
 
-std::uint32_t StyleTable::plotted(std::uint32_t rgb) const
+const PlotStyle* StyleTable::named(const TvString& name) const
 {
-    if (m_isPlain)
-        return rgb;
-    const PlotStyle& style = styleOf(rgb);
-    std::uint32_t to = style.rgb.value_or(rgb);
-    if (style.isGray)
+    static const PlotStyle kAsItIs;
+    if (!m_goesByNames)
+        return nullptr;
+    for (const auto& [own, style] : m_named)
+        if (own.compareNoCase(name) == 0)
+            return &style;
+    return &kAsItIs;
+}
+
+std::uint32_t PlotStyle::plotted(std::uint32_t own) const
+{
+    std::uint32_t to = rgb.value_or(own);
+    if (isGray)
         to = grayOf(to);
-    if (style.screenPercent == 100)
+    if (screenPercent == 100)
         return to;
     const auto mixed = [&](int shift) {
         const std::uint32_t part = to >> shift & 0xFF;
-        const auto percent = static_cast<std::uint32_t>(style.screenPercent);
+        const auto percent = static_cast<std::uint32_t>(screenPercent);
         return (255 - (255 - part) * percent / 100) << shift;
     };
     return mixed(16) | mixed(8) | mixed(0);

@@ -98,7 +98,7 @@ public:
         usePlace(mark);
         if (mark.filling && showPicture(mark, path, isEvenOdd))
             return;
-        const std::string gradient = mark.filling ? gradientName(*mark.filling) : std::string();
+        const std::string gradient = mark.filling ? gradientName(mark) : std::string();
         m_style = fmt::format("fill=\"{}\" stroke=\"none\"",
                               gradient.empty() ? rgbText(mark.rgb) : "url(#" + gradient + ")");
         if (mark.alpha != 255)
@@ -235,8 +235,9 @@ private:
     }
 
     /// "" when the filling is not one of colours that pass into each other.
-    std::string gradientName(const gs::Filling& filling)
+    std::string gradientName(const Mark& mark)
     {
+        const gs::Filling& filling = *mark.filling;
         const auto place = placeOf(filling);
         if (!place || filling.stops.empty())
             return {};
@@ -248,9 +249,8 @@ private:
             filling.isRound ? "cx=\"0\" cy=\"0\" r=\"1\"" : "x1=\"0\" y1=\"0\" x2=\"1\" y2=\"0\"",
             *place);
         for (const gs::Filling::Stop& stop : filling.stops)
-            m_defined += fmt::format(
-                "<stop offset=\"{:.4g}\" stop-color=\"{}\"/>", stop.at,
-                rgbText(m_page.styles.plotted(gs::rgbOf(stop.color, gs::Background::Paper))));
+            m_defined += fmt::format("<stop offset=\"{:.4g}\" stop-color=\"{}\"/>", stop.at,
+                                     rgbText(plottedPart(m_page, mark, stop.color)));
         m_defined += fmt::format("</{}>\n", kind);
         return name;
     }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <numbers>
 
+#include <db/record_editor.h>
 #include <db/tv_db_curves.h>
 #include <db/tv_db_layout.h>
 #include <db/tv_db_viewport.h>
@@ -188,4 +189,96 @@ TEST_F(ViewportTest, TheSheetIsThePaperWithItsMargins)
     expectBox(*all.printable(), 0, 0, 297 - 8 - 6, 210 - 5 - 7);
     EXPECT_NEAR(all.sheet()->lowX, -8, 1e-9); // turned, its top is to the left
     EXPECT_NEAR(all.sheet()->lowY, -5, 1e-9);
+}
+
+// From a camera. The window is as wide as high: a lens of 42 mm / sqrt(2) sees in its target's
+// plane just as much as the camera is away.
+
+namespace {
+
+constexpr double kSquareLensMm = 29.698484809834998;
+enum : std::int64_t { kPerspective = 1, kFront = 2, kBack = 4, kNotAtEye = 0x10 };
+
+void lookDown(TvDbViewport& window, std::int64_t flags)
+{
+    db::RecordEditor edit = window.edit();
+    edit.setInteger("status", window.fields().integer("status") | flags);
+    edit.setPoint("direction", {0, 0, 50}); // two units of paper for one of the model
+    edit.setReal("lens_length", kSquareLensMm);
+}
+
+} // namespace
+
+TEST_F(ViewportTest, SeesFromItsCameraWhatIsNearerLarger)
+{
+    const TvDbObjectId far = scene.add(new TvDbLine({0, 0, 0}, {10, 0, 0}));
+    const TvDbObjectId near = scene.add(new TvDbLine({0, 10, 25}, {10, 10, 25}));
+    change([](TvDbViewport& window) {
+        lookDown(window, kPerspective);
+        window.setViewHeight(7); // the lens counts
+    });
+    ASSERT_EQ(shown(far).size(), 1U);
+    expectBox(shown(far)[0].box, 100, 100, 120, 100);
+    ASSERT_EQ(shown(near).size(), 1U);
+    expectBox(shown(near)[0].box, 100, 140, 140, 140); // half as far away
+}
+
+TEST_F(ViewportTest, CutsOffWhatIsBehindItsCamera)
+{
+    scene.add(new TvDbLine({10, 0, 60}, {10, 0, 90}));
+    change([](TvDbViewport& window) { lookDown(window, kPerspective); });
+    EXPECT_TRUE(shown({}).empty());
+    scene.add(new TvDbLine({0, 0, 0}, {10, 0, 100})); // through the camera's plane
+    const auto items = shown({});
+    ASSERT_EQ(items.size(), 1U);
+    EXPECT_NEAR(items[0].box.lowX, 100, 1e-9);
+    EXPECT_GT(items[0].box.highX, 150);
+    EXPECT_LT(items[0].box.highX, 1e6);
+}
+
+TEST_F(ViewportTest, CirclesAndAreasAreSeenFromItsCamera)
+{
+    auto* circle = new TvDbCircle;
+    circle->setCenter({0, 0, 25});
+    circle->setRadius(10);
+    const TvDbObjectId id = scene.add(circle);
+    change([](TvDbViewport& window) { lookDown(window, kPerspective); });
+    ASSERT_EQ(shown(id).size(), 1U);
+    const gs::Box box = shown(id)[0].box;
+    EXPECT_NEAR(box.highX, 140, 1e-3);
+    EXPECT_NEAR(box.lowY, 60, 1e-3);
+}
+
+TEST_F(ViewportTest, ALineWithoutEndVanishesInTheDistance)
+{
+    auto* ray = new TvDbRay;
+    ray->edit().setPoint("point", {10, 0, 0});
+    ray->edit().setPoint("direction", {0, 0, -1}); // straight away
+    scene.add(ray);
+    change([](TvDbViewport& window) { lookDown(window, kPerspective); });
+    const auto items = shown({});
+    ASSERT_EQ(items.size(), 1U);
+    EXPECT_EQ(items[0].kind, gs::Item::Kind::Stroke);
+    EXPECT_NEAR(items[0].box.lowX, 100, 1e-3);
+    EXPECT_NEAR(items[0].box.highX, 120, 1e-9);
+}
+
+TEST_F(ViewportTest, ShowsWhatIsBetweenItsPlanes)
+{
+    scene.add(new TvDbLine({0, 0, -10}, {20, 0, 10}));
+    change([](TvDbViewport& window) {
+        lookDown(window, kFront | kBack | kNotAtEye);
+        window.edit().setReal("front_clip", 5);
+        window.edit().setReal("back_clip", -5);
+    });
+    auto items = shown({});
+    ASSERT_EQ(items.size(), 1U);
+    expectBox(items[0].box, 110, 100, 130, 100); // two units of paper for one of the model
+    change([](TvDbViewport& window) {            // both planes off
+        window.edit().setInteger("status",
+                                 window.fields().integer("status") & ~std::int64_t(kFront | kBack));
+    });
+    items = shown({});
+    ASSERT_EQ(items.size(), 1U);
+    expectBox(items[0].box, 100, 100, 140, 100);
 }

@@ -137,4 +137,38 @@ TEST(Page, LayoutsAreFoundByHandleThenByName)
     EXPECT_FALSE(plot::findLayout(scene.database(), 0, TvString()).isNull()); // the model
 }
 
+TEST(Page, ANamedViewOfTheModelIsPlottedFromItsOwnDirection)
+{
+    PlotScene scene;
+    TvDbDatabase& database = scene.database();
+    scene.add(new TvDbLine({3, 0, 0}, {3, 8, 6})); // from the right: 8 across, 6 up
+    {
+        TvDbObjectPointer<TvDbViewTable> views(database.symbolTableId(TvDb::SymbolTable::View),
+                                               TvDb::kForWrite);
+        auto* view = new TvDbViewTableRecord;
+        view->setName(u"RIGHT");
+        db::RecordEditor edit = view->edit();
+        edit.setPoint("direction", {1, 0, 0});
+        edit.setPoint("center", {4, 3, 0});
+        edit.setReal("width", 20);
+        edit.setReal("height", 10);
+        TvDbObjectId id;
+        ASSERT_EQ(views->add(id, view), TvStatus::Ok);
+        view->close();
+    }
+    plot::PageSetup setup;
+    setup.paperWidthMm = 420;
+    setup.paperHeightMm = 297;
+    setup.area = TvDbPlotSettings::kView;
+    setup.viewName = u"RIGHT";
+    setup.fits = setup.isCentered = true;
+    plot::PageOptions options;
+    options.setup = &setup;
+    const auto page = plot::makePage(database, {}, options);
+    ASSERT_TRUE(page);
+    EXPECT_NEAR(page->list.extents().width(), 8, 1e-9);
+    EXPECT_NEAR(page->list.extents().height(), 6, 1e-9);
+    EXPECT_NEAR(page->mmPerUnit, 21, 1e-9); // the view's width on that of the paper
+}
+
 } // namespace

@@ -81,6 +81,7 @@ struct Item {
     /// more than a pixel or two, coarse is drawn in place of path. 0: there are none.
     float detail = 0;
     std::uint8_t coarseAlpha = 0; ///< above 0: coarse is filled, so thickly; else it is stroked
+    std::uint8_t plotStyle = 0;   ///< among plotStyles(), where there are any
     /// Of a fill, among fillings(), counted from 1; 0: it has one colour. Who draws one colour only
     /// draws color, which is what the others make together.
     std::uint16_t filling = 0;
@@ -151,10 +152,10 @@ struct ListLimits {
 
 /// What there is to see of a layout or of model space, made once and played at any scale.
 ///
-/// Everything is flat: seen along the direction of the view, in drawing units (of a layout, units
-/// of its paper). Layers that are off or frozen are not in it, nor is what a viewport has frozen.
-/// A list keeps nothing of the database: it may be played in another thread, and after the drawing
-/// is closed. It does not change when the drawing does: make a new one.
+/// Everything is flat: seen along the direction of the view, or from its camera, in drawing units
+/// (of a layout, units of its paper). Layers that are off or frozen are not in it, nor is what a
+/// viewport has frozen. A list keeps nothing of the database: it may be played in another thread,
+/// and after the drawing is closed. It does not change when the drawing does: make a new one.
 class DisplayList
 {
 public:
@@ -170,6 +171,10 @@ public:
     /// Model space, seen as the drawing's current model view sees it (from above when it has none).
     static DisplayList ofModel(TvDbDatabase& database, const ListLimits& limits = {},
                                db::AttachedDrawings* attached = nullptr);
+    /// Model space, seen as a named view sees it, whose window is savedWindow(). An id that is no
+    /// view gives an empty list.
+    static DisplayList ofView(TvDbObjectId view, const ListLimits& limits = {},
+                              db::AttachedDrawings* attached = nullptr);
     /// One block as it would be inserted, seen from above.
     static DisplayList ofBlock(TvDbObjectId block, const ListLimits& limits = {},
                                db::AttachedDrawings* attached = nullptr);
@@ -184,6 +189,8 @@ public:
         return item.filling == 0 ? nullptr : &m_fillings[item.filling - 1U];
     }
     std::span<const Layer> layers() const { return m_layers; }
+    /// The names of plot styles, the usual one first; none in a drawing that plots by colours.
+    std::span<const TvString> plotStyles() const { return m_plotStyles; }
     std::span<const PlacedText> texts() const { return m_texts; }
     std::span<const PictureFrame> pictures() const { return m_pictures; }
     /// External references that should be shown and are not; their paths are among the texts.
@@ -283,6 +290,7 @@ private:
     std::shared_ptr<Written> m_written; // what path() has put together; null without letters
     std::vector<Clip> m_clips;
     std::vector<Layer> m_layers;
+    std::vector<TvString> m_plotStyles;
     std::vector<Filling> m_fillings;
     std::vector<PlacedText> m_texts;
     std::vector<PictureFrame> m_pictures;
