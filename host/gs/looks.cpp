@@ -277,7 +277,8 @@ Look Looks::resolve(const db::Record& entity, const LookFields& fields, const Lo
         look.linetype = m_database.find(fields.type.handle(entity));
     look.linetypeScale = fields.typeScale.real(entity);
     if (!m_plotStyles.isEmpty())
-        look.plotStyle = m_plotStyles.ofEntity(entity, look.plotStyle, by ? by->plotStyle : 0);
+        look.plotStyle =
+            m_plotStyles.ofEntity(entity.fields(), look.plotStyle, by ? by->plotStyle : 0);
     return look;
 }
 
