@@ -170,8 +170,8 @@ void drawSurroundings(const TvString& path)
     Sketch sketch(Units::Millimetres);
     addDrafting(sketch);
     Draft draft(sketch, sketch.model(), kScale);
-    for (const TvGePoint2d& corner : {TvGePoint2d(-45000, 2000), TvGePoint2d(42000, 5000),
-                                      TvGePoint2d(-40000, 34000), TvGePoint2d(12000, 36000)})
+    for (const TvGePoint2d& corner : {TvGePoint2d(-45000, 2000), TvGePoint2d(30500, 5500),
+                                      TvGePoint2d(30500, -11500), TvGePoint2d(12000, 36000)})
         draft.pen().on(on::kReferences).rectangle(corner, {corner.x + 11000, corner.y + 8500});
     sketch.describe(u"House at the Lake: surroundings", u"TARVIK", u"Shown in the site plan.");
     sketch.showModel(true);
