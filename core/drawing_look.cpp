@@ -88,8 +88,8 @@ const TvString& DrawingFacts::path() const
     return isFile ? resolved : none;
 }
 
-DrawingLook::Question DrawingLook::questionAbout(const TvSmTvDbLayoutReference& reference,
-                                                 Depth depth, const DrawingInfoCache* known)
+DrawingLook::Question DrawingLook::questionAbout(const TvSmFileReference& reference, Depth depth,
+                                                 const DrawingInfoCache* known)
 {
     Question question;
     question.stored = reference.getFileName();

@@ -2,7 +2,6 @@
 
 #include <db/tv_db_dictionary.h>
 #include <db/tv_db_layout.h>
-#include <sm/tv_sm_database.h>
 
 namespace publish {
 
@@ -28,16 +27,6 @@ std::vector<TvString> pageSetupNames(TvDbDatabase& drawing)
             names.push_back(setup->getPlotSettingsName());
     }
     return names;
-}
-
-std::vector<TvString> pageSetupNames(const TvSmDatabase& database)
-{
-    const TvSmFileReference* reference = database.getSheetSet()->getAltPageSetups();
-    const TvString path = reference ? reference->resolveFileName() : TvString();
-    TvDbDatabase drawing(false, true);
-    if (path.isEmpty() || drawing.readDbByDocName(path) != TvStatus::Ok)
-        return {};
-    return pageSetupNames(drawing);
 }
 
 } // namespace publish

@@ -12,7 +12,7 @@
 #include <sm/change_scope.h>
 #include <sm/publishing.h>
 
-#include "publish/page_setup_names.h"
+#include "page_setup_source.h"
 
 namespace publish {
 
@@ -186,10 +186,11 @@ void setAskForPageSetups(AskForPageSetups ask)
     askForPageSetups() = std::move(ask);
 }
 
-void addHandlers(panel::PanelCommands& commands)
+void addHandlers(panel::PanelCommands& commands, int patienceMs)
 {
     panel::PanelMenus& menus = commands.menus();
-    menus.setPageSetups([](const TvSmDatabase& database) { return pageSetupNames(database); });
+    menus.setPageSetups([source = std::make_shared<PageSetupSource>(patienceMs)](
+                            const TvSmDatabase& database) { return source->names(database); });
     for (int id = panel::kPublishFirst; id <= panel::kPublishLast; ++id)
         commands.setHandler(id, [&menus, id](panel::SheetListPage& page) {
             publishAs(selectionOf(page, menus), id);

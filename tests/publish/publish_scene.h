@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/path_rules.h>
+#include <core/apart_work.h>
 #include <core/optional_module.h>
 #include <panel/panel_commands.h>
 #include <publish/publish_commands.h>
@@ -48,7 +49,7 @@ protected:
             roof = addSubset(&top, u"Roof");
             cover = addSheet(&top, u"", u"Cover");
         });
-        publish::addHandlers(commands);
+        publish::addHandlers(commands, core::ApartWork::kForEver);
         host.list = &page;
         ActivateSheetSet(database);
     }

@@ -11,6 +11,7 @@
 #include <core/drawing_info_cache.h>
 
 class TvApDocument;
+class TvSmFileReference;
 class TvSmTvDbLayoutReference;
 
 namespace core {
@@ -34,7 +35,7 @@ struct DrawingFacts {
     const TvString& path() const;
 };
 
-/// Asks the disk about the drawing of one sheet, in a thread of its own; see ApartWork.
+/// Asks the disk about a drawing that a set names, in a thread of its own; see ApartWork.
 class DrawingLook
 {
 public:
@@ -51,7 +52,7 @@ public:
     };
     /// @param known  where contents are remembered; null asks for nothing of the kind.
     /// @note asks the disk nothing.
-    static Question questionAbout(const TvSmTvDbLayoutReference& reference, Depth depth,
+    static Question questionAbout(const TvSmFileReference& reference, Depth depth,
                                   const DrawingInfoCache* known = nullptr);
     /// At once, in the thread of whoever asks.
     static DrawingFacts answer(const Question& question);

@@ -52,7 +52,9 @@ void managePageSetups(TvSmDatabase* database, const AskForPageSetups& ask);
 
 /// Puts the commands that need no window of their own into a page: 4 to 7, 13, 15, 16 and 58, the
 /// page setups, and where their names come from.
-void addHandlers(panel::PanelCommands& commands);
+/// @param patienceMs  how long a menu waits for these names. What answers at all answers within it;
+///                    together with the menu's own question about a sheet it stays below 100 ms.
+void addHandlers(panel::PanelCommands& commands, int patienceMs = 15);
 
 /// How command 58 asks, in this process; empty: nobody can be asked. Until there is the dialog of a
 /// set's properties the windows of this room put choosePageSetups() in.
