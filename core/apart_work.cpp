@@ -1,5 +1,6 @@
 #include <core/apart_work.h>
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -7,6 +8,12 @@
 #include <thread>
 
 namespace core {
+
+namespace {
+
+std::atomic<int> g_running = 0;
+
+} // namespace
 
 struct ApartWork::Shared {
     Shared(std::size_t all, Step&& each) : count(all), step(std::move(each)) {}
@@ -42,9 +49,14 @@ ApartWork::ApartWork(std::size_t count, Step step)
         m_shared->isOver = true;
         return;
     }
+    ++g_running;
     try {
-        std::thread([shared = m_shared] { shared->run(); }).detach();
+        std::thread([shared = m_shared] {
+            shared->run();
+            --g_running;
+        }).detach();
     } catch (const std::system_error&) {
+        --g_running;
         m_shared->run(); // no threads to be had: better late than never
     }
 }
@@ -82,6 +94,11 @@ std::size_t ApartWork::done() const
 void ApartWork::giveUp()
 {
     m_shared->isGivenUp = true;
+}
+
+int ApartWork::running()
+{
+    return g_running;
 }
 
 bool ApartWork::isOver() const

@@ -120,6 +120,8 @@ protected:
     void TearDown() override
     {
         files.comeBack();
+        while (core::ApartWork::running() > 0) // they use our files
+            std::this_thread::yield();
         SessionTest::TearDown();
         manager().unregisterEventHandler(m_cookie);
     }
@@ -205,7 +207,8 @@ TEST_F(WatchPollerTest, AFolderThatIsAwayIsAskedOnlyInAnotherThreadAndStopsNobod
     files.goAway();
     tickUntilSilent(poller);
     EXPECT_EQ(core::lockStatusAtHand(far), 8);
-    EXPECT_EQ(core::answering(near), near);
+    while (core::answering(near) != near) // on a slow machine it counted as silent for a moment
+        poller.tick();
     replaceOutside("near.dst", "OTHER");
     while (nameOf(near) != "OTHER")
         poller.tick();
@@ -263,6 +266,7 @@ int g_lookedAfter = 0;
 
 TEST_F(WatchPollerTest, WhatWasLeftBesideASetIsHandedOverWhenTheUserMayBeAsked)
 {
+    g_lookedAfter = 0;
     const core::Leftover former = core::leftover();
     core::setLeftover({&besideSet, [](TvSmDatabase&) { ++g_lookedAfter; }});
     core::WatchPoller poller(kForEver);

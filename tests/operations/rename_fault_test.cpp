@@ -1,5 +1,7 @@
 // Renames of many drawings on a disk that fails, and beside people who do not wait.
 
+#include <utility>
+
 #include <sys/stat.h>
 
 #include <operations/rename_apply.h>
@@ -56,7 +58,7 @@ protected:
         ops.before = [this, name, step](int, const base::FaultyFileOps::Call& call) {
             if (call.kind != Kind::RenameNew || std::filesystem::path(call.path).filename() != name)
                 return;
-            ops.before = nullptr;
+            const auto only = std::exchange(ops.before, nullptr); // keeps this function alive
             step();
         };
     }

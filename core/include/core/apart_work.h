@@ -36,6 +36,10 @@ public:
     /// The thread is at its end: all is done, or it was given up.
     bool isOver() const;
 
+    /// How many threads of all ApartWork have not come to their end, given up or not. Who takes
+    /// away what they work on (a test its files) waits until there are none.
+    static int running();
+
 private:
     struct Shared;
     std::shared_ptr<Shared> m_shared; // the thread's, too
