@@ -8,6 +8,7 @@
 #include <db/drawing_inventory.h>
 #include <db/tv_db_layout.h>
 #include <sm/environment.h>
+#include <sm/scoped_open.h>
 #include <sm/tv_sm_database.h>
 
 #include "rename_files.h"
@@ -253,9 +254,10 @@ Status prepare(base::FileOps& ops, TvSmDatabase& database, RenameJournal& journa
 /// A commit that failed behind the writing itself left the new set.
 bool wasWritten(const TvSmDatabase& database, const RenameJournal& journal)
 {
-    TvSmDatabase now;
-    return now.load(database.getFileName()) && sm::committedHash(&now) != journal.before &&
-           hasNewNames(now, journal);
+    TvSmSheetSetMgr looking; // our own: nobody is told
+    const sm::ScopedOpen opened(&looking, database.getFileName());
+    const TvSmDatabase* now = opened.database();
+    return now && sm::committedHash(now) != journal.before && hasNewNames(*now, journal);
 }
 
 } // namespace

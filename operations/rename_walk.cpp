@@ -68,12 +68,14 @@ void followRolledBack(TvSmDatabase& database, const std::vector<Visited>& visite
 
 } // namespace
 
-bool renameSheets(TvSmDatabase* database, RenameWalkPorts& ports)
+namespace {
+
+/// What renameSheets() does, but for the labels once the set has its former names again.
+bool walk(TvSmDatabase* database, RenameWalkPorts& ports, std::vector<Visited>& visited)
 {
     sm::ChangeScope scope(database);
     if (!scope)
         return false;
-    std::vector<Visited> visited;
     bool isLastApplied = true; // of a walk that met something else than a sheet
     while (TvSmSheet* sheet = ports.selectedSheet()) {
         const TvSmTvDbLayoutReference* layout = sheet->getLayoutReference();
@@ -87,7 +89,7 @@ bool renameSheets(TvSmDatabase* database, RenameWalkPorts& ports)
             isLastApplied = false;
             break;
         }
-        ports.labelChanged();
+        ports.labelChanged(now.handle);
         if (const TvSmTvDbLayoutReference* changed = layoutOf(*database, now.handle))
             now.after = {changed->resolveFileName(), changed->getName()};
         else
@@ -100,7 +102,19 @@ bool renameSheets(TvSmDatabase* database, RenameWalkPorts& ports)
         }
         step == RenameStep::Previous ? ports.selectPrevious() : ports.selectNext();
     }
-    takeAllBack(*database, std::move(visited), isLastApplied);
+    takeAllBack(*database, visited, isLastApplied);
+    return false;
+}
+
+} // namespace
+
+bool renameSheets(TvSmDatabase* database, RenameWalkPorts& ports)
+{
+    std::vector<Visited> visited;
+    if (walk(database, ports, visited))
+        return true;
+    for (const Visited& each : visited)
+        ports.labelChanged(each.handle);
     return false;
 }
 

@@ -26,7 +26,10 @@ public:
         return result == CTvUiDialog::kFailed ? operations::RenameStep::Cancel
                                               : static_cast<operations::RenameStep>(result);
     }
-    void labelChanged() override { m_page.tree().UpdateSheetLabel(m_page.tree().caret()); }
+    void labelChanged(const TvString& sheet) override
+    {
+        m_page.tree().UpdateSheetLabel(m_page.tree().itemOf(sheet));
+    }
     void selectPrevious() override { m_page.SelectPreviousSheet(); }
     void selectNext() override { m_page.SelectNextSheet(); }
 

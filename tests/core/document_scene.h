@@ -59,6 +59,8 @@ protected:
         SessionTest::TearDown();
     }
     TvApDocManager& documents() { return *m_documents; }
+    /// From here on there is no document manager.
+    void closeDocuments() { m_documents.reset(); }
     static std::vector<TvSmDatabase*> openDatabases()
     {
         const std::vector<TvSmDatabase*>& shown = GetSessionDatabases();

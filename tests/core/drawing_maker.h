@@ -110,6 +110,14 @@ public:
         view->close();
         return id;
     }
+    /// Damages it: there is no list of its layouts any more.
+    DrawingMaker& dropLayouts()
+    {
+        const TvDbObjectPointer<TvDbDictionary> named(m_drawing->namedObjectsDictionaryId(),
+                                                      TvDb::kForWrite);
+        EXPECT_EQ(named->remove(u"ACAD_LAYOUT"), TvStatus::Ok);
+        return *this;
+    }
     void saveAs(const TvString& path)
     {
         EXPECT_EQ(m_drawing->saveAs(path), TvStatus::Ok)

@@ -70,6 +70,20 @@ TEST_F(ImportLayoutsTest, OfAnUnreadableDrawingAreNoneAndThoseOfTheOthersAreTher
     EXPECT_EQ(linesOf(loaded), Lines{"Plans.dwg: Level 1 404"});
 }
 
+TEST_F(ImportLayoutsTest, OfADrawingThatLostTheListOfThemAreNoneAndItCountsAsUnreadable)
+{
+    const TvString damaged = path("damaged.dwg");
+    DrawingMaker().paper(u"A1").dropLayouts().saveAs(damaged);
+    for (const auto order : {operations::LayoutOrder::Dictionary, operations::LayoutOrder::Tabs}) {
+        const LoadedLayouts loaded = operations::loadLayouts(Paths{damaged}, {&manager()}, order);
+        EXPECT_TRUE(loaded.rows.empty());
+        EXPECT_TRUE(loaded.withoutLayouts.empty());
+        ASSERT_EQ(loaded.unreadable.size(), 1u);
+        EXPECT_EQ(loaded.unreadable[0].drawing, damaged);
+        EXPECT_EQ(loaded.unreadable[0].status.reason(), base::Reason::DwgObjectMissing);
+    }
+}
+
 TEST_F(ImportLayoutsTest, WithoutAManagerAreNone)
 {
     const TvString plans = drawing("Plans.dwg", {u"Level 1"});

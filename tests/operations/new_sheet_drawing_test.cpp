@@ -158,6 +158,8 @@ TEST_F(SheetDrawingTest, TheLayoutMayHaveTheNameOfOneThatGoes)
 TEST_F(SheetDrawingTest, WhatCannotBeMadeReachesNoDisk)
 {
     folder.write("broken.dwt", "no drawing");
+    DrawingMaker().paper(u"A1").dropLayouts().saveAs(path("damaged.dwt"));
+    EXPECT_FALSE(make(u"Sheet", u"A1", "damaged.dwt"));
     EXPECT_FALSE(make(u"Sheet", u"A9"));
     EXPECT_FALSE(make(u"Sheet", u"Model"));
     EXPECT_FALSE(make(u"Model", u"A1"));

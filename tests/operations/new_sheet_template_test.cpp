@@ -57,6 +57,14 @@ TEST_F(TemplateChoiceTest, AFileThatCannotBeReadIsSaidToBeSo)
     EXPECT_EQ(asked(), Numbers{409});
 }
 
+TEST_F(TemplateChoiceTest, ADrawingThatLostTheListOfItsLayoutsIsSaidToBeUnreadable)
+{
+    DrawingMaker().paper(u"A1").dropLayouts().saveAs(path("damaged.dwt"));
+    choice.load(path("damaged.dwt"));
+    EXPECT_EQ(choice.layouts(), Names{});
+    EXPECT_EQ(asked(), Numbers{409});
+}
+
 TEST_F(TemplateChoiceTest, ADrawingWithEmptyPapersIsSaidToBeSo)
 {
     choice.load(drawing("empty.dwt", {}));

@@ -143,8 +143,10 @@ TEST_F(NewSheetTest, ATemplateAndAFolderAreLookedForBesideTheSet)
 TEST_F(NewSheetTest, ATemplateThatCannotBeOpenedMayBeReplacedByAnotherOne)
 {
     folder.write("broken.dwt", "no drawing");
-    for (const auto& [file, layout] : {std::pair{"gone.dwt", u"A1"}, std::pair{"broken.dwt", u"A1"},
-                                       std::pair{"house.dwt", u"A9"}}) {
+    DrawingMaker().paper(u"A1").dropLayouts().saveAs(path("damaged.dwt"));
+    for (const auto& [file, layout] :
+         {std::pair{"gone.dwt", u"A1"}, std::pair{"broken.dwt", u"A1"},
+          std::pair{"damaged.dwt", u"A1"}, std::pair{"house.dwt", u"A9"}}) {
         setTemplate(*ground, path(file), layout);
         answers.answers = {Answer::Ok};
         window.choice = {u"A3", path("house.dwt")};

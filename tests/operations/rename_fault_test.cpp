@@ -46,6 +46,36 @@ protected:
             all.push_back(name);
         return all;
     }
+    /// As if the machine had stopped in front of the writing of the set: everything but the set is
+    /// where it was at that moment.
+    void stopBeforeTheSetIsWritten(const RenamePlan& effects)
+    {
+        const auto isOfRename = [](const std::filesystem::path& path) {
+            const std::string name = path.filename().string();
+            return name.ends_with(".dwg") || name.starts_with(".kvrename") ||
+                   name == ".house.dst.rename";
+        };
+        const std::filesystem::path image = folder.path() / "image";
+        std::filesystem::create_directory(image);
+        const auto ofRename = [&](const std::filesystem::path& where) {
+            std::vector<std::filesystem::path> found;
+            for (const auto& entry : std::filesystem::directory_iterator(where))
+                if (isOfRename(entry.path()))
+                    found.push_back(entry.path());
+            return found;
+        };
+        EXPECT_FALSE(operations::applyRename(*database, effects, [&] {
+            for (const auto& file : ofRename(folder.path()))
+                std::filesystem::copy(file, image / file.filename());
+            return false;
+        }));
+        ASSERT_TRUE(database->unlockDb(database, false));
+        for (const auto& file : ofRename(folder.path()))
+            std::filesystem::remove(file);
+        for (const auto& file : ofRename(image))
+            std::filesystem::copy(file, folder.path() / file.filename());
+        ASSERT_EQ(names().size(), 2u + effects.drawings.size()) << "new ones, and former contents";
+    }
     void recover()
     {
         ASSERT_TRUE(database->getLockStatus() == 1 || database->lockDb(database));
@@ -156,6 +186,57 @@ TEST_F(RenameFaultTest, WhatSomebodyMadeOfANewDrawingBeforeItWentBackIsKeptBesid
     EXPECT_EQ(folder.read(now[0]), "their work");
     EXPECT_EQ(folder.read("plan.dwg"), before.at("plan.dwg"));
     EXPECT_EQ(folder.read("section.dwg"), before.at("section.dwg"));
+}
+
+TEST_F(RenameFaultTest, WhatSomebodyMadeOfANewDrawingBeforeTheRecoveryIsKeptBesideIt)
+{
+    const auto before = files();
+    stopBeforeTheSetIsWritten(all());
+    folder.write("A-12 Section.dwg", "their work");
+    recover();
+    const std::vector<std::string> now = names();
+    ASSERT_EQ(now.size(), 3u);
+    EXPECT_TRUE(now[0].starts_with("A-12 Section (recovered ")) << now[0];
+    EXPECT_EQ(folder.read(now[0]), "their work");
+    EXPECT_EQ(folder.read("plan.dwg"), before.at("plan.dwg"));
+    EXPECT_EQ(folder.read("section.dwg"), before.at("section.dwg"));
+}
+
+TEST_F(RenameFaultTest, ARecoveryOverwritesNoDrawingThatSomebodyPutInItsPlace)
+{
+    const auto before = files();
+    stopBeforeTheSetIsWritten(all());
+    folder.write("section.dwg", "their work");
+    ASSERT_TRUE(database->lockDb(database));
+    EXPECT_FALSE(operations::recoverRename(*database));
+    EXPECT_EQ(folder.read("section.dwg"), "their work");
+    EXPECT_TRUE(operations::hasRenameToRecover(database->getFileName())) << "for another try";
+    std::filesystem::rename(folder.path() / "section.dwg", folder.path() / "theirs");
+    recover();
+    EXPECT_TRUE(files() == before);
+    EXPECT_FALSE(operations::hasRenameToRecover(database->getFileName()));
+}
+
+TEST_F(RenameFaultTest, ASetThatSomebodyChangedMeanwhileWithoutTheNewNamesIsTakenBackToo)
+{
+    const auto before = files();
+    stopBeforeTheSetIsWritten(all());
+    change(database, [this](TvSmSheetSet&) { section->setTitle(u"Cut"); });
+    recover();
+    EXPECT_TRUE(files() == before);
+    EXPECT_EQ(section->getNumber(), u"3");
+}
+
+TEST_F(RenameFaultTest, ASetThatNobodyWroteIsTakenBackEvenIfItHadTheNewNamesBefore)
+{
+    const auto before = files();
+    operations::SheetTarget target; // the set calls the layout so already
+    target.sheet = stair;
+    target.layout = u"old name";
+    stopBeforeTheSetIsWritten(operations::planRename(std::vector{target}));
+    recover();
+    EXPECT_TRUE(files() == before);
+    EXPECT_EQ(layoutOnDisk(stair), u"A2");
 }
 
 TEST_F(RenameFaultTest, ASetThatWasWrittenAlthoughTheAnswerWasLostHasTheNewNames)

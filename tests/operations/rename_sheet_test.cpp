@@ -53,6 +53,16 @@ TEST_F(RenameSheetTest, WithoutALayoutOrASetThereIsNothingToLoad)
     EXPECT_FALSE(rename.load(plan, nullptr));
 }
 
+TEST_F(RenameSheetTest, WithoutADocumentManagerThereIsNothingToLoadAndNothingIsRenamed)
+{
+    closeDocuments();
+    SheetRename rename;
+    EXPECT_FALSE(rename.load(plan, database));
+    EXPECT_EQ(rename.apply({u"9", u"X", u"Y", u"z.dwg"}, {}), RenameOutcome::NoLayout);
+    EXPECT_EQ(plan->getNumber(), u"1");
+    EXPECT_TRUE(isThere("plan.dwg"));
+}
+
 TEST_F(RenameSheetTest, AllFourNamesChangeAndBothSheetsOfTheDrawingFollow)
 {
     EXPECT_EQ(applied(plan, {u"12", u"Ground", u"12 Ground", u"12 Ground.dwg"}),

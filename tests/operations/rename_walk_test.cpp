@@ -33,10 +33,13 @@ public:
             onStep(m_done);
         return step.end;
     }
-    void labelChanged() override { ++labels; }
+    void labelChanged(const TvString& sheet) override
+    {
+        labels.push_back(tvrxCast<TvSmSheet>(m_database->findObject(sheet))->getNumber());
+    }
     void selectPrevious() override { m_at = GetPreviousSheet(m_at); }
     void selectNext() override { m_at = GetNextSheet(m_at); }
-    int labels = 0;
+    std::vector<TvString> labels; ///< the number that each was told with
     std::function<void(std::size_t)> onStep;
 
 private:
@@ -71,7 +74,7 @@ protected:
         return isKept;
     }
     TvSmSheet* last = nullptr;
-    int labels = 0;
+    std::vector<TvString> labels;
 };
 
 TEST_F(RenameWalkTest, CancelOnTheThirdSheetBringsTheFirstTwoBackAndTheThirdWasNeverApplied)
@@ -84,7 +87,8 @@ TEST_F(RenameWalkTest, CancelOnTheThirdSheetBringsTheFirstTwoBackAndTheThirdWasN
     EXPECT_EQ(layoutOnDisk(plan) + layoutOnDisk(section) + layoutOnDisk(last), u"A1B1C1");
     EXPECT_EQ(plan->getNumber() + section->getNumber() + last->getNumber(), u"134");
     EXPECT_EQ(fileOf(plan), u"plan.dwg");
-    EXPECT_EQ(labels, 2);
+    EXPECT_EQ(labels, (std::vector<TvString>{u"x1", u"x2", u"1", u"3", u"4"}))
+        << "once more when they have their numbers back";
     EXPECT_EQ(database->getLockStatus(), 0);
 }
 
@@ -188,6 +192,7 @@ TEST_F(RenameWalkTest, WhenTheSetCannotBeWrittenTheDrawingsAreWhatTheyWere)
     EXPECT_FALSE(isThere("x1.dwg") || isThere("x2.dwg") || isThere("y1.dwg"));
     EXPECT_EQ(layoutOnDisk(plan) + layoutOnDisk(section), u"A1B1");
     EXPECT_EQ(plan->getNumber() + section->getNumber(), u"13");
+    EXPECT_EQ(walk.labels.back(), u"3");
     EXPECT_EQ(database->getLockStatus(), 0);
 }
 

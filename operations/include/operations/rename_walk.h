@@ -19,8 +19,9 @@ public:
     virtual TvSmSheet* selectedSheet() = 0;
     /// Shows the dialog. @param layoutName  gets the name that the layout has in the drawing.
     virtual RenameStep runDialog(TvSmSheet& sheet, TvString& layoutName) = 0;
-    /// The selected sheet may be called otherwise now.
-    virtual void labelChanged() = 0;
+    /// The sheet of that handle may be called otherwise now: after its dialog, and once more when
+    /// the walk was taken back.
+    virtual void labelChanged(const TvString& sheet) = 0;
     virtual void selectPrevious() = 0;
     virtual void selectNext() = 0;
 };

@@ -202,6 +202,35 @@ TEST_F(ImportCommandTest, ASetThatChangedOutsideIsReadAfreshBeforeTheDialogAndIs
     EXPECT_EQ(childrenOf(ground), (Names{u"Plan", u"Section", u"Plans - A"}));
 }
 
+TEST_F(ImportCommandTest, ANeighbourThatSomebodyPutElsewhereIsNoneAnyMoreAndTheSheetsGoLast)
+{
+    click(plan);
+    changeElsewhere([this](TvSmDatabase& copy) {
+        auto* neighbour = inCopy<TvSmSubset>(copy, details);
+        EXPECT_TRUE(inCopy<TvSmSubset>(copy, roof)->insertComponent(neighbour, nullptr));
+    });
+    inDialog(text::kIdOk);
+    importPreset({u"A"});
+    EXPECT_EQ(childrenOf(ground), (Names{u"Plan", u"Section", u"Plans - A"}));
+    EXPECT_EQ(childrenOf(roof), Names{u"Details"});
+}
+
+TEST_F(ImportCommandTest, AfterOkTheDrawingsAreLookedAt)
+{
+    click(ground);
+    set(u"SSMSHEETSTATUS", 1);
+    dlg->page().ResetStatusImages();
+    host.list = nullptr; // nobody tells the page that the set was written
+    inDialog(text::kIdCancel);
+    importPreset();
+    finishStatus();
+    EXPECT_EQ(at(cover)->image(), core::SheetImage::ImageSheet);
+    inDialog(text::kIdOk);
+    importPreset();
+    finishStatus();
+    EXPECT_EQ(at(cover)->image(), core::SheetImage::ImageSheetMissing);
+}
+
 TEST_F(ImportCommandTest, ASheetWhoseDrawingIsGoneGetsAnotherLayout)
 {
     struct Recovery : ScriptedMessages {

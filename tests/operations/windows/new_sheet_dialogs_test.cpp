@@ -216,6 +216,26 @@ TEST_F(NewSheetDialogTest, ATemplateIsListedWithTheLayoutsThatCanBeChosen)
     EXPECT_EQ(dialog.GetDrawingPath(), path("house.dwt"));
 }
 
+TEST_F(NewSheetDialogTest, ADoubleClickOnALayoutChoosesIt)
+{
+    CSelectTemplateDialog dialog;
+    dialog.SetDrawingPath(path("house.dwt"));
+    whenRunning([&] {
+        auto* list = dialog.Item<QListWidget>(CSelectTemplateDialog::kLayouts);
+        const QPoint details =
+            list->visualItemRect(list->findItems(QStringLiteral("Details"), Qt::MatchExactly).at(0))
+                .center();
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, details);
+        EXPECT_TRUE(dialog.isVisible());
+        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, details);
+        if (dialog.isVisible())
+            dialog.reject();
+    });
+    EXPECT_EQ(dialog.DoModal(), text::kIdOk);
+    EXPECT_EQ(dialog.GetLayoutName(), u"Details");
+    EXPECT_TRUE(askedNumbers().empty());
+}
+
 TEST_F(NewSheetDialogTest, ATypedDrawingShowsItsLayoutsBeforeOkIsTaken)
 {
     CSelectTemplateDialog dialog;
@@ -337,6 +357,52 @@ TEST_F(NewSheetCommandTest, CancelLeavesTheSetAsItWasAndFree)
     EXPECT_EQ(Outline::of(database), before);
     EXPECT_EQ(database->getLockStatus(), 0);
     EXPECT_TRUE(std::filesystem::is_empty(folder.path() / "sheets"));
+}
+
+TEST_F(NewSheetCommandTest, TheCaretIsWhereTheNextRangeBegins)
+{
+    items().ClearSelection(); // what is selected would begin it, once the set is read again
+    items().setAnchor(at(cover));
+    newSheetAt(plan, nullptr);
+    EXPECT_EQ(items().anchor(), at(cover)) << "nothing was made";
+    newSheetAt(plan, "Mezzanine");
+    EXPECT_EQ(items().anchor(), at(plan));
+}
+
+TEST_F(NewSheetCommandTest, ANeighbourThatSomebodyPutElsewhereIsNoneAnyMoreAndTheSheetGoesLast)
+{
+    changeElsewhere([this](TvSmDatabase& copy) {
+        auto* neighbour = inCopy<TvSmSubset>(copy, details);
+        EXPECT_TRUE(inCopy<TvSmSubset>(copy, roof)->insertComponent(neighbour, nullptr));
+    });
+    newSheetAt(plan, "Mezzanine");
+    EXPECT_EQ(childrenOf(ground), (std::vector<TvString>{u"Plan", u"Section", u"Mezzanine"}));
+    EXPECT_EQ(childrenOf(roof), std::vector<TvString>{u"Details"});
+}
+
+TEST_F(NewSheetCommandTest, TheTreeShowsTheNewSheetAndTheDrawingsAreLookedAt)
+{
+    set(u"SSMSHEETSTATUS", 1);
+    dlg->page().ResetStatusImages();
+    newSheetAt(plan, nullptr);
+    finishStatus();
+    EXPECT_EQ(at(cover)->image(), core::SheetImage::ImageSheet) << "nothing was made";
+    newSheetAt(plan, "Mezzanine");
+    EXPECT_NE(rows().find("  1 - Plan\n  Mezzanine\n"), std::string::npos) << rows();
+    dlg->page().ResetStatusImages();
+    host.list = nullptr; // nobody tells the page that the set was written
+    newSheetAt(plan, "Loft");
+    finishStatus();
+    EXPECT_EQ(at(cover)->image(), core::SheetImage::ImageSheetMissing);
+}
+
+TEST_F(NewSheetCommandTest, WithoutADocumentManagerTheSheetIsMadeAndNothingIsOpened)
+{
+    WriteConfigInt(u"UserInterfaceSettings\\CreateNewSheetDialog\\OpenInEditor", 1);
+    closeDocuments();
+    newSheetAt(ground, "Attic");
+    EXPECT_EQ(childrenOf(ground).back(), u"Attic");
+    EXPECT_EQ(database->getLockStatus(), 0);
 }
 
 TEST_F(NewSheetCommandTest, TheDrawingIsOpenedAfterwardsIfTheUserWantsThat)

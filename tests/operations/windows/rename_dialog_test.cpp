@@ -1,39 +1,23 @@
 // The dialog that renames a sheet, through its own controls.
 
-#include <QCheckBox>
-#include <QLineEdit>
-#include <QPushButton>
-
-#include <operations_windows/rename_and_renumber_dwg_dlg.h>
 #include <operations_windows/tarv_text_length_dlg.h>
 #include <operations_windows/tarv_un_supported_char_dlg.h>
-#include <panel/panel_commands.h>
 #include <ui/qt_text.h>
 
-#include "../rename_scene.h"
-#include "program.h"
+#include "rename_dialog_scene.h"
 
 using operations::RenameOptions;
 using Dlg = CRenameAndRenumberDwgDlg;
 
 namespace {
 
-class RenameDialogTest : public RenameTest
+class RenameDialogTest : public RenameDialogScene
 {
 protected:
-    void SetUp() override
-    {
-        RenameTest::SetUp();
-        ui::setStateStore(&m_state);
-        ui::rememberText(u"Theme\\Chosen", u"1");
-        m_theme = std::make_unique<ui::ThemeManager>();
-    }
     void TearDown() override
     {
         m_dialog.reset();
-        RenameTest::TearDown();
-        m_theme.reset();
-        ui::setStateStore(nullptr);
+        RenameDialogScene::TearDown();
     }
     Dlg& dialog(TvSmSheet* sheet)
     {
@@ -42,20 +26,6 @@ protected:
         m_dialog->show();
         return *m_dialog;
     }
-    static QLineEdit* edit(const Dlg& dlg, int id) { return dlg.Item<QLineEdit>(id); }
-    static void type(const Dlg& dlg, int id, const char* text)
-    {
-        edit(dlg, id)->clear();
-        QTest::keyClicks(edit(dlg, id), QString::fromUtf8(text));
-    }
-    static std::string texts(const Dlg& dlg)
-    {
-        std::string all;
-        for (const int id : {Dlg::kNumberEdit, Dlg::kTitleEdit, Dlg::kLayoutEdit, Dlg::kFileEdit})
-            all += (id == Dlg::kNumberEdit ? "" : "|") + edit(dlg, id)->text().toStdString();
-        return all;
-    }
-    static void press(const Dlg& dlg, int id) { dlg.Item<QAbstractButton>(id)->click(); }
     /// Which of the checks, the two edits that follow and the walk buttons can be used.
     static std::string usable(const Dlg& dlg)
     {
@@ -82,8 +52,6 @@ protected:
     }
 
 private:
-    TarvikConfig m_state{folder.file("state")};
-    std::unique_ptr<ui::ThemeManager> m_theme;
     std::unique_ptr<Dlg> m_dialog;
 };
 
@@ -256,101 +224,12 @@ TEST_F(RenameDialogTest, LongTextsCannotBeTypedAndALongerOneThatIsThereStays)
     EXPECT_EQ(edit(dlg, Dlg::kNumberEdit)->text().size(), 32);
 }
 
-// --- the command
-
-class NoWindow : public panel::PageWindow
-{
-};
-class NoProgram : public panel::PanelProgram
-{
-    void exploreFile(const TvString&) override {}
-    void hidePanel() override {}
-};
-
-TEST_F(RenameDialogTest, TheCommandOfThePanelWalksAndOkKeepsAll)
-{
-    ASSERT_TRUE(database->unlockDb(database, true));
-    NoWindow window;
-    NoProgram program;
-    panel::SheetListPage page(window, base::systemClock());
-    panel::PanelMenus menus(page);
-    panel::PanelCommands commands(page, menus, program);
-    page.SwitchDatabase(true);
-    page.tree().selectOnly(page.tree().itemOf(handleOf(plan)));
-    whenWaiting([&] {
-        auto* first = runningDialog<Dlg>();
-        ASSERT_TRUE(first);
-        type(*first, Dlg::kNumberEdit, "11");
-        whenWaiting([&] {
-            auto* second = runningDialog<Dlg>();
-            ASSERT_TRUE(second);
-            EXPECT_EQ(texts(*second), "2|Stair|A2|plan.dwg");
-            type(*second, Dlg::kFileEdit, "both.dwg");
-            press(*second, text::kIdOk);
-        });
-        press(*first, Dlg::kNextButton);
-    });
-    commands.run(panel::kRenameSheets);
-    EXPECT_EQ(database->getLockStatus(), 0);
-    EXPECT_EQ(plan->getNumber(), u"11");
-    EXPECT_TRUE(isThere("both.dwg"));
-    EXPECT_NE(folder.read("house.dst").find("both.dwg"), std::string::npos);
-}
-
-TEST_F(RenameDialogTest, CancelOnTheWalkOfTheCommandBringsTheFirstSheetBack)
-{
-    ASSERT_TRUE(database->unlockDb(database, true));
-    NoWindow window;
-    NoProgram program;
-    panel::SheetListPage page(window, base::systemClock());
-    panel::PanelMenus menus(page);
-    panel::PanelCommands commands(page, menus, program);
-    page.SwitchDatabase(true);
-    page.tree().selectOnly(page.tree().itemOf(handleOf(plan)));
-    whenWaiting([&] {
-        auto* first = runningDialog<Dlg>();
-        ASSERT_TRUE(first);
-        type(*first, Dlg::kNumberEdit, "11");
-        type(*first, Dlg::kLayoutEdit, "Ground");
-        type(*first, Dlg::kFileEdit, "ground.dwg");
-        whenWaiting([&] {
-            auto* second = runningDialog<Dlg>();
-            ASSERT_TRUE(second);
-            EXPECT_EQ(texts(*second), "2|Stair|A2|ground.dwg");
-            press(*second, text::kIdCancel);
-        });
-        press(*first, Dlg::kNextButton);
-    });
-    commands.run(panel::kRenameSheets);
-    EXPECT_EQ(database->getLockStatus(), 0);
-    EXPECT_EQ(plan->getNumber(), u"1");
-    EXPECT_TRUE(isThere("plan.dwg"));
-    EXPECT_EQ(layoutOnDisk(plan), u"A1");
-}
-
 TEST_F(RenameDialogTest, WithoutASheetThereIsNothingToAccept)
 {
     Dlg dlg(nullptr, nullptr);
     ASSERT_TRUE(dlg.Create());
     EXPECT_FALSE(dlg.GetDlgItem(text::kIdOk)->isEnabled());
     EXPECT_FALSE(dlg.ApplyChanges());
-}
-
-TEST_F(RenameDialogTest, TheCommandDoesNothingForASubsetOrALockedSet)
-{
-    NoWindow window;
-    NoProgram program;
-    panel::SheetListPage page(window, base::systemClock());
-    panel::PanelMenus menus(page);
-    panel::PanelCommands commands(page, menus, program);
-    page.SwitchDatabase(true);
-    page.tree().selectOnly(page.tree().itemOf(handleOf(plan)));
-    commands.run(panel::kRenameSheets); // locked by the scene: a dialog would wait for ever
-    EXPECT_EQ(database->getLockStatus(), 1);
-    ASSERT_TRUE(database->unlockDb(database, true));
-    page.tree().selectOnly(page.tree().itemOf(handleOf(details)));
-    commands.run(panel::kRenameSheets);
-    EXPECT_EQ(database->getLockStatus(), 0);
 }
 
 } // namespace

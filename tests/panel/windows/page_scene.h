@@ -81,6 +81,12 @@ protected:
         for (int i = 0; i < 3; ++i)
             QApplication::processEvents();
     }
+    /// The look at all drawings, which waits for the disk.
+    void finishStatus()
+    {
+        while (!dlg->page().workOnStatus())
+            settle();
+    }
     CDragTreeCtrl& tree() { return dlg->tree(); }
     panel::SheetTree& items() { return dlg->page().tree(); }
     panel::TreeItem* at(const TvSmPersist* object) { return items().itemOf(handleOf(object)); }
