@@ -398,7 +398,7 @@ TvString fileNameFor(const TvString& number, const TvString& title)
     }
     TvString made = TvString(clean).left(kLongest).trimmed();
     while (made.endsWith(u"."))
-        made = made.left(made.length() - 1);
+        made = made.left(made.length() - 1).trimmed();
     if (!base::PathRules::isValidNewName(made))
         made = TvString(u"sheet") + (made.isEmpty() ? u"" : u" ") + made.view();
     return made;

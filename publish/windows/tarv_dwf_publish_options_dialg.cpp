@@ -25,7 +25,7 @@ QWidget* CTarvDWFPublishOptionsDialg::MakeControl(const text::ControlTemplate& r
 {
     if (row.id == kPicture)
         return new QLabel(parent);
-    if (row.id != kInspectorPlace)
+    if (row.id != kInspector)
         return nullptr;
     m_inspector = new ui::PropertyGrid(parent);
     m_inspector->setObjectName(QStringLiteral("KvPropInspector"));

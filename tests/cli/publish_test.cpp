@@ -8,6 +8,9 @@
 #include <qpdf/QPDFPageDocumentHelper.hh>
 #include <qpdf/QPDFPageLabelDocumentHelper.hh>
 
+#include <db/record_editor.h>
+#include <db/tv_db_dictionary.h>
+#include <db/tv_db_layout.h>
 #include <dwg/dwg_codec.h>
 
 #include "tool_scene.h"
@@ -70,6 +73,7 @@ protected:
     }
 
     static constexpr char kElevations[] = "g17", kSouth[] = "g18", kEast[] = "g1A";
+    static constexpr char kSite[] = "g8";
     static constexpr char kGeneral[] = "g5", kStructure[] = "g23", kSet[] = "g1";
     TempFolder folder;
 };
@@ -196,6 +200,28 @@ TEST_F(PublishVerb, AMissingLayoutIsToldAndTheRestGoesOn)
     EXPECT_EQ(said.json()["warnings"].size(), 1u);
 }
 
+TEST_F(PublishVerb, WhatASheetLacksIsRemarkedAndTheSheetIsPublished)
+{
+    EXPECT_EQ(publish({"--select", kSite}, true).json()["sheets"][0]["remarks"],
+              nlohmann::ordered_json::array());
+    std::filesystem::remove(at("drawings/surroundings.dwg"));
+    const Said said = publish({"--select", kSite}, true);
+    EXPECT_EQ(said.code, cli::ExitCode::Ok);
+    const auto sheet = said.json()["sheets"][0];
+    EXPECT_EQ(sheet["number"], "A-101");
+    EXPECT_EQ(sheet["handle"], kSite);
+    EXPECT_TRUE(sheet["ok"]);
+    EXPECT_TRUE(sheet["error"].is_null());
+    EXPECT_EQ(sheet["file"], at("lake-house.pdf"));
+    ASSERT_EQ(sheet["remarks"].size(), 1u);
+    EXPECT_EQ(sheet["remarks"][0]["code"], "E23930");
+    EXPECT_EQ(sheet["remarks"][0]["message"], "The external reference surroundings is not shown: "
+                                              "there is no drawing surroundings.dwg.");
+    ASSERT_EQ(said.json()["warnings"].size(), 1u);
+    const std::string warning = said.json()["warnings"][0]["message"];
+    EXPECT_TRUE(warning.starts_with("A-101 - Site Plan: The external reference")) << warning;
+}
+
 TEST_F(PublishVerb, NothingButAPdfIsEverReplaced)
 {
     const std::string before = bytesOf("lake-house.dst");
@@ -259,4 +285,39 @@ TEST_F(PublishVerb, PageSetupsComeFromTheDrawingThatTheSetNames)
         << "it has none of that name";
     EXPECT_EQ(name("").json()["changes"][0]["to"], "");
     EXPECT_NE(publishOne({"--page-setup", "A4"}).err.find("E24425"), std::string::npos);
+}
+
+TEST_F(PublishVerb, APageSetupGivesAllSheetsItsPaper)
+{
+    {
+        TvDbDatabase drawing(true, true);
+        const TvDbObjectPointer<TvDbDictionary> all(drawing.plotSettingsDictionaryId(),
+                                                    TvDb::kForWrite);
+        auto* setup = new TvDbPlotSettings;
+        setup->edit().setText("page_setup_name", u"Draft");
+        setup->edit().setReal("paper_width", 210);
+        setup->edit().setReal("paper_height", 148);
+        setup->edit().setInteger("plot_type", TvDbPlotSettings::kLayout);
+        TvDbObjectId id;
+        ASSERT_EQ(all->setAt(u"Draft", setup, id), TvStatus::Ok);
+        setup->close();
+        ASSERT_EQ(drawing.saveAs(TvString(at("setups.dwg"))), TvStatus::Ok);
+    }
+    ASSERT_EQ(runLine({"set", at("lake-house.dst"), kSet, "pageSetups=" + at("setups.dwg")}).code,
+              cli::ExitCode::Ok);
+    const Texts sheets = {"--select", kElevations, "--format", "svg", "--out", at("sheets")};
+    const auto widths = [&](Texts arguments) {
+        arguments.insert(arguments.end(), sheets.begin(), sheets.end());
+        EXPECT_EQ(publish(arguments).code, cli::ExitCode::Ok);
+        Texts all;
+        for (const std::string& name : pdfsIn("sheets")) {
+            const std::string text = bytesOf("sheets/" + name);
+            const std::size_t from = text.find("width=");
+            all.push_back(text.substr(from, text.find(' ', from) - from));
+        }
+        return all;
+    };
+    EXPECT_EQ(widths({}), (Texts{"width=\"594.00mm\"", "width=\"594.00mm\""}));
+    EXPECT_EQ(widths({"--page-setup", "draft"}),
+              (Texts{"width=\"210.00mm\"", "width=\"210.00mm\""}));
 }

@@ -9,6 +9,7 @@
 #include <ed/user_prompts.h>
 
 #include "exports.h"
+#include "fake_programs.h"
 #include "plot_scene.h"
 #include "printing.h"
 #include "program.h"
@@ -19,24 +20,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Programs of the service that stand before the machine's own.
 class Printing : public Program
 {
 protected:
-    Printing() : m_path(qgetenv("PATH")) {}
     ~Printing() override
     {
-        qputenv("PATH", m_path);
         for (QWidget* window : QApplication::topLevelWidgets())
             if (auto* progress = dynamic_cast<plotcmds::ProgressDialog*>(window))
                 delete progress;
     }
-    void program(const char* name, const std::string& script)
-    {
-        folder.write(name, "#!/bin/sh\n" + script);
-        fs::permissions(folder.path() / name, fs::perms::owner_all);
-        qputenv("PATH", QByteArray((folder.path().string() + ":").c_str()) + m_path);
-    }
+    void program(const char* name, const std::string& script) { m_programs.add(name, script); }
     TvString fileToPrint()
     {
         folder.write("page.pdf", "%PDF");
@@ -77,7 +70,7 @@ protected:
     PlotScene scene;
 
 private:
-    QByteArray m_path;
+    FakePrograms m_programs;
 };
 
 TEST_F(Printing, TheServiceIsAskedForItsPrinters)
@@ -94,8 +87,8 @@ TEST_F(Printing, AFileIsHandedOverAndRemoved)
 {
     program("lp", "echo \"$@\" > " + folder.file("said").utf8());
     const TvString path = fileToPrint();
-    const TvString told = plotcmds::printFile(path, {u"Office", 3});
-    EXPECT_EQ(folder.read("said"), "-d Office -n 3 -- " + path.utf8() + "\n");
+    const TvString told = plotcmds::printFile(path, {u"Office", 3}, u"House");
+    EXPECT_EQ(folder.read("said"), "-d Office -n 3 -t House -- " + path.utf8() + "\n");
     EXPECT_NE(told.find(u"Office"), TvString::npos);
     EXPECT_FALSE(fs::exists(folder.path() / "page.pdf"));
 }
@@ -103,7 +96,7 @@ TEST_F(Printing, AFileIsHandedOverAndRemoved)
 TEST_F(Printing, WhatTheServiceComplainsOfIsTold)
 {
     program("lp", "echo 'lp: no such printer' >&2; exit 1");
-    const TvString told = plotcmds::printFile(fileToPrint(), {u"Office", 1});
+    const TvString told = plotcmds::printFile(fileToPrint(), {u"Office", 1}, {});
     EXPECT_NE(told.find(u"no such printer"), TvString::npos);
     EXPECT_FALSE(fs::exists(folder.path() / "page.pdf"));
 }

@@ -1,7 +1,5 @@
 // Sheets reach the plotter through what the module exports.
 
-#include <filesystem>
-
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
@@ -9,72 +7,14 @@
 #include <QPushButton>
 #include <QTreeWidget>
 
-#include <sm/tv_sm_publish_options.h>
-
 #include "dialogs.h"
-#include "exports.h"
-#include "plot_scene.h"
-#include "program.h"
-#include "progress_dialog.h"
+#include "module_scene.h"
 #include "running_job.h"
-#include "sheet_set_builder.h"
 
 namespace {
 
-namespace fs = std::filesystem;
-
-/// A set with two sheets of one drawing, and a folder that its options name.
-class Publish : public Program, protected SheetSetScene
+class Publish : public ModuleTest
 {
-protected:
-    Publish()
-    {
-        plan.line(0, 0, 300, 200);
-        plan.text(u"Kitchen", 50, 50);
-        EXPECT_EQ(plan.database().saveAs(folder.file("plan.dwg")), TvStatus::Ok);
-        database = create();
-        set = database->getSheetSet();
-        set->setName(u"House");
-        TvSmSubset* subset = addSubset(set, u"Architect");
-        sheets = {addSheet(subset, u"1", u"Ground"), addSheet(subset, u"2", u"Upper")};
-        for (TvSmSheet* sheet : sheets)
-            setLayout(sheet, folder.file("plan.dwg"), u"0", u"Plan");
-        fs::create_directory(folder.path() / "out");
-        auto* output = newFor<TvSmFileReference>(set->getPublishOptions());
-        output->setFileName(folder.file("out"));
-        set->getPublishOptions()->setDefaultOutputdir(output);
-        set->getPublishOptions()->setDefaultFileName(u"all.dwf");
-    }
-    ~Publish() override
-    {
-        for (QWidget* window : QApplication::topLevelWidgets())
-            if (auto* progress = dynamic_cast<plotcmds::ProgressDialog*>(window))
-                delete progress;
-    }
-
-    static plotcmds::ProgressDialog* progress()
-    {
-        for (QWidget* window : QApplication::topLevelWidgets())
-            if (auto* found = dynamic_cast<plotcmds::ProgressDialog*>(window))
-                return found;
-        return nullptr;
-    }
-    void publish(int kind)
-    {
-        PublishRequest request;
-        request.kind = kind;
-        KvCmd_PublishSheetSet(&sheets, set, &request);
-    }
-    static bool waitForEnd()
-    {
-        return QTest::qWaitFor([] { return progress() && progress()->isOver(); }, 20'000);
-    }
-    bool isThere(const char* name) { return fs::exists(folder.path() / "out" / name); }
-
-    PlotScene plan;
-    TvSmDatabase* database;
-    TvSmSheetSet* set;
-    std::vector<TvSmSheet*> sheets;
 };
 
 TEST_F(Publish, OnePdfGoesWhereTheOptionsSay)

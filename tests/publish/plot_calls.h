@@ -22,6 +22,7 @@ struct PlotCalls {
         TvDbDatabase* drawing;
         TvString setName;
         bool isOpen;
+        std::vector<TvString> names; ///< of the page setups that the drawing has
     };
     std::vector<Publishing> published;
     std::vector<Dialog> dialogs;

@@ -153,6 +153,32 @@ TEST_F(PublishTest, APageSetupIsHandedOverByItsName)
     EXPECT_EQ(published(100), (Titles{"Section", "Stair", "Plan"}));
 }
 
+TEST_F(PublishTest, PageSetupsComeInTheOrderOfTheDrawing)
+{
+    pageSetups("setups.dwt", {{u"Zinc", 5}, {u"a3", 1}, {u"Brass", 5}, {u"View", 3}});
+    std::vector<TvString> stored;
+    {
+        TvDbDatabase drawing(false, true);
+        ASSERT_EQ(drawing.readDwgFile(folder.file("setups.dwt")), TvStatus::Ok);
+        const TvDbObjectPointer<TvDbDictionary> all(drawing.plotSettingsDictionaryId());
+        for (const auto& [key, id] : all->entries())
+            if (key != u"View")
+                stored.push_back(key);
+    }
+    ASSERT_EQ(stored.size(), 3u);
+    select({plan});
+    menus.publish();
+    EXPECT_EQ(menus.pageSetupNames(), stored);
+}
+
+TEST_F(PublishTest, APageSetupIsCalledAsItSaysItself)
+{
+    pageSetups("setups.dwt", {{u"A3 draft", 5, u"K1"}});
+    select({plan});
+    menus.publish();
+    EXPECT_EQ(menus.pageSetupNames(), std::vector<TvString>{u"A3 draft"});
+}
+
 TEST_F(PublishTest, PageSetupsThatCannotReplaceASheetsOwnGiveADisabledMenu)
 {
     constexpr int kSubMenu = 517;
@@ -309,6 +335,19 @@ TEST_F(PublishTest, APageSetupDrawingThatCannotBeReadIsTold)
     EXPECT_TRUE(calls.pageSetups.empty());
 }
 
+TEST_F(PublishTest, APageSetupDrawingThatIsNotOpenIsReadForThePlotModuleAndNotSaved)
+{
+    pageSetups("setups.dwt", {{u"A3", 5}, {u"Window", 4}});
+    const std::string before = folder.read("setups.dwt");
+    commands.run(58);
+    ASSERT_EQ(calls.pageSetups.size(), 1u);
+    EXPECT_FALSE(calls.pageSetups.front().isOpen);
+    EXPECT_EQ(calls.pageSetups.front().setName, TvString(u"House"));
+    EXPECT_EQ(calls.pageSetups.front().names, (std::vector<TvString>{u"A3", u"Window"}));
+    EXPECT_TRUE(folder.read("setups.dwt") == before);
+    EXPECT_TRUE(messages.asked.empty());
+}
+
 TEST_F(PublishTest, PageSetupsOfAnOpenDrawingAreEditedThere)
 {
     pageSetups("setups.dwt", {{u"A3", 5}});
@@ -316,6 +355,7 @@ TEST_F(PublishTest, PageSetupsOfAnOpenDrawingAreEditedThere)
     commands.run(58); // whatever is answered
     ASSERT_EQ(messages.numbers(), std::vector{526});
     EXPECT_EQ(messages.asked.front().caption, 525);
+    EXPECT_EQ(messages.asked.front().arguments, std::vector<TvString>{folder.file("setups.dwt")});
     ASSERT_EQ(calls.pageSetups.size(), 1u);
     EXPECT_TRUE(calls.pageSetups.front().isOpen);
     EXPECT_EQ(calls.pageSetups.front().drawing, document->database());

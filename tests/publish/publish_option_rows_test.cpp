@@ -168,6 +168,23 @@ TEST_F(PublishOptionsTest, AFileNameOf64CharactersIsTakenAndOf65Refused)
     EXPECT_EQ(publish::problemOf(*options)->caption, 335);
 }
 
+TEST_F(PublishOptionsTest, OfALongFileNameItsCharactersAreTestedFirst)
+{
+    options->setDwfType(true);
+    options->setPromptForName(false);
+    options->setDefaultFileName(TvString(std::u16string(65, u'*')) + u".dwf");
+    EXPECT_EQ(problem(), 611);
+}
+
+TEST_F(PublishOptionsTest, AFileNameIsTestedBeforeTheFolder)
+{
+    options->setDwfType(true);
+    options->setPromptForName(false);
+    options->setDefaultFileName(u".dwf");
+    row(kFolder).setText(folder.file("gone"));
+    EXPECT_EQ(problem(), 332);
+}
+
 TEST_F(PublishOptionsTest, AnOutputFolderMustBeThereForOneFile)
 {
     options->setDwfType(true);

@@ -92,6 +92,7 @@ protected:
     struct Setup {
         const TvChar* name;
         int plotType;
+        const TvChar* key = nullptr; ///< in the dictionary; null: the name
     };
     void pageSetups(const char* name, const std::vector<Setup>& setups)
     {
@@ -104,7 +105,7 @@ protected:
                 setup->edit().setText("page_setup_name", row.name);
                 setup->edit().setInteger("plot_type", row.plotType);
                 TvDbObjectId id;
-                EXPECT_EQ(all->setAt(row.name, setup, id), TvStatus::Ok);
+                EXPECT_EQ(all->setAt(row.key ? row.key : row.name, setup, id), TvStatus::Ok);
                 setup->close();
             }
         }

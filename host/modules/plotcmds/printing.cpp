@@ -97,13 +97,16 @@ TvString temporaryPdf()
         TvString().format(TvString(u"print-%d-%d.pdf"), static_cast<int>(getpid()), ++count));
 }
 
-TvString printFile(const TvString& path, const PrintChoice& choice)
+TvString printFile(const TvString& path, const PrintChoice& choice, const TvString& title)
 {
+    QStringList words{QStringLiteral("-d"), ui::toQt(choice.printer), QStringLiteral("-n"),
+                      QString::number(choice.copies)};
+    if (!title.isEmpty())
+        words << QStringLiteral("-t") << ui::toQt(title);
+    words << QStringLiteral("--") << ui::toQt(path);
     QProcess service;
     service.setProcessChannelMode(QProcess::MergedChannels);
-    service.start(QStringLiteral("lp"),
-                  {QStringLiteral("-d"), ui::toQt(choice.printer), QStringLiteral("-n"),
-                   QString::number(choice.copies), QStringLiteral("--"), ui::toQt(path)});
+    service.start(QStringLiteral("lp"), words);
     const bool isSent = service.waitForFinished(kSendMs) && service.exitCode() == 0;
     if (!isSent)
         service.kill();

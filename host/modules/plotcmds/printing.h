@@ -20,7 +20,9 @@ std::vector<TvString> printersOfMachine();
 std::optional<PrintChoice> askPrinter(const std::vector<TvString>& printers);
 /// A name for a file that is printed and removed then, in the folder for what may be deleted.
 TvString temporaryPdf();
-/// Hands a file to the print service, and removes it. @return what to tell the user.
-TvString printFile(const TvString& path, const PrintChoice& choice);
+/// Hands a file to the print service, and removes it.
+/// @param title  that the service shows; empty: the file's name.
+/// @return what to tell the user.
+TvString printFile(const TvString& path, const PrintChoice& choice, const TvString& title);
 
 } // namespace plotcmds

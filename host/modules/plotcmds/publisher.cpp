@@ -134,8 +134,9 @@ void publishJob(plot::JobRequest job, plot::OutputKind kind, const TvString& sug
             if (!choice)
                 return;
             job.target = temporaryPdf();
-            start(std::move(job), [choice = *choice](const plot::JobReport& report) {
-                return printFile(report.files.front(), choice);
+            const TvString title = job.info.title;
+            start(std::move(job), [choice = *choice, title](const plot::JobReport& report) {
+                return printFile(report.files.front(), choice, title);
             });
             return;
         }

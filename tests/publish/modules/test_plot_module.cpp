@@ -2,6 +2,8 @@
 
 #include <functional>
 
+#include <db/tv_db_layout.h>
+#include <plot/page_setup.h>
 #include <plot/publish_request.h>
 #include <rx/tv_rx_module.h>
 #include <sm/tv_sm_database.h>
@@ -51,10 +53,16 @@ TVRX_EXPORT void KvCmd_PlotStampSetting()
         ++g_calls->stampSettings;
 }
 
+/// Also changes what it is given, as a user might.
 TVRX_EXPORT void KvCmd_PageSetupDlg(TvDbDatabase* drawing, TvString setName, bool isOpen)
 {
-    if (g_calls)
-        g_calls->pageSetups.push_back({drawing, setName, isOpen});
+    if (!g_calls)
+        return;
+    g_calls->pageSetups.push_back({drawing, setName, isOpen, {}});
+    for (const plot::PageSetup& setup : plot::pageSetupsOf(*drawing))
+        g_calls->pageSetups.back().names.push_back(setup.name);
+    TvDbObjectId id;
+    db::addLayout(*drawing, u"By the plot module", id);
 }
 
 TVRX_EXPORT void KvCmd_PDFPublishOption(TvSmDatabase* database)

@@ -214,11 +214,15 @@ TEST_F(PublishDialogTest, OptionsAreShownAndAFileNameIsMade)
     run<Options>(kOptions, [&](Options& dialog) {
         EXPECT_EQ(dialog.GetHelpTopic(), TvString(u"SHEETSET_DIA02"));
         EXPECT_EQ(dialog.GetDlgItemText(Options::kSetName), TvString(u"House"));
+        EXPECT_EQ(dialog.GetDlgItem(231), &dialog.inspector());
+        EXPECT_EQ(dialog.inspector().geometry(), dialog.GetDlgItem(232)->geometry());
+        EXPECT_FALSE(dialog.GetDlgItem(232)->isVisible());
         EXPECT_EQ(dialog.inspector().rowCount(), 8);
         EXPECT_TRUE(dialog.inspector().isDialogStyle());
         EXPECT_EQ(dialog.inspector().objectName(), QStringLiteral("KvPropInspector"));
         EXPECT_EQ(options().getDefaultFileName(), TvString(u"House.dwf"));
-        EXPECT_FALSE(dialog.Item<QLabel>(Options::kPicture)->pixmap().isNull());
+        EXPECT_EQ(dialog.Item<QLabel>(Options::kPicture)->pixmap().deviceIndependentSize(),
+                  QSizeF(32, 32));
         EXPECT_EQ(ed::variable(u"_KV_INSPECTORCONTROLSTYLES"), ed::VariableValue(std::int16_t(2)));
     });
     EXPECT_TRUE(options().getDefaultFileName().isEmpty()) << "rolled back";

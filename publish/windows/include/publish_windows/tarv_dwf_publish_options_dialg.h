@@ -15,7 +15,12 @@ class CTarvDWFPublishOptionsDialg : public CTvUiDialog
 {
 public:
     static constexpr int kNumber = 230;
-    enum Control : int { kInspector = 231, kInspectorPlace = 232, kPicture = 233, kSetName = 235 };
+    enum Control : int {
+        kInspector = 231,
+        kInspectorPlace = 232, ///< hidden: where the inspector stands
+        kPicture = 233,
+        kSetName = 235
+    };
 
     /// @param parent  null: the program's window. @param database, options  not null; locked by the
     /// caller, or nothing can be changed.
