@@ -86,8 +86,7 @@ Program::Program(const Setup& setup)
     ed::setUserPrompts(setup.prompts);
     tvrxSetUserMessages(setup.messages);
     rx::setModuleLoader(&m_loader);
-    m_fonts = std::make_unique<gs::Fonts>();
-    m_textMeasure = std::make_unique<gs::ExactTextMeasure>(*m_fonts);
+    m_textMeasure = std::make_unique<gs::ExactTextMeasure>();
     db::setTextMeasure(m_textMeasure.get());
     m_linker = std::make_unique<TvRxDynamicLinkerImp>(m_loader, sayStatus);
     TvRxDictionary& registry = *tvrxSysRegistry();

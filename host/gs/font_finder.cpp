@@ -34,7 +34,28 @@ Pattern match(FcConfig* config, const Pattern& wanted)
     return Pattern(FcFontMatch(config, wanted.get(), &result));
 }
 
-FontFile fileOf(const Pattern& found)
+bool isFace(FcPattern* face, const FontFile& file)
+{
+    FcChar8* path = nullptr;
+    int index = 0;
+    return FcPatternGetString(face, FC_FILE, 0, &path) == FcResultMatch &&
+           file.path == reinterpret_cast<const char*>(path) &&
+           FcPatternGetInteger(face, FC_INDEX, 0, &index) == FcResultMatch && index == file.index;
+}
+
+/// The machine's own record of a face: what a search answers also has what the machine's rules
+/// would do to it, such as to call an upright face slanted because they would have it sheared.
+FcPattern* recordOf(FcConfig* config, const FontFile& file)
+{
+    for (const FcSetName name : {FcSetSystem, FcSetApplication})
+        if (const FcFontSet* const set = FcConfigGetFonts(config, name))
+            for (int i = 0; i < set->nfont; ++i)
+                if (isFace(set->fonts[i], file))
+                    return set->fonts[i];
+    return nullptr;
+}
+
+FontFile fileOf(FcConfig* config, const Pattern& found)
 {
     FontFile file;
     FcChar8* path = nullptr;
@@ -42,9 +63,12 @@ FontFile fileOf(const Pattern& found)
         return file;
     file.path = reinterpret_cast<const char*>(path);
     FcPatternGetInteger(found.get(), FC_INDEX, 0, &file.index);
+    FcPattern* record = recordOf(config, file);
+    if (!record)
+        record = found.get();
     int weight = FC_WEIGHT_REGULAR, slant = FC_SLANT_ROMAN;
-    FcPatternGetInteger(found.get(), FC_WEIGHT, 0, &weight);
-    FcPatternGetInteger(found.get(), FC_SLANT, 0, &slant);
+    FcPatternGetInteger(record, FC_WEIGHT, 0, &weight);
+    FcPatternGetInteger(record, FC_SLANT, 0, &slant);
     file.isBold = weight >= FC_WEIGHT_DEMIBOLD;
     file.isItalic = slant != FC_SLANT_ROMAN;
     return file;
@@ -83,7 +107,7 @@ FontFile FontFinder::find(const std::string& family, bool isBold, bool isItalic)
     FcPatternAddInteger(wanted.get(), FC_SLANT, isItalic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
     FcPatternAddBool(wanted.get(), FC_SCALABLE, FcTrue);
     const Pattern found = match(m_config, wanted);
-    FontFile file = fileOf(found);
+    FontFile file = fileOf(m_config, found);
     file.isOther = !found || !hasFamily(found, family);
     return file;
 }
@@ -103,7 +127,7 @@ FontFile FontFinder::withCharacter(char32_t character) const
     if (!found || FcPatternGetCharSet(found.get(), FC_CHARSET, 0, &has) != FcResultMatch ||
         !FcCharSetHasChar(has, character))
         return {};
-    return fileOf(found);
+    return fileOf(m_config, found);
 }
 
 } // namespace gs

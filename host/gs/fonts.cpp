@@ -12,6 +12,7 @@
 #include "gs/flat.h"
 #include "outline_font.h"
 #include "stroke_font.h"
+#include "text_directions.h"
 
 namespace gs {
 
@@ -33,7 +34,28 @@ Glyph box()
     return glyph;
 }
 
+/// Characters of a text that one font writes.
+struct FontRun {
+    Font* font = nullptr; // not owned; null: nobody has them
+    std::size_t first = 0, count = 0;
+};
+
 } // namespace
+
+void Font::shape(const TextStretch& stretch, std::vector<ShapedLetter>& out)
+{
+    for (std::size_t i = 0; i < stretch.count; ++i) {
+        const std::size_t at = stretch.first + (stretch.isRightToLeft ? stretch.count - 1 - i : i);
+        const char32_t character = stretch.text[at];
+        if (isUnseen(character))
+            continue;
+        const Glyph* letter = stretch.isRightToLeft ? glyph(mirrored(character)) : nullptr;
+        if (!letter)
+            letter = glyph(character);
+        if (letter)
+            out.push_back({letter, 0, 0, letter->advance, static_cast<std::uint32_t>(at)});
+    }
+}
 
 struct Fonts::Impl {
     using FileKey = std::tuple<std::string, int, LetterChange>; // path, index
@@ -71,6 +93,81 @@ struct Fonts::Impl {
         return found->second.get();
     }
 
+    static bool hasAll(Font& font, std::u32string_view group)
+    {
+        return std::all_of(group.begin(), group.end(), [&font](char32_t character) {
+            return isUnseen(character) || font.glyph(character);
+        });
+    }
+
+    /// A font that has a letter and all its marks; null: none has.
+    Font* lenderOf(std::u32string_view group)
+    {
+        for (Font* font : lenders)
+            if (hasAll(*font, group))
+                return font;
+        for (const char32_t character : group) {
+            if (isUnseen(character) || asked.size() >= kMostQuestions ||
+                !asked.insert(character).second)
+                continue;
+            Font* const font = open(finder.withCharacter(character), {});
+            if (!font || std::find(lenders.begin(), lenders.end(), font) != lenders.end())
+                continue;
+            lenders.push_back(font);
+            if (hasAll(*font, group))
+                return font;
+        }
+        return nullptr;
+    }
+
+    /// Where one font after the other writes. A letter and its marks are of one font if there is
+    /// one that has them all.
+    std::vector<FontRun> runsOf(Font& wanted, const TextStretch& stretch)
+    {
+        std::vector<FontRun> runs;
+        const auto add = [&runs](Font* font, std::size_t first, std::size_t count) {
+            if (!runs.empty() && runs.back().font == font)
+                runs.back().count += count;
+            else
+                runs.push_back({font, first, count});
+        };
+        const std::size_t end = stretch.first + stretch.count;
+        for (std::size_t at = stretch.first; at < end;) {
+            const std::size_t next = endOfGroup(stretch.text, at, end);
+            const auto group = stretch.text.substr(at, next - at);
+            Font* font = hasAll(wanted, group) ? &wanted : nullptr;
+            if (!font && !runs.empty() && runs.back().font && hasAll(*runs.back().font, group))
+                font = runs.back().font;
+            if (!font)
+                font = lenderOf(group);
+            if (font) {
+                add(font, at, group.size());
+            } else {
+                for (std::size_t i = at; i < next; ++i)
+                    add(fontFor(wanted, stretch.text[i]), i, 1);
+            }
+            at = next;
+        }
+        return runs;
+    }
+
+    /// Null: nobody has it.
+    Font* fontFor(Font& wanted, char32_t character)
+    {
+        const std::u32string_view alone(&character, 1);
+        return hasAll(wanted, alone) ? &wanted : lenderOf(alone);
+    }
+
+    void addBoxes(const TextStretch& stretch, std::vector<ShapedLetter>& out) const
+    {
+        for (std::size_t i = 0; i < stretch.count; ++i) {
+            const std::size_t at =
+                stretch.first + (stretch.isRightToLeft ? stretch.count - 1 - i : i);
+            out.push_back(
+                {&nobodyHasIt, 0, 0, nobodyHasIt.advance, static_cast<std::uint32_t>(at)});
+        }
+    }
+
     /// From the fonts that lent letters before, else from one that the machine finds.
     const Glyph* borrowed(char32_t character)
     {
@@ -95,9 +192,42 @@ struct Fonts::Impl {
     std::map<FileKey, std::unique_ptr<OutlineFont>> byFile;
     std::map<std::tuple<std::string, bool, bool>, Font*> byFamily; // not owned; in byFile
     std::vector<Font*> lenders{&draughting};                       // not owned
-    std::set<char32_t> lacked;
+    std::set<char32_t> lacked, asked;
     Glyph nobodyHasIt = box();
 };
+
+void Fonts::shape(Font& font, const TextStretch& stretch, std::vector<ShapedLetter>& out)
+{
+    const auto runs = m_impl->runsOf(font, stretch);
+    const auto add = [&](const FontRun& run) {
+        const TextStretch part{stretch.text, run.first, run.count, stretch.isRightToLeft};
+        if (run.font)
+            run.font->shape(part, out);
+        else
+            m_impl->addBoxes(part, out);
+    };
+    if (stretch.isRightToLeft)
+        std::for_each(runs.rbegin(), runs.rend(), add);
+    else
+        std::for_each(runs.begin(), runs.end(), add);
+}
+
+std::vector<ShapedLetter> Fonts::line(Font& font, std::u32string_view text)
+{
+    std::vector<ShapedLetter> letters;
+    if (!isChangedByNeighbours(text)) {
+        letters.reserve(text.size());
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            const Glyph& letter = glyph(font, text[i]);
+            letters.push_back({&letter, 0, 0, letter.advance, static_cast<std::uint32_t>(i)});
+        }
+        return letters;
+    }
+    const auto stretches = stretchesOf(text, levelsOf(text));
+    for (const TextStretch& stretch : stretches)
+        shape(font, stretch, letters);
+    return letters;
+}
 
 Fonts::Fonts() : m_impl(std::make_unique<Impl>()) {}
 
@@ -110,6 +240,13 @@ Font& Fonts::find(const FontName& name)
     case FontFamily::Kind::Signs: return m_impl->signs;
     default: return m_impl->draughting;
     }
+}
+
+Fonts& Fonts::ofThread()
+{
+    // Finding fonts takes longer than drawing a plan: they stay for the next list.
+    thread_local Fonts known;
+    return known;
 }
 
 const Glyph& Fonts::glyph(Font& font, char32_t character)

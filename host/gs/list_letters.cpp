@@ -76,6 +76,8 @@ void DisplayList::letters(const PathRange& range, std::vector<PlacedLetter>& out
             if (letter.face != kNoFace)
                 out.push_back({&m_faces[letter.face],
                                letter.character,
+                               letter.form,
+                               letter.text,
                                letter.advance,
                                {letter.path.verbs(), letter.path.points()},
                                movedAlong(row.map, x)});
@@ -108,7 +110,8 @@ const ListWriter::KnownLetter& ListWriter::known(const Glyph* letter)
         m_numbers.try_emplace(letter, static_cast<std::uint32_t>(m_list.m_letters.size()));
     if (isNew)
         m_list.m_letters.push_back({letter->path, gs::boxOf(letter->path), letter->advance,
-                                    letter->character, faceOf(letter->face)});
+                                    letter->character, letter->form, faceOf(letter->face),
+                                    letter->text});
     known = {letter,
              at->second,
              static_cast<std::uint32_t>(letter->path.verbs().size()),

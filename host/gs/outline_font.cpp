@@ -128,11 +128,6 @@ double OutlineFont::meanWidth() const
     return sum / kLetters;
 }
 
-OutlineFont::~OutlineFont()
-{
-    FT_Done_Face(m_face);
-}
-
 double OutlineFont::capitalHeight() const
 {
     const auto* table = static_cast<TT_OS2*>(FT_Get_Sfnt_Table(m_face, FT_SFNT_OS2));
@@ -159,7 +154,15 @@ const Glyph* OutlineFont::glyph(char32_t character)
 std::optional<Glyph> OutlineFont::make(char32_t character)
 {
     const FT_UInt index = FT_Get_Char_Index(m_face, character);
-    if (index == 0 || FT_Load_Glyph(m_face, index, FT_LOAD_NO_SCALE | FT_LOAD_NO_BITMAP) != 0 ||
+    std::optional<Glyph> glyph = index == 0 ? std::nullopt : numbered(index);
+    if (glyph)
+        glyph->character = character;
+    return glyph;
+}
+
+std::optional<Glyph> OutlineFont::numbered(FT_UInt index)
+{
+    if (FT_Load_Glyph(m_face, index, FT_LOAD_NO_SCALE | FT_LOAD_NO_BITMAP) != 0 ||
         m_face->glyph->format != FT_GLYPH_FORMAT_OUTLINE)
         return std::nullopt;
     FT_Outline& outline = m_face->glyph->outline;
@@ -178,7 +181,6 @@ std::optional<Glyph> OutlineFont::make(char32_t character)
     Glyph glyph;
     glyph.path = std::move(walk.path);
     glyph.isFilled = true;
-    glyph.character = character;
     glyph.face = &m_name;
     const double advance = static_cast<double>(m_face->glyph->metrics.horiAdvance) * m_scale;
     glyph.advance = (advance + m_change.weight) * m_widthFactor;

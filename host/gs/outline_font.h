@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +11,7 @@
 #include FT_FREETYPE_H
 
 #include "gs/fonts.h"
+#include "letter_shaper.h"
 
 namespace gs {
 
@@ -48,10 +50,18 @@ public:
     ~OutlineFont() override;
 
     const Glyph* glyph(char32_t character) override;
+    /// By the rules of the font file; a file of a kind that has none: character by character.
+    void shape(const TextStretch& stretch, std::vector<ShapedLetter>& out) override;
 
 private:
     OutlineFont(FT_Face face, const LetterChange& change);
     std::optional<Glyph> make(char32_t character);
+    /// The letter that has that number in the face.
+    std::optional<Glyph> numbered(FT_UInt index);
+    const Glyph* form(std::uint16_t index, std::u16string text);
+    void addShaped(const TextStretch& stretch, const ScriptRun& run,
+                   std::vector<ShapedLetter>& out);
+    const Glyph* letterOf(FT_UInt index, std::u32string_view group, bool isFirst, bool isAlone);
     double capitalHeight() const;
     double meanWidth() const;
 
@@ -62,6 +72,8 @@ private:
     double m_widthFactor = 1;
     std::unordered_map<char32_t, std::optional<Glyph>> m_made;
     std::array<const Glyph*, 128> m_usual{}; // of m_made, those that were asked for
+    std::map<std::pair<std::uint16_t, std::u16string>, Glyph> m_forms; // by what they stand for
+    std::unique_ptr<LetterShaper> m_shaper; // null until somebody needs it
 };
 
 } // namespace gs

@@ -40,9 +40,7 @@ Scene::~Scene() = default;
 
 Fonts& Scene::fonts() const
 {
-    // Finding fonts takes longer than drawing a plan: they stay for the next list.
-    thread_local Fonts known;
-    return known;
+    return Fonts::ofThread();
 }
 
 const LinePattern& Scene::patternOf(TvDbObjectId linetype)

@@ -7,6 +7,7 @@
 #include <unicode/unorm2.h>
 
 #include "gs/flat.h"
+#include "text_directions.h"
 
 namespace gs {
 
@@ -105,6 +106,18 @@ std::optional<Parts> partsOf(char32_t character)
     return Parts{units[0], count == 2 ? char32_t(units[1]) : U'\0'};
 }
 
+/// The one character that a letter and an accent are; 0: there is none.
+char32_t together(char32_t base, char32_t accent)
+{
+    UErrorCode error = U_ZERO_ERROR;
+    const UNormalizer2* const rules = unorm2_getNFCInstance(&error);
+    if (U_FAILURE(error))
+        return 0;
+    const UChar32 found =
+        unorm2_composePair(rules, static_cast<UChar32>(base), static_cast<UChar32>(accent));
+    return found > 0 ? static_cast<char32_t>(found) : 0;
+}
+
 } // namespace
 
 StrokeFont::StrokeFont(std::span<const StrokeLetter> letters)
@@ -124,6 +137,51 @@ const Glyph* StrokeFont::glyph(char32_t character)
     if (character < m_usual.size())
         m_usual[character] = glyph;
     return glyph;
+}
+
+void StrokeFont::shape(const TextStretch& stretch, std::vector<ShapedLetter>& out)
+{
+    if (stretch.isRightToLeft)
+        return Font::shape(stretch, out);
+    const std::size_t end = stretch.first + stretch.count;
+    for (std::size_t at = stretch.first; at < end;) {
+        const std::size_t next = endOfGroup(stretch.text, at, end);
+        addGroup(stretch.text, at, next, out);
+        at = next;
+    }
+}
+
+/// A letter and its accents.
+void StrokeFont::addGroup(std::u32string_view text, std::size_t first, std::size_t end,
+                          std::vector<ShapedLetter>& out)
+{
+    const auto number = static_cast<std::uint32_t>(first);
+    char32_t base = text[first];
+    std::size_t at = first + 1;
+    for (; at < end; ++at) {
+        const char32_t whole = together(base, text[at]);
+        if (whole == 0 || !glyph(whole))
+            break;
+        base = whole;
+    }
+    const Glyph* const letter = glyph(base);
+    if (!letter || isUnseen(base))
+        return;
+    out.push_back({letter, 0, 0, letter->advance, number});
+    Box box = boxOf(letter->path);
+    if (box.isEmpty())
+        box.add({letter->advance / 2, 0});
+    for (; at < end; ++at) {
+        const Glyph* const accent = isUnseen(text[at]) ? nullptr : glyph(text[at]);
+        if (!accent)
+            continue;
+        // The pen stands behind the letter.
+        const double y = isBelow(text[at]) ? 0 : box.highY + kAccentGap / kCapital;
+        out.back().endsGroup = false;
+        out.push_back({accent, box.center().x - letter->advance, y, accent->advance, number});
+        if (!isBelow(text[at]) && !accent->path.isEmpty())
+            box.highY = y + boxOf(accent->path).highY;
+    }
 }
 
 std::optional<Glyph> StrokeFont::make(char32_t character) const

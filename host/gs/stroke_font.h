@@ -25,8 +25,13 @@ public:
     explicit StrokeFont(std::span<const StrokeLetter> letters);
 
     const Glyph* glyph(char32_t character) override;
+    /// Letters do not change, and stand where their direction puts them; but a letter with an
+    /// accent is the accented letter, and other accents stand over or under theirs.
+    void shape(const TextStretch& stretch, std::vector<ShapedLetter>& out) override;
 
 private:
+    void addGroup(std::u32string_view text, std::size_t first, std::size_t end,
+                  std::vector<ShapedLetter>& out);
     std::optional<Glyph> make(char32_t character) const;
     std::optional<Glyph> drawn(char32_t character) const;
     std::optional<Glyph> composed(char32_t character) const;

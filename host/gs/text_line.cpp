@@ -22,7 +22,8 @@ constexpr double kDownStep = 1.5;
 /// A line of text, and how it is turned.
 struct Line {
     std::vector<LineCharacter> letters;
-    std::u32string text; ///< the letters alone
+    std::u32string text;              ///< the letters alone
+    std::vector<ShapedLetter> shaped; ///< from left to right; none where they stand one by one
     LetterLook look;
     double width = 0; ///< of what is seen, across
     bool isVertical = false;
@@ -42,8 +43,46 @@ bool hasSameLines(const LineCharacter& a, const LineCharacter& b)
            a.isStruck == b.isStruck;
 }
 
+LetterLook lookAt(const Line& line, const LineCharacter& letter)
+{
+    LetterLook look = line.look;
+    look.isUnderlined = letter.isUnderlined;
+    look.isOverlined = letter.isOverlined;
+    look.isStruck = letter.isStruck;
+    return look;
+}
+
+double widthOf(const Line& line, TextPen& pen)
+{
+    return line.shaped.empty() ? pen.width(line.text, line.look).ink()
+                               : pen.width(line.shaped, line.look).ink();
+}
+
+/// Lines at letters go along those that are beside each other, wherever in the text they are.
+void writeShaped(TextPen& pen, const Line& line, const FlatMap& frame)
+{
+    pen.letters(line.shaped, line.look, {}, frame);
+    const std::span<const ShapedLetter> all(line.shaped);
+    const auto characterOf = [&line](const ShapedLetter& letter) -> const LineCharacter& {
+        return line.letters[letter.character];
+    };
+    double x = 0;
+    for (std::size_t at = 0; at < all.size();) {
+        const LineCharacter& first = characterOf(all[at]);
+        const std::size_t begin = at;
+        while (at < all.size() && hasSameLines(characterOf(all[at]), first))
+            ++at;
+        const LetterWidth width = pen.width(all.subspan(begin, at - begin), line.look);
+        pen.linesAt(lookAt(line, first), {x, 0}, x + width.ink(), frame);
+        x += width.advance;
+    }
+    pen.run(line.text, {}, line.look.height, line.width, frame);
+}
+
 void writeAcross(TextPen& pen, const Line& line, const FlatMap& frame)
 {
+    if (!line.shaped.empty())
+        return writeShaped(pen, line, frame);
     double x = 0;
     for (std::size_t at = 0; at < line.letters.size();) {
         const LineCharacter& first = line.letters[at];
@@ -51,10 +90,7 @@ void writeAcross(TextPen& pen, const Line& line, const FlatMap& frame)
         while (at < line.letters.size() && hasSameLines(line.letters[at], first))
             ++at;
         const auto piece = std::u32string_view(line.text).substr(begin, at - begin);
-        LetterLook look = line.look;
-        look.isUnderlined = first.isUnderlined;
-        look.isOverlined = first.isOverlined;
-        look.isStruck = first.isStruck;
+        const LetterLook look = lookAt(line, first);
         pen.write(piece, look, {x, 0}, frame);
         if (at < line.letters.size())
             x += pen.width(piece, look).advance;
@@ -207,10 +243,12 @@ TextShape lineShape(const TvDbText& text, std::u16string_view shown, TextTools& 
     if (line.letters.empty() || !isDrawableHeight(line.look.height) || !isSound(shape.placement))
         return shape;
     TextPen pen(shape, tools);
-    line.width = pen.width(line.text, line.look).ink();
+    if (!line.isVertical)
+        line.shaped = pen.shapedLine(line.text, line.look);
+    line.width = widthOf(line, pen);
     if (fields.isBetweenPoints()) {
         fitBetweenPoints(fields, line.width, line.look);
-        line.width = pen.width(line.text, line.look).ink();
+        line.width = widthOf(line, pen);
     }
     const double length =
         line.look.height * (1 + kDownStep * static_cast<double>(line.letters.size() - 1));

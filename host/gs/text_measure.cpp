@@ -7,15 +7,16 @@ namespace gs {
 
 double ExactTextMeasure::width(std::u16string_view line, const db::TextLook& look)
 {
+    Fonts& fonts = m_fonts ? *m_fonts : Fonts::ofThread();
     LetterLook letters;
-    letters.font = &m_fonts.find(fontOf(look));
+    letters.font = &fonts.find(fontOf(look));
     letters.height = look.height;
     letters.widthFactor = std::abs(soundFactor(look.widthFactor));
     std::u32string text;
     while (!line.empty())
         text += takeCharacter(line);
     TextShape unused;
-    TextTools tools(m_fonts);
+    TextTools tools(fonts);
     return TextPen(unused, tools).width(text, letters).ink();
 }
 

@@ -181,6 +181,7 @@ public:
         while (!m_rest.empty() && isWithinLimits())
             step();
         end();
+        giveDirections(m_text);
         return std::move(m_text);
     }
 
@@ -401,7 +402,7 @@ private:
             trim(stack.upper);
             trim(stack.lower);
             m_stackedLetters += letters;
-            m_text.pieces.push_back({TextPiece::Kind::Stack, false, lookIndex(),
+            m_text.pieces.push_back({TextPiece::Kind::Stack, false, 0, lookIndex(),
                                      static_cast<std::uint32_t>(m_text.stacks.size()), 1});
             m_text.stacks.push_back(std::move(stack));
         }
@@ -429,10 +430,13 @@ private:
                 return;
             }
         }
-        m_text.pieces.push_back({TextPiece::Kind::Word, isAlone, look, at, 1});
+        m_text.pieces.push_back({TextPiece::Kind::Word, isAlone, 0, look, at, 1});
     }
 
-    void mark(TextPiece::Kind kind) { m_text.pieces.push_back({kind, false, lookIndex(), 0, 0}); }
+    void mark(TextPiece::Kind kind)
+    {
+        m_text.pieces.push_back({kind, false, 0, lookIndex(), 0, 0});
+    }
 
     std::uint32_t lookIndex()
     {

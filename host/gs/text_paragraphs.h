@@ -33,6 +33,7 @@ struct TextPiece {
 
     Kind kind = Kind::Word;
     bool mayBreakBefore = false; ///< a word that needs no space in front of it, as in Chinese
+    std::uint8_t level = 0;      ///< odd ones run from right to left; see levelsOf()
     std::uint32_t look = 0;      ///< among the looks
     std::uint32_t first = 0;     ///< among the letters; of a stack, among the stacks
     std::uint32_t count = 0;
@@ -62,6 +63,7 @@ struct Paragraph {
     std::uint32_t firstPiece = 0, endPiece = 0;
     std::uint32_t look = 0; ///< of a paragraph without pieces
     std::uint32_t format = 0;
+    bool isRightToLeft = false;
 };
 
 /// A text with its codes taken apart.
@@ -73,6 +75,9 @@ struct ParagraphText {
     std::vector<ParagraphFormat> formats;
     std::vector<Paragraph> paragraphs;
 };
+
+/// Gives pieces their levels. A word that runs both ways is taken apart: its parts stay together.
+void giveDirections(ParagraphText& text);
 
 /// Takes apart a text with the codes of MTEXT.
 ///

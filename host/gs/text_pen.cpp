@@ -4,6 +4,7 @@
 #include <numbers>
 
 #include "text_codes.h"
+#include "text_directions.h"
 
 namespace gs {
 
@@ -13,6 +14,15 @@ namespace {
 constexpr double kUnderline = -0.22, kOverline = 1.22, kStrike = 0.45;
 // A look that changes with every letter must not make as many parts, nor be searched for long.
 constexpr std::size_t kPartsToSearch = 8;
+// Of the height: letters nearer than this to where their row leads stand in it.
+constexpr double kSamePlace = 1e-9;
+
+/// Where a letter is drawn when the pen is @p at. Slanted text leans its marks, too.
+TvGePoint2d placed(const ShapedLetter& letter, const LetterLook& look, TvGePoint2d at)
+{
+    return {at.x + (letter.x * look.widthFactor + letter.y * look.slant) * look.height,
+            at.y + letter.y * look.height};
+}
 
 } // namespace
 
@@ -47,6 +57,8 @@ bool isSound(const TvGeMatrix3d& placement)
 
 LetterWidth TextPen::width(std::u32string_view text, const LetterLook& look)
 {
+    if (isChangedByNeighbours(text))
+        return width(m_tools.fonts.line(*look.font, text), look);
     LetterWidth width;
     for (const char32_t character : text) {
         const Glyph& g = glyph(look, character);
@@ -55,6 +67,32 @@ LetterWidth TextPen::width(std::u32string_view text, const LetterLook& look)
     }
     const double unit = look.height * look.widthFactor;
     return {width.advance * unit, width.gap * unit};
+}
+
+LetterWidth TextPen::width(std::span<const ShapedLetter> letters, const LetterLook& look) const
+{
+    LetterWidth width;
+    for (const ShapedLetter& letter : letters) {
+        width.advance += step(letter, look);
+        if (letter.advance == 0)
+            continue; // a mark
+        const double added = isTracked(letter) ? letter.advance * (look.tracking - 1) : 0;
+        width.gap = (letter.glyph->gap + added) * look.height * look.widthFactor;
+    }
+    return width;
+}
+
+std::vector<ShapedLetter> TextPen::shaped(const TextStretch& stretch, const LetterLook& look)
+{
+    std::vector<ShapedLetter> letters;
+    m_tools.fonts.shape(*look.font, stretch, letters);
+    return letters;
+}
+
+std::vector<ShapedLetter> TextPen::shapedLine(std::u32string_view text, const LetterLook& look)
+{
+    return isChangedByNeighbours(text) ? m_tools.fonts.line(*look.font, text)
+                                       : std::vector<ShapedLetter>();
 }
 
 void TextPen::write(std::u32string_view text, const LetterLook& look, TvGePoint2d at,
@@ -68,6 +106,8 @@ void TextPen::write(std::u32string_view text, const LetterLook& look, TvGePoint2
 void TextPen::letters(std::u32string_view text, const LetterLook& look, TvGePoint2d at,
                       const FlatMap& frame)
 {
+    if (isChangedByNeighbours(text))
+        return letters(m_tools.fonts.line(*look.font, text), look, at, frame);
     if (m_shape.keepsLetters) {
         row(text, look, at, frame);
         return;
@@ -104,6 +144,51 @@ void TextPen::row(std::u32string_view text, const LetterLook& look, TvGePoint2d 
         to[i] = &g;
         ++row->count;
         at.x += g.advance * x * look.tracking;
+    }
+}
+
+void TextPen::letters(std::span<const ShapedLetter> text, const LetterLook& look, TvGePoint2d at,
+                      const FlatMap& frame)
+{
+    if (m_shape.keepsLetters) {
+        row(text, look, at, frame);
+        return;
+    }
+    for (const ShapedLetter& shaped : text) {
+        letter(*shaped.glyph, look, placed(shaped, look, at), frame);
+        at.x += step(shaped, look);
+    }
+}
+
+/// A letter that does not stand where those before it lead begins a row of its own.
+void TextPen::row(std::span<const ShapedLetter> text, const LetterLook& look, TvGePoint2d at,
+                  const FlatMap& frame)
+{
+    const double unit = look.height * look.widthFactor;
+    LetterRow* row = nullptr; // that the last letter is in
+    bool isFilled = false;
+    TvGePoint2d next; // where another letter of the row would stand
+    for (const ShapedLetter& shaped : text) {
+        const Glyph& g = *shaped.glyph;
+        const bool isSeen = !g.path.isEmpty();
+        const TvGePoint2d there = placed(shaped, look, at);
+        const double tracking = isTracked(shaped) ? look.tracking : 1;
+        const bool fits = row && (g.isFilled == isFilled || !isSeen) && there.y == next.y &&
+                          std::abs(there.x - next.x) <= kSamePlace * unit &&
+                          row->tracking == tracking;
+        if (!fits) {
+            isFilled = g.isFilled;
+            const FlatMap place{unit, look.slant * look.height, there.x, 0, look.height, there.y};
+            row = &part(isFilled, look.color)
+                       .rows.emplace_back(
+                           LetterRow{frame * place, tracking,
+                                     static_cast<std::uint32_t>(m_shape.letters.size()), 0});
+        }
+        m_hasStrokes |= !g.face && isSeen;
+        m_shape.letters.push_back(&g);
+        ++row->count;
+        next = {there.x + g.advance * unit * tracking, there.y};
+        at.x += step(shaped, look);
     }
 }
 

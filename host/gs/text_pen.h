@@ -1,6 +1,8 @@
 #pragma once
 
+#include <span>
 #include <string_view>
+#include <vector>
 
 #include "gs/text_shape.h"
 #include "text_tools.h"
@@ -49,6 +51,18 @@ public:
     TextPen(TextShape& shape, TextTools& tools) : m_shape(shape), m_tools(tools) {}
 
     LetterWidth width(std::u32string_view text, const LetterLook& look);
+    LetterWidth width(std::span<const ShapedLetter> letters, const LetterLook& look) const;
+    /// The letters of a stretch as they stand from left to right.
+    std::vector<ShapedLetter> shaped(const TextStretch& stretch, const LetterLook& look);
+    /// Those of a line, if its letters change one another; else there are none.
+    std::vector<ShapedLetter> shapedLine(std::u32string_view text, const LetterLook& look);
+    /// The way of the pen from one letter to the next, in drawing units. Tracking does not part
+    /// what is joined, nor a letter from its marks.
+    static double step(const ShapedLetter& letter, const LetterLook& look)
+    {
+        return letter.advance * look.height * look.widthFactor *
+               (isTracked(letter) ? look.tracking : 1);
+    }
     /// Writes @p text from @p at on, and the lines at it; not its run.
     /// @param frame  from the plane in which the text is written along x to that of the shape.
     void write(std::u32string_view text, const LetterLook& look, TvGePoint2d at,
@@ -59,6 +73,8 @@ public:
     void stroke(const Path& path, OwnColor color, const FlatMap& frame);
     /// The letters of write(), without lines.
     void letters(std::u32string_view text, const LetterLook& look, TvGePoint2d at,
+                 const FlatMap& frame);
+    void letters(std::span<const ShapedLetter> text, const LetterLook& look, TvGePoint2d at,
                  const FlatMap& frame);
     /// The lines of write(): from @p at, which is on the baseline, to x = @p end.
     void linesAt(const LetterLook& look, TvGePoint2d at, double end, const FlatMap& frame);
@@ -73,7 +89,13 @@ public:
 
 private:
     TextPart& part(bool isFilled, OwnColor color);
+    static bool isTracked(const ShapedLetter& letter)
+    {
+        return letter.endsGroup && !letter.isJoined;
+    }
     void row(std::u32string_view text, const LetterLook& look, TvGePoint2d at,
+             const FlatMap& frame);
+    void row(std::span<const ShapedLetter> text, const LetterLook& look, TvGePoint2d at,
              const FlatMap& frame);
 
     TextShape& m_shape;

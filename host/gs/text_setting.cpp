@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "text_directions.h"
 #include "text_stack.h"
 
 namespace gs {
@@ -29,18 +30,45 @@ TextSetter::TextSetter(const ParagraphText& text, const TextFrame& frame, TextPe
 void TextSetter::measurePieces()
 {
     m_widths.reserve(m_text.pieces.size());
-    for (const TextPiece& piece : m_text.pieces) {
-        const LetterLook& look = m_text.looks[piece.look].letters;
-        LetterWidth width;
-        if (piece.kind == TextPiece::Kind::Word)
-            width = m_pen.width(
-                std::u32string_view(m_text.letters).substr(piece.first, piece.count), look);
-        else if (piece.kind == TextPiece::Kind::Space)
-            width = m_pen.width(U" ", look);
-        else if (piece.kind == TextPiece::Kind::Stack)
-            width = stackExtent(m_text.stacks[piece.first], look, m_pen).width;
-        m_widths.push_back(width);
-    }
+    for (const Paragraph& paragraph : m_text.paragraphs)
+        for (std::uint32_t i = paragraph.firstPiece; i < paragraph.endPiece; ++i) {
+            const TextPiece& piece = m_text.pieces[i];
+            const LetterLook& look = m_text.looks[piece.look].letters;
+            LetterWidth width;
+            if (piece.kind == TextPiece::Kind::Word)
+                width = measureWord(i, paragraph);
+            else if (piece.kind == TextPiece::Kind::Space)
+                width = m_pen.width(U" ", look);
+            else if (piece.kind == TextPiece::Kind::Stack)
+                width = stackExtent(m_text.stacks[piece.first], look, m_pen).width;
+            m_widths.push_back(width);
+        }
+}
+
+LetterWidth TextSetter::measureWord(std::uint32_t index, const Paragraph& paragraph)
+{
+    const TextPiece& piece = m_text.pieces[index];
+    const LetterLook& look = m_text.looks[piece.look].letters;
+    const auto word = std::u32string_view(m_text.letters).substr(piece.first, piece.count);
+    if (piece.level % 2 == 0 && !isChangedByNeighbours(word))
+        return m_pen.width(word, look);
+    const auto& letters = m_shaped[index] = m_pen.shaped(stretchOf(index, paragraph), look);
+    return m_pen.width(letters, look);
+}
+
+/// A word, and what it touches: letters join over a change of colour.
+TextStretch TextSetter::stretchOf(std::uint32_t word, const Paragraph& paragraph) const
+{
+    const auto& pieces = m_text.pieces;
+    const TextPiece& piece = pieces[word];
+    const std::uint32_t end = piece.first + piece.count;
+    std::uint32_t from = piece.first, to = end;
+    if (word > paragraph.firstPiece && pieces[word - 1].kind == TextPiece::Kind::Word)
+        from = pieces[word - 1].first;
+    if (word + 1 < paragraph.endPiece && pieces[word + 1].kind == TextPiece::Kind::Word)
+        to = end + pieces[word + 1].count;
+    return {std::u32string_view(m_text.letters).substr(from, to - from), piece.first - from,
+            piece.count, piece.level % 2 == 1};
 }
 
 Alignment TextSetter::alignmentOf(const ParagraphFormat& format) const
@@ -245,6 +273,8 @@ void TextSetter::stackLines()
 
 /// Writes one line: pieces from left to right, lines at letters in one go, and a run for each
 /// stretch between tabs.
+///
+/// Tabs count from the left, and what is between two of them stays there, whichever way it runs.
 class TextSetter::LineWriter
 {
 public:
@@ -258,26 +288,64 @@ public:
         m_start = x;
         const ParagraphFormat& format =
             m_setter.m_text.formats[m_setter.m_text.paragraphs[m_line.paragraph].format];
-        for (std::uint32_t i = m_line.first; i < m_line.end; ++i) {
-            const TextPiece& piece = m_setter.m_text.pieces[i];
-            if (piece.kind == TextPiece::Kind::Tab) {
+        for (std::uint32_t i = m_line.first; i < m_line.end;) {
+            if (m_setter.m_text.pieces[i].kind == TextPiece::Kind::Tab) {
                 finishRun(x);
                 x = m_columnLeft + m_setter.tabEnd(x - m_columnLeft, i, m_line.end, format);
                 m_start = x;
+                ++i;
                 continue;
             }
-            x = writePiece(piece, m_setter.m_widths[i], x, i + 1 == m_line.end);
+            std::uint32_t end = i + 1;
+            while (end < m_line.end && m_setter.m_text.pieces[end].kind != TextPiece::Kind::Tab)
+                ++end;
+            x = writeStretch(i, end, x);
+            i = end;
         }
         finishRun(x - m_gap);
     }
     void setColumnLeft(double left) { m_columnLeft = left; }
 
 private:
-    double writePiece(const TextPiece& piece, LetterWidth width, double x, bool isLast)
+    /// Pieces between tabs.
+    double writeStretch(std::uint32_t first, std::uint32_t end, double x)
     {
+        const auto& pieces = m_setter.m_text.pieces;
+        for (std::uint32_t i = first; i < end; ++i)
+            addToRun(pieces[i]);
+        const auto isTurned = [](const TextPiece& piece) { return piece.level != 0; };
+        if (std::none_of(pieces.begin() + first, pieces.begin() + end, isTurned)) {
+            for (std::uint32_t i = first; i < end; ++i)
+                x = writePiece(i, x, i + 1 == m_line.end);
+            return x;
+        }
+        std::vector<std::uint8_t> levels;
+        for (std::uint32_t i = first; i < end; ++i)
+            levels.push_back(pieces[i].level);
+        std::uint32_t left = end - first;
+        for (const std::uint32_t place : visualOrder(levels))
+            x = writePiece(first + place, x, --left == 0 && end == m_line.end);
+        return x;
+    }
+
+    void addToRun(const TextPiece& piece)
+    {
+        const ParagraphText& text = m_setter.m_text;
+        m_height = std::max(m_height, text.looks[piece.look].letters.height);
+        if (piece.kind == TextPiece::Kind::Stack)
+            m_text += text.stacks[piece.first].upper + U"/" + text.stacks[piece.first].lower;
+        else if (piece.kind == TextPiece::Kind::Space)
+            m_text += U' ';
+        else
+            m_text.append(text.letters, piece.first, piece.count);
+    }
+
+    double writePiece(std::uint32_t index, double x, bool isLast)
+    {
+        const TextPiece& piece = m_setter.m_text.pieces[index];
+        const LetterWidth width = m_setter.m_widths[index];
         const PieceLook& look = m_setter.m_text.looks[piece.look];
         m_gap = width.gap;
-        m_height = std::max(m_height, look.letters.height);
         double end = x + width.advance;
         double base = -m_line.baseline;
         if (piece.kind == TextPiece::Kind::Stack) {
@@ -285,19 +353,25 @@ private:
             const double tall = stackExtent(stack, look.letters, m_setter.m_pen).height;
             base += raised(look.place, tall, m_line.height);
             writeStack(stack, look.letters, {x, base}, m_setter.m_pen, m_map);
-            m_text += stack.upper + U"/" + stack.lower;
         } else if (piece.kind == TextPiece::Kind::Space) {
             end += m_stretch;
-            m_text += U' ';
         } else {
-            const auto word =
-                std::u32string_view(m_setter.m_text.letters).substr(piece.first, piece.count);
             base += raised(look.place, look.letters.height, m_line.height);
-            m_setter.m_pen.letters(word, look.letters, {x, base}, m_map);
-            m_text += word;
+            writeWord(index, {x, base});
         }
         m_setter.m_pen.linesAt(look.letters, {x, base}, isLast ? end - width.gap : end, m_map);
         return end;
+    }
+
+    void writeWord(std::uint32_t index, TvGePoint2d at)
+    {
+        const TextPiece& piece = m_setter.m_text.pieces[index];
+        const LetterLook& look = m_setter.m_text.looks[piece.look].letters;
+        if (const auto shaped = m_setter.m_shaped.find(index); shaped != m_setter.m_shaped.end())
+            return m_setter.m_pen.letters(shaped->second, look, at, m_map);
+        const auto word =
+            std::u32string_view(m_setter.m_text.letters).substr(piece.first, piece.count);
+        m_setter.m_pen.letters(word, look, at, m_map);
     }
 
     void finishRun(double end)
@@ -338,6 +412,8 @@ void TextSetter::write(const FlatMap& map)
             }
             if (!line.isLast && !hasTab && spaces > 0 && room > line.width)
                 stretch = (room - line.width) / spaces;
+            else if (m_text.paragraphs[line.paragraph].isRightToLeft)
+                shift = room - line.width; // where it begins
             break;
         }
         default: break;

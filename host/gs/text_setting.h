@@ -1,5 +1,7 @@
 #pragma once
 
+#include <unordered_map>
+
 #include "text_paragraphs.h"
 
 namespace gs {
@@ -51,6 +53,8 @@ private:
     };
 
     void measurePieces();
+    LetterWidth measureWord(std::uint32_t index, const Paragraph& paragraph);
+    TextStretch stretchOf(std::uint32_t word, const Paragraph& paragraph) const;
     void breakParagraph(std::uint32_t index);
     void addLine(Line line);
     void stackLines();
@@ -69,6 +73,8 @@ private:
     const TextFrame& m_frame;
     TextPen& m_pen;
     std::vector<LetterWidth> m_widths; // of pieces
+    // Of words whose letters change one another, by their numbers among the pieces.
+    std::unordered_map<std::uint32_t, std::vector<ShapedLetter>> m_shaped;
     std::vector<Line> m_lines;
     std::size_t m_columns = 1;
     SetText m_size;

@@ -16,10 +16,14 @@ namespace plot {
 struct UsedLetter {
     gs::Path outline;
     double advance = 0;
+    std::u16string text; ///< of a form: what it stands for
 };
 
-/// A font as one page uses it: the code of a letter is its character's place in the plane.
+/// A font as one page uses it: the code of a letter is its character's place in the plane, that of
+/// a form its number in the face.
 struct UsedFont {
+    static constexpr std::uint32_t kForms = 0x100; // in place of a plane
+
     gs::FontFace face;
     std::uint32_t plane = 0; ///< of Unicode
     std::map<std::uint16_t, UsedLetter> letters;

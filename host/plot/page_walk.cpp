@@ -153,8 +153,8 @@ private:
         m_letters.clear();
         m_list.letters(item.path, m_placed);
         for (const gs::PlacedLetter& letter : m_placed)
-            m_letters.push_back({letter.face, letter.character, letter.advance, letter.outline,
-                                 m_page.toPaper * letter.place});
+            m_letters.push_back({letter.face, letter.character, letter.form, letter.text,
+                                 letter.advance, letter.outline, m_page.toPaper * letter.place});
         m_sink.letters(mark, m_letters, m_list.path(item.path, m_room));
     }
 

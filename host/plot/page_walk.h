@@ -31,7 +31,9 @@ inline std::uint32_t plottedPart(const Page& page, const Mark& mark, const gs::C
 /// A letter of an outline font.
 struct Letter {
     const gs::FontFace* face = nullptr; // not owned
-    char32_t character = 0;
+    char32_t character = 0;             ///< 0: a form, as gs::Glyph has them
+    std::uint16_t form = 0;
+    std::u16string_view text; ///< of a form; of the list, or of the fonts
     double advance = 0;
     gs::PathView outline; ///< capitals are 1 high; none of blanks
     gs::FlatMap toMm;

@@ -15,6 +15,13 @@ namespace {
 
 constexpr std::size_t kMostRanges = 100; // in one block of a table of characters
 constexpr int kPacking = 9;
+// Of a table of characters.
+constexpr char kTableHead[] =
+    "/CIDInit /ProcSet findresource begin\n12 dict begin\nbegincmap\n"
+    "/CIDSystemInfo << /Registry (Adobe) /Ordering (UCS) /Supplement 0 >> def\n"
+    "/CMapName /Adobe-Identity-UCS def\n/CMapType 2 def\n"
+    "1 begincodespacerange\n<0000> <FFFF>\nendcodespacerange\n";
+constexpr char kTableEnd[] = "endcmap\nCMapName currentdict /CMap defineresource pop\nend\nend\n";
 
 /// UTF-16, hexadecimal.
 std::string hexOf(char32_t character)
@@ -37,10 +44,7 @@ std::string unicodeTable(const std::vector<std::uint16_t>& codes, std::uint32_t 
             ranges.back().last = code;
         else
             ranges.push_back({code, code});
-    std::string out = "/CIDInit /ProcSet findresource begin\n12 dict begin\nbegincmap\n"
-                      "/CIDSystemInfo << /Registry (Adobe) /Ordering (UCS) /Supplement 0 >> def\n"
-                      "/CMapName /Adobe-Identity-UCS def\n/CMapType 2 def\n"
-                      "1 begincodespacerange\n<0000> <FFFF>\nendcodespacerange\n";
+    std::string out = kTableHead;
     for (std::size_t first = 0; first < ranges.size(); first += kMostRanges) {
         const std::size_t end = std::min(first + kMostRanges, ranges.size());
         out += fmt::format("{} beginbfrange\n", end - first);
@@ -49,7 +53,29 @@ std::string unicodeTable(const std::vector<std::uint16_t>& codes, std::uint32_t 
                                hexOf(plane << 16 | ranges[i].first));
         out += "endbfrange\n";
     }
-    return out + "endcmap\nCMapName currentdict /CMap defineresource pop\nend\nend\n";
+    return out + kTableEnd;
+}
+
+/// The same for forms, each of which stands for what it tells.
+std::string formTable(const std::map<std::uint16_t, UsedLetter>& letters)
+{
+    std::vector<std::string> rows;
+    for (const auto& [code, letter] : letters) {
+        std::string text;
+        for (const char16_t unit : letter.text)
+            text += fmt::format("{:04X}", static_cast<unsigned>(unit));
+        if (!text.empty()) // else it is a part of one that stands before it
+            rows.push_back(fmt::format("<{:04X}> <{}>\n", code, text));
+    }
+    std::string out = kTableHead;
+    for (std::size_t first = 0; first < rows.size(); first += kMostRanges) {
+        const std::size_t end = std::min(first + kMostRanges, rows.size());
+        out += fmt::format("{} beginbfchar\n", end - first);
+        for (std::size_t i = first; i < end; ++i)
+            out += rows[i];
+        out += "endbfchar\n";
+    }
+    return out + kTableEnd;
 }
 
 /// Six letters that tell this selection of a font's letters from others.
@@ -131,7 +157,11 @@ void writeFont(PdfWriter& pdf, int font, const FontFile& file, int defaultWidth)
     for (const auto& [code, letter] : file.letters)
         codes.push_back(code);
     const int characters =
-        pdf.writeStream("", deflated(unicodeTable(codes, file.plane), kPacking), true);
+        pdf.writeStream("",
+                        deflated(file.plane == UsedFont::kForms ? formTable(file.letters)
+                                                                : unicodeTable(codes, file.plane),
+                                 kPacking),
+                        true);
     pdf.write(font, fmt::format("<< /Type /Font /Subtype /Type0 /BaseFont {} /Encoding /Identity-H "
                                 "/DescendantFonts [{} 0 R] /ToUnicode {} 0 R >>",
                                 name, inner, characters));
@@ -139,16 +169,35 @@ void writeFont(PdfWriter& pdf, int font, const FontFile& file, int defaultWidth)
 
 } // namespace
 
+/// Forms that stand for one thing on one page and for another on the next are of two fonts.
+PdfFonts::Font& PdfFonts::fontFor(const UsedFont& used)
+{
+    const auto agrees = [&used](const Font& font) {
+        return std::none_of(used.letters.begin(), used.letters.end(), [&font](const auto& letter) {
+            const auto known = font.used.letters.find(letter.first);
+            return known != font.used.letters.end() && !known->second.text.empty() &&
+                   !letter.second.text.empty() && known->second.text != letter.second.text;
+        });
+    };
+    auto& numbers = m_byKey[std::pair(used.face.key, used.plane)];
+    for (const std::size_t number : numbers)
+        if (agrees(m_fonts[number]))
+            return m_fonts[number];
+    numbers.push_back(m_fonts.size());
+    m_fonts.push_back({m_pdf.reserve(), {used.face, used.plane, {}}});
+    return m_fonts.back();
+}
+
 std::string PdfFonts::use(PageContent& content)
 {
     std::string fonts;
     for (std::size_t i = 0; i < content.fonts.size(); ++i) {
         UsedFont& used = content.fonts[i];
-        const auto key = std::pair(used.face.key, used.plane);
-        const auto [at, isNew] = m_byKey.emplace(key, m_fonts.size());
-        if (isNew)
-            m_fonts.push_back({m_pdf.reserve(), {used.face, used.plane, {}}});
-        Font& font = m_fonts[at->second];
+        Font& font = fontFor(used);
+        for (const auto& [code, letter] : used.letters)
+            if (const auto known = font.used.letters.find(code);
+                known != font.used.letters.end() && known->second.text.empty())
+                known->second.text = letter.text;
         font.used.letters.merge(used.letters);
         fonts += fmt::format("/F{} {} 0 R ", i, font.object);
     }

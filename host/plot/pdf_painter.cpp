@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <gs/picture.h>
+#include <gs/visual_text.h>
 
 #include "inflate.h"
 
@@ -13,9 +14,44 @@ namespace {
 constexpr double kUnitsPerMm = 100;
 constexpr int kMostPending = 400; // pieces in one path: viewers sort them
 
-constexpr double kLeastBlank = 0.25; // of the height of capitals, between words
+constexpr double kLeastBlank = 0.25;   // of the height of capitals, between words
+constexpr double kHiddenAdvance = 0.5; // of the letters of the font of hidden texts
 
 using Verb = gs::Path::Verb;
+
+/// In the font that has it.
+std::uint16_t codeOf(const Letter& letter)
+{
+    return letter.character == 0 ? letter.form
+                                 : static_cast<std::uint16_t>(letter.character & 0xFFFF);
+}
+
+/// A form that stands for nothing: what it is a part of is told by one before it.
+bool isPart(const Letter& letter)
+{
+    return letter.character == 0 && letter.text.empty();
+}
+
+/// Behind the letter at @p first and its parts.
+std::size_t endOfGroup(std::span<const Letter> letters, std::size_t first)
+{
+    std::size_t end = first + 1;
+    while (end < letters.size() && isPart(letters[end]))
+        ++end;
+    return end;
+}
+
+/// Several characters that run from right to left.
+bool isTurned(std::u16string_view text)
+{
+    return text.size() > 1 && gs::visualText(text) != text;
+}
+
+/// One of them may be told by others: then any will do.
+bool agrees(std::u16string_view known, std::u16string_view text)
+{
+    return known.empty() || text.empty() || known == text;
+}
 
 std::int32_t units(double mm)
 {
@@ -382,19 +418,28 @@ bool PdfPainter::fillWith(const Mark& mark, gs::PathView path, bool isEvenOdd)
 
 std::size_t PdfPainter::fontFor(const Letter& letter)
 {
-    const std::uint32_t plane = letter.character >> 16;
+    const std::uint32_t plane = letter.character == 0 ? UsedFont::kForms : letter.character >> 16;
+    const std::uint16_t code = codeOf(letter);
+    const auto isFor = [&](const UsedFont& font) {
+        if (font.plane != plane || font.face.key != letter.face->key)
+            return false;
+        if (plane != UsedFont::kForms)
+            return true;
+        // A form that stands for two things is two letters, and those are of two fonts.
+        const auto known = font.letters.find(code);
+        return known == font.letters.end() || agrees(known->second.text, letter.text);
+    };
     std::size_t i = 0;
-    while (i < m_content.fonts.size() &&
-           (m_content.fonts[i].plane != plane || m_content.fonts[i].face.key != letter.face->key))
+    while (i < m_content.fonts.size() && !isFor(m_content.fonts[i]))
         ++i;
     if (i == m_content.fonts.size())
         m_content.fonts.push_back({*letter.face, plane, {}});
     auto& letters = m_content.fonts[i].letters;
-    const auto code = static_cast<std::uint16_t>(letter.character & 0xFFFF);
     const auto at = letters.lower_bound(code);
     if (at == letters.end() || at->first != code) {
         UsedLetter used;
         used.advance = letter.advance;
+        used.text = letter.text;
         std::size_t index = 0;
         const auto next = [&] { return letter.outline.points[index++]; };
         for (const Verb verb : letter.outline.verbs)
@@ -409,6 +454,8 @@ std::size_t PdfPainter::fontFor(const Letter& letter)
             case Verb::Close: used.outline.close(); break;
             }
         letters.emplace_hint(at, code, std::move(used));
+    } else if (at->second.text.empty()) {
+        at->second.text = letter.text;
     }
     return i;
 }
@@ -483,7 +530,7 @@ std::size_t PdfPainter::writeLine(std::span<const Letter> letters, std::size_t f
             isArray = true;
             pen -= back / 1000.0;
         }
-        writeCode(codes, static_cast<std::uint16_t>(letters[i].character & 0xFFFF));
+        writeCode(codes, codeOf(letters[i]));
         pen += std::round(letters[i].advance * 1000) / 1000;
     }
     m_out.text(isArray ? "[(" : "(").text(codes).text(isArray ? ")]TJ\n" : ")Tj\n");
@@ -498,6 +545,64 @@ void PdfPainter::letters(const Mark& mark, std::span<const Letter> letters, gs::
     useFill(mark);
     m_out.text("BT\n");
     std::optional<std::size_t> font;
+    for (std::size_t first = 0; first < letters.size();) {
+        std::size_t end = endOfGroup(letters, first);
+        const bool isAlone = end == first + 1 && !isTurned(letters[first].text);
+        while (isAlone && end < letters.size() && endOfGroup(letters, end) == end + 1 &&
+               !isTurned(letters[end].text))
+            ++end;
+        if (isAlone)
+            writeLetters(letters.subspan(first, end - first), font);
+        else
+            writeGroup(letters.subspan(first, end - first), font);
+        first = end;
+    }
+    m_out.text("ET\n");
+}
+
+// Readers know what one letter stands for, and turn the order of those that run from right to left.
+// For several together they know it only by replacements, of which some take the order for that of
+// the page, and others the place for that of the last letter. So nothing replaces the letters, and
+// an unseen text in the order of the page stands over them.
+void PdfPainter::writeGroup(std::span<const Letter> letters, std::optional<std::size_t>& font)
+{
+    const gs::FlatMap& plane = letters.front().toMm;
+    const double determinant = plane.determinant();
+    if (!(std::abs(determinant) > 1e-12))
+        return;
+    std::vector<Letter> shapes(letters.begin(), letters.end());
+    double left = 0, right = 0, widest = -1;
+    for (Letter& shape : shapes) {
+        shape.text = {};
+        const double dx = shape.toMm.x0 - plane.x0, dy = shape.toMm.y0 - plane.y0;
+        const double x = (dx * plane.yy - dy * plane.xy) / determinant;
+        const bool isWidest = shape.advance > widest;
+        if (isWidest)
+            widest = shape.advance;
+        if (isTurned(letters.front().text)) { // the widest carries the others
+            left = isWidest ? x : left;
+            right = isWidest ? x + shape.advance : right;
+        } else {
+            left = std::min(left, x);
+            right = std::max(right, x + shape.advance);
+        }
+    }
+    m_out.text("/Span<</ActualText()>>BDC\n");
+    writeLetters(shapes, font);
+    m_out.text("EMC\n");
+    const std::u16string text = gs::visualText(letters.front().text);
+    const double each = kHiddenAdvance * static_cast<double>(text.size());
+    if (text.empty() || !(right > left))
+        return;
+    m_out.text("/FH 1 Tf 3 Tr\n");
+    textMatrix(plane * gs::FlatMap{(right - left) / each, 0, left, 0, 1, 0});
+    writeUnseen(text);
+    m_out.text("0 Tr\n");
+    font.reset();
+}
+
+void PdfPainter::writeLetters(std::span<const Letter> letters, std::optional<std::size_t>& font)
+{
     for (std::size_t i = 0; i < letters.size();) {
         const gs::FlatMap& map = letters[i].toMm;
         // Letters without width or height cannot be seen, and have no line.
@@ -511,15 +616,15 @@ void PdfPainter::letters(const Mark& mark, std::span<const Letter> letters, gs::
         }
         i = writeLine(letters, i);
     }
-    m_out.text("ET\n");
 }
 
 void PdfPainter::hiddenText(const Mark& mark, const gs::PlacedText& text)
 {
     if (!m_options.hasText || text.text.isEmpty())
         return;
-    constexpr double kAdvance = 0.5; // of the font of hidden texts
-    const double length = kAdvance * text.text.length();
+    // Who reads a page takes letters from left to right, and turns those that run the other way.
+    const std::u16string shown = gs::visualText(text.text.view());
+    const double length = kHiddenAdvance * static_cast<double>(shown.size());
     const gs::FlatMap there{text.along.x / length, text.up.x, text.origin.x,
                             text.along.y / length, text.up.y, text.origin.y};
     const gs::FlatMap toMm = gs::FlatMap::scaling(1 / kUnitsPerMm, 1 / kUnitsPerMm) * m_plane;
@@ -534,12 +639,18 @@ void PdfPainter::hiddenText(const Mark& mark, const gs::PlacedText& text)
     if (mark.layer != m_layer)
         useLayer(mark.layer);
     textMatrix(toMm * there);
+    writeUnseen(shown);
+}
+
+/// In the font of hidden texts.
+void PdfPainter::writeUnseen(std::u16string_view text)
+{
     std::string codes;
-    for (const TvChar unit : text.text.view()) {
+    for (const char16_t unit : text) {
         // What is beyond the first plane stands for itself in two halves, which mean nothing here.
-        const char16_t shown = unit >= 0xD800 && unit < 0xE000 ? u'\xFFFD' : unit;
-        m_content.hidden.insert(shown);
-        writeCode(codes, shown);
+        const char16_t known = unit >= 0xD800 && unit < 0xE000 ? u'\xFFFD' : unit;
+        m_content.hidden.insert(known);
+        writeCode(codes, known);
     }
     m_out.text("(").text(codes).text(")Tj\n");
 }

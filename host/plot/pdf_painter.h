@@ -63,6 +63,11 @@ private:
     std::int32_t shadingFor(const Mark& mark);
     void curve(Spot a, Spot b, Spot to);
     std::size_t fontFor(const Letter& letter);
+    /// All of one look; @p font is what was chosen last.
+    void writeLetters(std::span<const Letter> letters, std::optional<std::size_t>& font);
+    /// Letters that stand for characters together; which ones, is written unseen beside them.
+    void writeGroup(std::span<const Letter> letters, std::optional<std::size_t>& font);
+    void writeUnseen(std::u16string_view text);
     /// Letters from @p first on that stand on one line, as one text. @return the one behind them.
     std::size_t writeLine(std::span<const Letter> letters, std::size_t first);
     double blankOf(std::size_t font);

@@ -31,10 +31,11 @@ private:
         UsedFont used;
     };
     void writeHidden();
+    Font& fontFor(const UsedFont& used);
 
     PdfWriter& m_pdf;
     std::vector<Font> m_fonts;
-    std::map<std::pair<std::string, std::uint32_t>, std::size_t> m_byKey;
+    std::map<std::pair<std::string, std::uint32_t>, std::vector<std::size_t>> m_byKey;
     int m_hidden = 0; // 0: no page needs it
     std::set<char16_t> m_hiddenLetters;
 };

@@ -105,28 +105,20 @@ void setStampWanted(bool isWanted)
 
 namespace {
 
-/// The letters of a line, one unit high, from x = 0 on.
-struct StampLine {
-    std::vector<const gs::Glyph*> glyphs;
-    double length = 0;
-};
-
-StampLine lineOf(const TvString& text, gs::Fonts& fonts)
+std::vector<gs::ShapedLetter> lineOf(const TvString& text, gs::Fonts& fonts)
 {
     gs::FontName name;
     name.name = u"DejaVu Sans";
     name.isFamily = true;
-    gs::Font& font = fonts.find(name);
-    StampLine line;
+    std::u32string characters;
     const std::u16string_view units = text.view();
     for (std::size_t i = 0; i < units.size(); ++i) {
         char32_t character = units[i];
         if (character >= 0xD800 && character < 0xDC00 && i + 1 < units.size())
             character = 0x10000 + ((character - 0xD800) << 10) + (units[++i] - 0xDC00U);
-        line.glyphs.push_back(&fonts.glyph(font, character));
-        line.length += line.glyphs.back()->advance;
+        characters += character;
     }
-    return line;
+    return fonts.line(fonts.find(name), characters);
 }
 
 } // namespace
@@ -136,15 +128,17 @@ void walkStamp(const Page& page, const Stamp& stamp, const TvString& text, PageS
     constexpr double kGapMm = 2; // from the edge of the paper
     if (text.isEmpty())
         return;
-    thread_local gs::Fonts fonts; // finding them takes longer than drawing the page
-    const StampLine line = lineOf(text, fonts);
+    const std::vector<gs::ShapedLetter> line = lineOf(text, gs::Fonts::ofThread());
+    double length = 0;
+    for (const gs::ShapedLetter& letter : line)
+        length += letter.advance;
     const double height = std::clamp(stamp.heightMm, kLeastMm, kMostMm);
     const bool isRight =
         stamp.corner == Stamp::Corner::LowerRight || stamp.corner == Stamp::Corner::UpperRight;
     const bool isUpper =
         stamp.corner == Stamp::Corner::UpperLeft || stamp.corner == Stamp::Corner::UpperRight;
     const double left =
-        std::max(isRight ? page.widthMm - kGapMm - line.length * height : kGapMm, kGapMm);
+        std::max(isRight ? page.widthMm - kGapMm - length * height : kGapMm, kGapMm);
     const double base = isUpper ? page.heightMm - kGapMm - height : kGapMm;
     Mark mark;
     mark.clip = Mark::kWholePaper;
@@ -153,11 +147,15 @@ void walkStamp(const Page& page, const Stamp& stamp, const TvString& text, PageS
     std::vector<Letter> letters;
     gs::Path outline, strokes;
     double x = left;
-    for (const gs::Glyph* glyph : line.glyphs) {
-        const gs::FlatMap place{height, 0, x, 0, height, base};
+    for (const gs::ShapedLetter& shaped : line) {
+        const gs::Glyph* const glyph = shaped.glyph;
+        const gs::FlatMap place{height, 0,      x + shaped.x * height,
+                                0,      height, base + shaped.y * height};
         if (glyph->isFilled && glyph->face) {
             letters.push_back({glyph->face,
                                glyph->character,
+                               glyph->form,
+                               glyph->text,
                                glyph->advance,
                                {glyph->path.verbs(), glyph->path.points()},
                                place});
@@ -165,7 +163,7 @@ void walkStamp(const Page& page, const Stamp& stamp, const TvString& text, PageS
         } else {
             gs::appendMapped(strokes, glyph->path, place);
         }
-        x += glyph->advance * height;
+        x += shaped.advance * height;
     }
     if (!letters.empty())
         sink.letters(mark, letters, {outline.verbs(), outline.points()});

@@ -50,9 +50,13 @@ TEST(ListLetters, AreWhatTheShapeOfTheTextIs)
         double rotation, oblique, widthFactor;
     };
     constexpr Row kRows[] = {
-        {u"Level 7, room \u00E9", 0, 0, 1},       {u"turned", 0.7, 0, 1},
-        {u"upright", std::numbers::pi / 2, 0, 1}, {u"leaning and wide", 0, 0.3, 1.8},
+        {u"Level 7, room \u00E9", 0, 0, 1},
+        {u"turned", 0.7, 0, 1},
+        {u"upright", std::numbers::pi / 2, 0, 1},
+        {u"leaning and wide", 0, 0.3, 1.8},
         {u"a %%ulined%%u word", 0.2, 0, 1},
+        {u"\u0628\u0628\u0644\u0627", 0, 0.2, 1.5}, // joined
+        {u"\u05E9\u05BC\u05DC", 0.3, 0, 0.7},       // with a mark
     };
     for (const Row& row : kRows) {
         DrawingScene scene;

@@ -23,7 +23,6 @@ class UserPrompts;
 
 namespace gs {
 class ExactTextMeasure;
-class Fonts;
 } // namespace gs
 
 namespace app {
@@ -84,7 +83,6 @@ private:
     TarvikConfig m_config;
     rx::FolderModuleLoader m_loader;
     TvDbHostApplicationServices m_services;
-    std::unique_ptr<gs::Fonts> m_fonts;
     std::unique_ptr<gs::ExactTextMeasure> m_textMeasure;
     WorkspaceManager m_workspaces;
     TvEditor m_editor;

@@ -125,10 +125,12 @@ struct PlacedText {
 /// A letter of an outline font where it stands; good as long as the list.
 struct PlacedLetter {
     const FontFace* face = nullptr; ///< never null
-    char32_t character = 0;
-    double advance = 0; ///< to where the next one begins
-    PathView outline;   ///< filled, non-zero; capitals are 1 high. Blanks have none.
-    FlatMap place;      ///< from the letter's own plane to that of the list
+    char32_t character = 0;         ///< 0: a form, as Glyph has them
+    std::uint16_t form = 0;
+    std::u16string_view text; ///< of a form
+    double advance = 0;       ///< to where the next one begins
+    PathView outline;         ///< filled, non-zero; capitals are 1 high. Blanks have none.
+    FlatMap place;            ///< from the letter's own plane to that of the list
 };
 
 /// The place of a picture or page of another file: a parallelogram. Its frame is among the items.
@@ -251,7 +253,9 @@ private:
         Box box;
         double advance = 0;
         char32_t character = 0;
+        std::uint16_t form = 0;
         std::uint32_t face = kNoFace; // among m_faces
+        std::u16string text;          // of a form
     };
 
     /// Letters beside each other.

@@ -10,13 +10,15 @@ namespace gs {
 class ExactTextMeasure : public db::TextMeasure
 {
 public:
+    /// With the fonts that drawings share, in whichever thread it is asked.
+    ExactTextMeasure() = default;
     /// @param fonts  not owned; must outlive this.
-    explicit ExactTextMeasure(Fonts& fonts) : m_fonts(fonts) {}
+    explicit ExactTextMeasure(Fonts& fonts) : m_fonts(&fonts) {}
 
     double width(std::u16string_view line, const db::TextLook& look) override;
 
 private:
-    Fonts& m_fonts;
+    Fonts* m_fonts = nullptr; // not owned; null: those of the thread
 };
 
 } // namespace gs

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <gs/path.h>
 
@@ -31,8 +34,30 @@ struct Glyph {
     bool isFilled = false;          ///< of an outline font
     double advance = 0;             ///< to where the next one begins
     double gap = 0;                 ///< the part of the advance that is space between letters
-    char32_t character = 0;         ///< of an outline font
+    char32_t character = 0;         ///< of an outline font; 0: a form that no character has alone
+    std::uint16_t form = 0;         ///< of such a form: its number in its face
+    std::u16string text;            ///< what that form stands for; "": it belongs to one before it
     const FontFace* face = nullptr; ///< of an outline font; lives as long as its Fonts
+};
+
+/// A part of a text that is written in one direction, and with it what stands around it: letters
+/// join with their neighbours.
+struct TextStretch {
+    std::u32string_view text;
+    std::size_t first = 0, count = 0;
+    bool isRightToLeft = false;
+
+    std::u32string_view own() const { return text.substr(first, count); }
+};
+
+/// A letter whose neighbours have been looked at. Lengths in heights of capitals.
+struct ShapedLetter {
+    const Glyph* glyph = nullptr; ///< never null; its Fonts'
+    double x = 0, y = 0;          ///< from the pen to where it stands
+    double advance = 0;           ///< of the pen
+    std::uint32_t character = 0;  ///< the first one in the text that it stands for
+    bool endsGroup = true;        ///< the next one does not stand on or under it
+    bool isJoined = false;        ///< with its neighbours: no room may come between them
 };
 
 /// What one font has. Lives as long as its Fonts.
@@ -42,6 +67,10 @@ public:
     virtual ~Font() = default;
     /// The letter for a character; null when this font has none. The answer stays where it is.
     virtual const Glyph* glyph(char32_t character) = 0;
+    /// Appends the letters of a stretch as they stand from left to right. Here: character by
+    /// character, and what nobody sees left out.
+    /// @pre it has a letter for every character that is to be seen; others are left out.
+    virtual void shape(const TextStretch& stretch, std::vector<ShapedLetter>& out);
 };
 
 /// All fonts for drawing texts, each found and read once.
@@ -58,10 +87,18 @@ public:
     Fonts(const Fonts&) = delete;
     Fonts& operator=(const Fonts&) = delete;
 
+    /// Those that all drawings share that are drawn in this thread.
+    static Fonts& ofThread();
+
     /// Never fails: a machine without outline fonts draws with strokes.
     Font& find(const FontName& name);
     /// The letter of @p font; of another font when that has none; a box when nobody has it.
     const Glyph& glyph(Font& font, char32_t character);
+    /// The letters of a stretch as they stand from left to right, in the forms that their
+    /// neighbours ask for. What @p font lacks is lent by others, a letter with all its marks.
+    void shape(Font& font, const TextStretch& stretch, std::vector<ShapedLetter>& out);
+    /// The letters of a line, whose directions follow from its characters.
+    std::vector<ShapedLetter> line(Font& font, std::u32string_view text);
 
 private:
     struct Impl;
