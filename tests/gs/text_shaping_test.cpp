@@ -175,8 +175,11 @@ TEST(ShapedText, ShowsBoxesForWhatNobodyHas)
 
 TEST(ShapedText, ShowsNothingOfMarksOfDirection)
 {
-    for (gs::Font* const with : {&font(), &strokes()})
-        EXPECT_EQ(order(line(U"A\u200E\u200B\u202AB\u202C", *with)), (Order{0, 4}));
+    for (gs::Font* const with : {&font(), &strokes()}) {
+        const auto letters = line(U"A\u200E\u200B\u202AB\u202C", *with);
+        EXPECT_EQ(order(letters), (Order{0, 4}));
+        EXPECT_EQ(letters.at(0).glyph, &testFonts().glyph(*with, U'A')); // not a form
+    }
 }
 
 TEST(ShapedText, ReordersDevanagari)
@@ -297,16 +300,25 @@ TEST(ShapedParagraphs, AreNotTornApartByTracking)
 
 TEST(ShapedParagraphs, SlantMarksWithTheirLetters)
 {
-    const auto shape = [](double oblique) {
+    const auto points = [](double oblique) {
         TvDbText text;
         setText(text, u"H\u0301");
         text.setOblique(oblique);
-        return shapeOf(text, testFonts());
+        const gs::TextShape shape = shapeOf(text, testFonts());
+        std::vector<TvGePoint2d> all;
+        for (const TvGePoint2d& point : shape.parts.at(0).path.points())
+            all.push_back(point);
+        return all;
     };
-    const double slant = std::tan(0.5), top = shape(0).extents.highY;
-    EXPECT_GT(top, 1.1);
-    EXPECT_GT(shape(0.5).extents.highX, shape(0).extents.center().x + slant * 1.05);
-    EXPECT_NEAR(shape(0.5).extents.highY, top, 1e-9);
+    const auto upright = points(0), slanted = points(0.5);
+    ASSERT_EQ(upright.size(), slanted.size());
+    double top = 0;
+    for (std::size_t i = 0; i < upright.size(); ++i) {
+        EXPECT_NEAR(slanted[i].x, upright[i].x + std::tan(0.5) * upright[i].y, 1e-9);
+        EXPECT_NEAR(slanted[i].y, upright[i].y, 1e-9);
+        top = std::max(top, upright[i].y);
+    }
+    EXPECT_GT(top, 1.1); // the mark
 }
 
 TEST(HostileShapedText, IsDrawnWithoutEndlessWork)
