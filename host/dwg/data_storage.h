@@ -19,17 +19,18 @@ public:
 
     /// The picture kept for the object; none when there is none or it is of a kind we do not know.
     db::Preview pictureOf(std::uint64_t handle) const;
-    /// Whether anything is kept for the object.
-    bool has(std::uint64_t handle) const { return m_data.count(handle) != 0; }
+    /// The body that a modeler wrote for the object, in binary; empty when there is none.
+    std::vector<std::uint8_t> bodyOf(std::uint64_t handle) const;
 
 private:
     Bytes segment(std::uint32_t index) const;
     void addRecord(std::uint32_t index, std::uint32_t place);
+    std::vector<std::uint8_t> joinedPages(Bytes list) const;
 
     Bytes m_section;
     std::uint64_t m_indexAt = 0; // where the index of segments has its entries
     std::uint32_t m_segmentCount = 0;
-    std::unordered_map<std::uint64_t, Bytes> m_data; // by handle
+    std::unordered_map<std::uint64_t, Bytes> m_data; // by handle; or the list of its pages
 };
 
 } // namespace dwg

@@ -242,13 +242,23 @@ db::Preview DwgFile::preview() const
     return pictureOf(*section, readU32(m_raw.fileBytes().data() + kPreviewFieldAt));
 }
 
-db::Preview DwgFile::thumbnail(std::uint64_t handle) const
+const DataStorage& DwgFile::storage() const
 {
     if (!m_storage) {
         const auto section = m_raw.section(section::kDataStorage);
         m_storage = std::make_unique<DataStorage>(section ? *section : Bytes());
     }
-    return m_storage->pictureOf(handle);
+    return *m_storage;
+}
+
+db::Preview DwgFile::thumbnail(std::uint64_t handle) const
+{
+    return storage().pictureOf(handle);
+}
+
+std::vector<std::uint8_t> DwgFile::modelerData(std::uint64_t handle) const
+{
+    return storage().bodyOf(handle);
 }
 
 std::vector<base::Status> DwgFile::check() const

@@ -34,6 +34,7 @@ public:
     std::optional<db::SummaryInfo> summary() const override;
     db::Preview preview() const override;
     db::Preview thumbnail(std::uint64_t handle) const override;
+    std::vector<std::uint8_t> modelerData(std::uint64_t handle) const override;
     int codePage() const override { return m_raw.codePage(); }
     std::vector<base::Status> check() const override;
 
@@ -48,6 +49,7 @@ private:
     explicit DwgFile(RawDrawing raw);
     std::optional<db::SummaryInfo> summaryOfRecord() const;
     db::ObjectKind kindOfType(int type) const;
+    const DataStorage& storage() const;
 
     RawDrawing m_raw;
     ObjectClasses m_classes;

@@ -1,5 +1,6 @@
 #include "drawers.h"
 
+#include <db/modeler_data.h>
 #include <db/tv_db_curves.h>
 #include <ge/ocs.h>
 
@@ -144,7 +145,7 @@ void modelerWires(Scene& scene, const TvDbEntity& entity)
         }
     }
     if (path.isEmpty())
-        addSolidEdges(path, entity.fields());
+        addSolidEdges(path, db::modelerData(entity));
     if (!path.isEmpty()) {
         scene.stroke();
         return;

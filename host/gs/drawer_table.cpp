@@ -27,6 +27,8 @@ Drawer drawerFor(std::string_view className)
         {"REGION", draw::modelerWires},
         {"3DSOLID", draw::modelerWires},
         {"BODY", draw::modelerWires},
+        // Surfaces, of which but the body is known.
+        {"RAW_ENTITY", draw::modelerWires},
         {"INSERT", draw::insert},
         {"MINSERT", draw::insertArray},
         {"ACAD_TABLE", draw::table},

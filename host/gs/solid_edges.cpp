@@ -1,232 +1,115 @@
 #include "solid_edges.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
+#include <limits>
 #include <numbers>
-#include <optional>
-#include <string>
 
-#include <db/ge_values.h>
+#include "solid_outlines.h"
 
 namespace gs {
 
 namespace {
 
-constexpr std::size_t kLongestText = 64U << 20;
-
-/// The text: its bytes are kept mirrored, but for blanks and ends of lines.
-std::string textOf(const db::RecordView& solid)
+void addBow(SpacePath& path, const SolidEllipse& ellipse, const SolidEdge& edge)
 {
-    constexpr std::uint8_t kLastPlain = 32, kMirror = 159;
-    std::string text;
-    const db::ArrayView blocks = solid.array("sat");
-    for (std::uint32_t i = 0; i < blocks.size() && text.size() < kLongestText; ++i)
-        for (const std::uint8_t byte : blocks[i].bytes("data"))
-            text += static_cast<char>(byte > kLastPlain ? kMirror - byte : byte);
-    return text;
+    const double uu = ellipse.u.dotProduct(ellipse.u), vv = ellipse.v.dotProduct(ellipse.v);
+    const auto angleOf = [&](const TvGePoint3d& point) {
+        const TvGeVector3d way = point - ellipse.center;
+        return std::atan2(way.dotProduct(ellipse.v) / vv, way.dotProduct(ellipse.u) / uu);
+    };
+    double from = angleOf(edge.start), to = angleOf(edge.end);
+    if (edge.isReversed)
+        std::swap(from, to);
+    if (to <= from + 1e-9)
+        to += 2 * std::numbers::pi;
+    path.bow(ellipse.center, ellipse.u, ellipse.v, from, to);
 }
 
-using Tokens = std::vector<std::string_view>;
-
-Tokens tokensOf(std::string_view record)
+double sizeOf(const SplineCurve& curve)
 {
-    constexpr std::string_view kBlanks = " \t\r\n";
-    Tokens tokens;
-    for (;;) {
-        const std::size_t begin = record.find_first_not_of(kBlanks);
-        if (begin == std::string_view::npos)
-            return tokens;
-        record.remove_prefix(begin);
-        const std::size_t end = std::min(record.find_first_of(kBlanks), record.size());
-        tokens.push_back(record.substr(0, end));
-        record.remove_prefix(end);
-    }
+    double size = 0;
+    for (const TvGePoint3d& point : curve.controls)
+        size = std::max(size, point.distanceTo(curve.controls.front()));
+    return size;
 }
 
-/// The number of the record that a token points to; nullopt for other tokens and for none.
-std::optional<std::size_t> targetOf(std::string_view token)
+/// Which part of the curve the edge takes is told in various ways: the one that joins its corners
+/// is right. False when none does.
+bool addSplineEdge(SpacePath& path, const SplineCurve& curve, const SolidEdge& edge)
 {
-    if (token.size() < 2 || token[0] != '$' || token[1] == '-')
-        return std::nullopt;
-    std::size_t number = 0;
-    const char* const end = token.data() + token.size();
-    const auto read = std::from_chars(token.data() + 1, end, number);
-    return read.ptr == end && read.ec == std::errc() ? std::optional(number) : std::nullopt;
-}
-
-std::optional<double> realOf(std::string_view token)
-{
-    double number = 0;
-    const char* const end = token.data() + token.size();
-    const auto read = std::from_chars(token.data(), end, number);
-    return read.ptr == end && read.ec == std::errc() && std::isfinite(number)
-               ? std::optional(number)
-               : std::nullopt;
-}
-
-/// The records of a body, by their numbers.
-class Body
-{
-public:
-    explicit Body(std::string_view text)
-    {
-        for (;;) {
-            const std::size_t end = text.find('#');
-            if (end == std::string_view::npos)
-                break;
-            m_records.push_back(tokensOf(text.substr(0, end)));
-            text.remove_prefix(end + 1);
-        }
-        if (!m_records.empty())
-            dropHeader(m_records.front());
-        for (std::size_t i = 0; i < m_records.size(); ++i)
-            if (isA(i, "transform"))
-                m_place = placeOf(m_records[i]);
-    }
-
-    void addEdges(SpacePath& path) const
-    {
-        SpacePath edges;
-        for (std::size_t i = 0; i < m_records.size(); ++i)
-            if (isA(i, "edge"))
-                addEdge(edges, m_records[i]);
-        edges.transform(m_place);
-        path.append(edges);
-    }
-
-private:
-    /// Before the first record stand three lines of versions and units.
-    static void dropHeader(Tokens& first)
-    {
-        for (std::size_t i = 0; i + 1 < first.size(); ++i)
-            if (std::isalpha(static_cast<unsigned char>(first[i][0])) && first[i + 1][0] == '$') {
-                first.erase(first.begin(), first.begin() + static_cast<std::ptrdiff_t>(i));
-                return;
-            }
-    }
-
-    bool isA(std::size_t record, std::string_view name) const
-    {
-        if (record >= m_records.size() || m_records[record].empty())
+    constexpr double kClose = 1e-4; // of its size
+    constexpr double kEverywhere = std::numeric_limits<double>::infinity();
+    const double near = kClose * sizeOf(curve);
+    const auto joinsCorners = [&](const SpacePath& piece) {
+        if (piece.isEmpty())
             return false;
-        const Tokens& tokens = m_records[record];
-        // A record may tell its own number first.
-        const std::string_view first =
-            tokens[0][0] == '-' && tokens.size() > 1 ? tokens[1] : tokens[0];
-        return first == name;
-    }
-
-    /// The first record of that kind that @p from points to.
-    std::optional<std::size_t> pointedTo(const Tokens& from, std::string_view name,
-                                         std::size_t skip = 0) const
-    {
-        for (const std::string_view token : from)
-            if (const auto target = targetOf(token); target && isA(*target, name) && skip-- == 0)
-                return target;
-        return std::nullopt;
-    }
-
-    /// The numbers of a record from its end on, or its beginning.
-    static std::vector<double> numbersOf(const Tokens& tokens)
-    {
-        std::vector<double> numbers;
-        for (std::size_t i = 1; i < tokens.size(); ++i)
-            if (const auto number = realOf(tokens[i]); number)
-                numbers.push_back(*number);
-        return numbers;
-    }
-
-    std::optional<TvGePoint3d> placeOfVertex(const Tokens& edge, std::size_t which) const
-    {
-        const auto vertex = pointedTo(edge, "vertex", which);
-        const auto point = vertex ? pointedTo(m_records[*vertex], "point") : std::nullopt;
-        if (!point)
-            return std::nullopt;
-        const std::vector<double> numbers = numbersOf(m_records[*point]);
-        if (numbers.size() < 3)
-            return std::nullopt;
-        const double* const last = numbers.data() + numbers.size() - 3;
-        return TvGePoint3d(last[0], last[1], last[2]);
-    }
-
-    void addEdge(SpacePath& path, const Tokens& edge) const
-    {
-        const auto start = placeOfVertex(edge, 0);
-        auto end = placeOfVertex(edge, 1);
-        if (!start)
-            return;
-        if (!end) // one vertex, from which the edge runs back to itself
-            end = start;
-        const auto curve = pointedTo(edge, "ellipse-curve");
-        if (curve && addBow(path, numbersOf(m_records[*curve]), *start, *end,
-                            std::find(edge.begin(), edge.end(), "reversed") != edge.end()))
-            return;
-        path.moveTo(*start);
-        path.lineTo(*end);
-    }
-
-    /// @param curve  middle, normal, longer radius as a vector, the shorter one by it.
-    static bool addBow(SpacePath& path, const std::vector<double>& curve, const TvGePoint3d& start,
-                       const TvGePoint3d& end, bool isReversed)
-    {
-        constexpr std::size_t kNumbers = 10;
-        // Records of later versions count something before them.
-        if (curve.size() < kNumbers)
-            return false;
-        std::size_t at = 0;
-        while (at + kNumbers < curve.size() &&
-               !isUnit({curve[at + 3], curve[at + 4], curve[at + 5]}))
-            ++at;
-        const double* const n = curve.data() + at;
-        const TvGePoint3d center(n[0], n[1], n[2]);
-        const TvGeVector3d normal(n[3], n[4], n[5]), u(n[6], n[7], n[8]);
-        const TvGeVector3d v = normal.crossProduct(u) * n[9];
-        const double uu = u.dotProduct(u), vv = v.dotProduct(v);
-        if (!isUnit(normal) || !(uu > 0) || !(vv > 0))
-            return false;
-        const auto angleOf = [&](const TvGePoint3d& point) {
-            const TvGeVector3d way = point - center;
-            return std::atan2(way.dotProduct(v) / vv, way.dotProduct(u) / uu);
+        const TvGePoint3d &first = piece.points().front(), &last = piece.points().back();
+        const auto areEnds = [&](const TvGePoint3d& a, const TvGePoint3d& b) {
+            return a.distanceTo(edge.start) <= near && b.distanceTo(edge.end) <= near;
         };
-        double from = angleOf(start), to = angleOf(end);
-        if (isReversed)
-            std::swap(from, to);
-        if (to <= from + 1e-9)
-            to += 2 * std::numbers::pi;
-        path.bow(center, u, v, from, to);
-        return true;
+        return areEnds(first, last) || areEnds(last, first);
+    };
+    std::vector<std::pair<double, double>> ranges;
+    if (edge.range) {
+        const auto [low, high] = std::minmax(edge.range->first, edge.range->second);
+        ranges = {{low, high}, {-high, -low}};
+        if (edge.isReversed)
+            std::swap(ranges[0], ranges[1]);
     }
-
-    static bool isUnit(const TvGeVector3d& vector) { return std::abs(vector.length() - 1) < 1e-6; }
-
-    /// Three rows that a point is multiplied with from the left, the way, and the scale.
-    static TvGeMatrix3d placeOf(const Tokens& transform)
-    {
-        const std::vector<double> n = numbersOf(transform);
-        constexpr std::size_t kNumbers = 13;
-        TvGeMatrix3d place;
-        if (n.size() < kNumbers)
-            return place;
-        for (std::size_t row = 0; row < 3; ++row) {
-            for (std::size_t column = 0; column < 3; ++column)
-                place.entry[row][column] = n[column * 3 + row] * n[12];
-            place.entry[row][3] = n[9 + row];
+    ranges.emplace_back(-kEverywhere, kEverywhere);
+    for (const auto& [from, to] : ranges) {
+        SpacePath piece;
+        addSplinePart(piece, curve, from, to);
+        if (joinsCorners(piece)) {
+            path.append(piece);
+            return true;
         }
-        return place;
     }
+    return false;
+}
 
-    std::vector<Tokens> m_records;
-    TvGeMatrix3d m_place;
-};
+void addEdge(SpacePath& path, SolidModel& model, const SolidEdge& edge)
+{
+    if (edge.curveKind == ModelerKind::EllipseCurve) {
+        if (const auto ellipse = model.ellipse(edge.curve); ellipse)
+            return addBow(path, *ellipse, edge);
+    } else if (edge.curveKind == ModelerKind::SplineCurve) {
+        const auto spline = model.spline(edge.curve);
+        if (spline && addSplineEdge(path, *spline, edge))
+            return;
+    }
+    if (edge.start == edge.end)
+        return;
+    path.moveTo(edge.start);
+    path.lineTo(edge.end);
+}
+
+bool isFinite(const SpacePath& path)
+{
+    return std::all_of(path.points().begin(), path.points().end(), [](const TvGePoint3d& point) {
+        return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+    });
+}
 
 } // namespace
 
-void addSolidEdges(SpacePath& path, const db::RecordView& solid)
+void addSolidEdges(SpacePath& path, std::span<const std::uint8_t> body)
 {
-    const std::string text = textOf(solid);
-    if (!text.empty())
-        Body(text).addEdges(path);
+    SolidModel model(body);
+    const TvGeMatrix3d place = model.place();
+    SolidOutlines outlines(model);
+    SpacePath piece;
+    for (std::size_t i = 0; i < model.records().size(); ++i) {
+        piece.clear();
+        if (const auto edge = model.edge(i); edge)
+            addEdge(piece, model, *edge);
+        else
+            outlines.addFace(piece, i);
+        piece.transform(place);
+        if (isFinite(piece))
+            path.append(piece);
+    }
 }
 
 } // namespace gs

@@ -1,15 +1,17 @@
 #pragma once
 
-#include <db/record.h>
+#include <cstdint>
+#include <span>
 
 #include "space_path.h"
 
 namespace gs {
 
-/// Adds the edges of a body that its modeler left as text (drawings up to 2010): straight ones, and
-/// pieces of circles and ellipses; other curves as the line between their ends.
-/// @param solid  the fields of a solid, body or region. One that is kept in binary has no edges
-/// here.
-void addSolidEdges(SpacePath& path, const db::RecordView& solid);
+/// Adds the edges of a body as its modeler wrote it, in text or in binary: straight ones, pieces of
+/// circles, ellipses and free curves; other curves as the line between their ends. Beside them some
+/// lines on round faces (solid_outlines.h). What cannot be understood is left out.
+/// @param body  any bytes; see db::modelerData.
+/// @note O(bytes).
+void addSolidEdges(SpacePath& path, std::span<const std::uint8_t> body);
 
 } // namespace gs

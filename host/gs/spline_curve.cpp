@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include <ge/tv_db_extents.h>
 
@@ -117,6 +118,12 @@ std::vector<TvGeVector3d> speedsThrough(const std::vector<TvGePoint3d>& points,
 
 void addSpline(SpacePath& path, const SplineCurve& curve)
 {
+    constexpr double kEverywhere = std::numeric_limits<double>::infinity();
+    addSplinePart(path, curve, -kEverywhere, kEverywhere);
+}
+
+void addSplinePart(SpacePath& path, const SplineCurve& curve, double from, double to)
+{
     constexpr int kPiecesOfSpan = 8; // of curves that no cubic follows exactly
     const std::size_t n = curve.controls.size();
     if (n < 2)
@@ -136,17 +143,18 @@ void addSpline(SpacePath& path, const SplineCurve& curve)
     const int pieces = isRational || degree > 3 ? kPiecesOfSpan : 1;
     bool isFirst = true;
     for (std::size_t span = order; span < n; ++span) {
-        const double low = knots[span], step = (knots[span + 1] - low) / pieces;
+        const double low = std::max(knots[span], from), high = std::min(knots[span + 1], to);
+        const double step = (high - low) / pieces;
         if (!(step > 0))
             continue;
-        PointAndSpeed from = evaluate(controls, knots, order, span, low);
+        PointAndSpeed last = evaluate(controls, knots, order, span, low);
         if (std::exchange(isFirst, false))
-            path.moveTo(from.point);
+            path.moveTo(last.point);
         for (int i = 1; i <= pieces; ++i) {
-            const double u = i == pieces ? knots[span + 1] : low + i * step;
-            const PointAndSpeed to = evaluate(controls, knots, order, span, u);
-            addPiece(path, from, to, step);
-            from = to;
+            const double u = i == pieces ? high : low + i * step;
+            const PointAndSpeed next = evaluate(controls, knots, order, span, u);
+            addPiece(path, last, next, step);
+            last = next;
         }
     }
 }

@@ -17,6 +17,8 @@ struct SplineCurve {
 /// Appends @p curve as cubic pieces: exactly for up to degree 3 without weights, else one for each
 /// of several parts of a knot's span. Knots that do not fit are replaced by even ones.
 void addSpline(SpacePath& path, const SplineCurve& curve);
+/// The same of a part of it, between two parameters; nothing when @p from is not below @p to.
+void addSplinePart(SpacePath& path, const SplineCurve& curve, double from, double to);
 
 /// Appends a smooth curve through @p points: a natural cubic spline.
 ///

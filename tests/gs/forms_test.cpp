@@ -93,9 +93,9 @@ TEST(Forms, AreThereForEveryEntityThatCanBeSeen)
 {
     // Parts of others, and what nobody understands.
     const std::set<std::string_view> kWithout = {
-        "BLOCK",        "ENDBLK",      "SEQEND",       "VERTEX_2D",
-        "VERTEX_3D",    "VERTEX_MESH", "VERTEX_PFACE", "VERTEX_PFACE_FACE",
-        "PROXY_ENTITY", "RAW_ENTITY"};
+        "BLOCK",       "ENDBLK",      "SEQEND",       "VERTEX_2D",
+        "VERTEX_3D",   "VERTEX_MESH", "VERTEX_PFACE", "VERTEX_PFACE_FACE",
+        "PROXY_ENTITY"};
     for (const db::ClassDef* of : db::allClasses())
         if (of->isEntity()) {
             EXPECT_EQ(gs::drawerFor(of->name()) == nullptr, kWithout.contains(of->name()))

@@ -100,6 +100,9 @@ public:
     virtual Preview preview() const = 0;
     /// The picture that the file keeps for the object (a layout, a view) outside its record.
     virtual Preview thumbnail(std::uint64_t handle) const = 0;
+    /// The body that the file keeps for the object (a solid, a region, a surface) outside its
+    /// record, as its modeler wrote it; empty when there is none.
+    virtual std::vector<std::uint8_t> modelerData(std::uint64_t /*handle*/) const { return {}; }
     /// The number of the code page of 8-bit texts, as in the headers of DWG files.
     virtual int codePage() const = 0;
     /// Reads everything, and tells what is wrong with the file as a file (checksums, sizes, pages):
