@@ -11,6 +11,7 @@
 #include <core/short_variable.h>
 #include <core/templates.h>
 #include <core/tv_sm_db_reactor.h>
+#include <core/watch_poller.h>
 #include <db/tv_db_dictionary.h>
 #include <db/tv_db_layout.h>
 #include <ed/tv_ap_doc_manager.h>
@@ -45,6 +46,8 @@ public:
             return;
         if (manager->findOpenDatabase(named))
             return RemoveSheetData(&m_drawing); // it is open, and did not want this drawing
+        if (!core::answersInTime(named))
+            return; // it is left alone: who opened a drawing does not wait for its set
         TvSmDatabase* opened = manager->openDatabase(named, true, 0);
         if (!opened)
             return askWhetherToForget(named);

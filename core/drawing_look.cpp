@@ -55,17 +55,22 @@ void askForFile(DrawingFacts& facts)
             CFileOpenInfoTipManager::GetInfoFromHideFile(facts.stored, facts.user, facts.machine);
 }
 
-/// By name first, and only then on the disk: other drawings may lie where nothing answers.
-TvString documentWith(const TvString& path, const std::vector<TvString>& documents)
+/// By name first, and only then by the file: only the one that is meant is asked about.
+TvString documentWith(const TvString& path,
+                      const std::vector<DrawingLook::Question::OpenDrawing>& documents)
 {
-    const base::PathRules& rules = base::PathRules::native();
-    const auto isIt = [&](const TvString& document) {
-        return rules.isSame(document, path) ||
-               (base::equalNoCase(rules.fileNameOf(document), rules.fileNameOf(path)) &&
-                KvFileSystem::isSameFile(document, path));
-    };
-    const auto found = std::ranges::find_if(documents, isIt);
-    return found == documents.end() ? TvString() : *found;
+    using OpenDrawing = DrawingLook::Question::OpenDrawing;
+    const auto named = std::ranges::find_if(documents, [&](const OpenDrawing& document) {
+        return base::PathRules::native().isSame(document.name, path);
+    });
+    if (named != documents.end())
+        return named->name;
+    const std::optional<base::FileIdentity> meant = base::identityOf(path);
+    // One that was replaced meanwhile may have left its identity to any other file.
+    const auto found = std::ranges::find_if(documents, [&](const OpenDrawing& document) {
+        return meant && document.file == meant && KvFileSystem::isSameFile(document.name, path);
+    });
+    return found == documents.end() ? TvString() : found->name;
 }
 
 void readContent(const DrawingLook::Question& question, DrawingFacts& facts)
@@ -97,7 +102,7 @@ DrawingLook::Question DrawingLook::questionAbout(const TvSmFileReference& refere
     question.depth = depth;
     forEachDocument([&](const TvApDocument& document) {
         if (document.isNamedDrawing())
-            question.documents.push_back(document.fileName());
+            question.documents.push_back({document.fileName(), document.fileIdentity()});
     });
     for (const TvString& place : question.places) {
         const DrawingInfo* info = known ? known->Known(place) : nullptr;

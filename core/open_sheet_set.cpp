@@ -50,6 +50,15 @@ TvSmDatabase* openDatabase(const TvString& path)
     return opened;
 }
 
+TvSmDatabase* openAlready(const TvString& path)
+{
+    TvSmSheetSetMgr* manager = KvDbUtil::tarvGetSheetSetMgr();
+    TvSmDatabase* open = manager ? manager->findOpenDatabase(path) : nullptr;
+    if (core::SessionHost* host = open ? core::sessionHost() : nullptr)
+        host->ShowSheetSetPalette();
+    return open;
+}
+
 void activate(TvSmDatabase* database, const TvString& path)
 {
     // The next run begins in another folder.
@@ -78,6 +87,8 @@ void OpenSheetSetFile(const TvString& path)
 {
     if (!path.endsWithNoCase(kExtension))
         return;
+    if (TvSmDatabase* open = core::answersInTime(path) ? nullptr : openAlready(path))
+        return activate(open, path);
     if (!KvFileSystem::pathFileExists(path)) {
         tell(kNoSuchFile, kTitle, Icon::Warning);
         UpdateRecentList(path, false);

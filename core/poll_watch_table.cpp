@@ -6,6 +6,7 @@
 #include <core/leftover.h>
 #include <core/session.h>
 #include <sm/environment.h>
+#include <sm/load_version.h>
 #include <sm/locked_here.h>
 #include <sm/tv_sm_database.h>
 
@@ -52,17 +53,27 @@ bool mayPass(const base::Status& failure)
     }
 }
 
-void takeOver(WatchEntry& entry)
+/// Reads the file, unless that was done.
+bool load(TvSmDatabase& database, std::optional<base::Result<base::VersionRead>>& version)
+{
+    return version ? *version && sm::loadVersion(database, std::move(**version))
+                   : database.load(database.getFileName());
+}
+
+void takeOver(WatchEntry& entry, std::optional<base::Result<base::VersionRead>>& version)
 {
     constexpr int kHeldByUs = 1;
     TvSmDatabase* database = entry.database;
     if (entry.lockStatus == kHeldByUs || database->isBusy())
         return;
-    const bool isLoaded = database->load(database->getFileName());
-    if (!isLoaded && mayPass(sm::lastStatus(database)))
+    const bool isRead = version && *version;
+    const base::FileStamp stamp = isRead ? (*version)->stamp : base::FileStamp();
+    const bool isLoaded = load(*database, version);
+    const base::Status& failure = version && !isRead ? version->status() : sm::lastStatus(database);
+    if (!isLoaded && mayPass(failure))
         return;
     if (WatchEntry* still = watchEntryOf(database))
-        still->takeFile();
+        isRead ? still->takeStamp(stamp) : still->takeFile();
     if (isLoaded)
         sessionDatabaseChanged(database);
 }
@@ -107,8 +118,10 @@ WatchQuestion watchQuestion(const WatchEntry& entry, bool apart)
     question.generation = entry.generation;
     question.path = entry.database->getFileName();
     question.isKnownMissing = entry.isGivenUp || entry.neverHadAFile();
+    question.known = entry.stamp;
     if (!apart)
         return question;
+    question.reads = !sm::isLockedHere(entry.database); // then it waits
     if (leftover().pathFor)
         question.leftover = leftover().pathFor(question.path);
     // The others know the state of their lock without the disk.
@@ -122,6 +135,8 @@ WatchAnswer answerTo(const WatchQuestion& question, base::FileOps& ops, base::Cl
     const AskedFolder asked(folderOfNative(base::nativePath(question.path)));
     WatchAnswer answer;
     answer.seen = lookAtFile(question, ops, clock);
+    if (question.reads && answer.seen && question.known && question.known != *answer.seen)
+        answer.version = base::readVersion(ops, clock, question.path, sm::kLargestSetFile);
     if (question.asksLock)
         answer.lock = base::EditLock(ops, clock, question.path).query();
     base::FileInfo info;
@@ -130,7 +145,7 @@ WatchAnswer answerTo(const WatchQuestion& question, base::FileOps& ops, base::Cl
     return answer;
 }
 
-void actOn(const WatchQuestion& question, const WatchAnswer& answer)
+void actOn(const WatchQuestion& question, WatchAnswer& answer)
 {
     TvSmDatabase* database = question.database;
     WatchEntry* entry = watchEntryOf(database);
@@ -142,7 +157,7 @@ void actOn(const WatchQuestion& question, const WatchAnswer& answer)
     if ((entry = watchEntryOf(database)))
         lookAtLock(*entry, answer.lock);
     if ((entry = watchEntryOf(database)) && answer.seen && isAnotherFile(*entry, *answer.seen))
-        takeOver(*entry);
+        takeOver(*entry, answer.version);
 }
 
 } // namespace core
@@ -155,6 +170,7 @@ void PollWatchTable()
     for (TvSmDatabase* database : databases)
         if (const core::WatchEntry* entry = core::watchEntryOf(database)) {
             const core::WatchQuestion question = core::watchQuestion(*entry, false);
-            core::actOn(question, core::answerTo(question, sm::files(), sm::clock()));
+            core::WatchAnswer answer = core::answerTo(question, sm::files(), sm::clock());
+            core::actOn(question, answer);
         }
 }

@@ -3,6 +3,7 @@
 #include <map>
 #include <vector>
 
+#include <core/watch_poller.h>
 #include <db/tv_db_dictionary.h>
 #include <db/tv_db_symbol_table.h>
 #include <ed/tv_ap_doc_manager.h>
@@ -174,7 +175,7 @@ bool SyncSheetViewsWithDrawing(TvDbDatabase* database)
         return false;
     if (changesFor(*database, *sheetSet->getSheetSet(), views).isEmpty())
         return true;
-    sm::ChangeScope scope = sm::ChangeScope::withoutTest(sheetSet);
+    sm::ChangeScope scope = sm::ChangeScope::withoutTest(core::answering(sheetSet));
     if (!scope)
         return false;
     // The lock has read what others saved meanwhile.

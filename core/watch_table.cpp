@@ -27,6 +27,14 @@ void core::WatchEntry::takeFile()
         stamp = *seen;
 }
 
+void core::WatchEntry::takeStamp(const base::FileStamp& seen)
+{
+    ++generation;
+    stamp = seen;
+    fileTime = base::fileTimeFromUnixNs(seen.modifiedNs);
+    isGivenUp = false;
+}
+
 void CTvSmSheetSetEventsHandler::onEvent(int code, TvSmPersist* object)
 {
     auto* database = tvrxCast<TvSmDatabase>(object);

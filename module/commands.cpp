@@ -5,6 +5,7 @@
 #include <core/open_sheet_set.h>
 #include <core/optional_module.h>
 #include <core/session.h>
+#include <core/watch_poller.h>
 #include <ed/command_line.h>
 #include <rx/tv_ed_command_stack.h>
 #include <rx/tv_rx_dictionary.h>
@@ -106,7 +107,7 @@ void ArchiveSheetSet()
     const auto archive = core::transmitModule().entry<Archive>("KvCmd_Archive");
     if (!archive)
         return;
-    sm::ChangeScope change(database);
+    sm::ChangeScope change(core::answering(database));
     if (!change)
         return;
     archive(sheets, database);
@@ -123,7 +124,7 @@ void InsertLabelOrCallout()
     if (!GetCurrentDatabase())
         return;
     // Rolled back on the way out, whatever was inserted: the blocks stand in the drawing.
-    const auto change = sm::ChangeScope::withoutTest(GetCurrentDatabase());
+    const auto change = sm::ChangeScope::withoutTest(core::answering(GetCurrentDatabase()));
     sayNotAvailable(u"VIEWLABEL");
 }
 

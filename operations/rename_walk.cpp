@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <core/rename_drawing.h>
+#include <core/watch_poller.h>
 #include <sm/change_scope.h>
 #include <sm/tv_sm_sheet.h>
 
@@ -73,7 +74,7 @@ namespace {
 /// What renameSheets() does, but for the labels once the set has its former names again.
 bool walk(TvSmDatabase* database, RenameWalkPorts& ports, std::vector<Visited>& visited)
 {
-    sm::ChangeScope scope(database);
+    sm::ChangeScope scope(core::answering(database));
     if (!scope)
         return false;
     bool isLastApplied = true; // of a walk that met something else than a sheet

@@ -110,8 +110,14 @@ std::optional<core::DrawingFacts> placeOfDrawing(const TvSmTvDbLayoutReference& 
                                                  const WaitForDisk& wait)
 {
     using core::DrawingLook;
-    const TvString name = reference.getFileName(); // what is waited for may change the set
-    DrawingLook look(DrawingLook::questionAbout(reference, DrawingLook::Depth::Place));
+    return lookInTime(DrawingLook::questionAbout(reference, DrawingLook::Depth::Place), wait);
+}
+
+std::optional<core::DrawingFacts> lookInTime(core::DrawingLook::Question question,
+                                             const WaitForDisk& wait)
+{
+    const TvString name = question.stored;
+    core::DrawingLook look(std::move(question));
     const bool isThere = look.hasAnswered(core::kPatienceMs) ||
                          (wait ? wait(name, [&look] { return look.hasAnswered(0); })
                                : look.hasAnswered(core::ApartWork::kForEver));

@@ -157,11 +157,45 @@ bool PanelCommands::run(int id)
     }
     if (!nameOf(id))
         return false;
-    if (const auto handler = m_handlers.find(id); handler != m_handlers.end())
-        handler->second(m_page);
-    else
+    if (const auto handler = m_handlers.find(id); handler != m_handlers.end()) {
+        if (isAnswered(askedBeforehand(id)))
+            handler->second(m_page);
+    } else
         core::sayNotAvailableYet(shortText(id));
     return true;
+}
+
+/// What the dialog of a command asks the disk about as soon as it opens.
+std::vector<core::DrawingLook::Question> PanelCommands::askedBeforehand(int id) const
+{
+    using core::DrawingLook;
+    std::vector<DrawingLook::Question> questions;
+    const auto add = [&](const TvSmFileReference* reference) {
+        if (reference && !reference->getFileName().isEmpty())
+            questions.push_back(DrawingLook::questionAbout(*reference, DrawingLook::Depth::Place));
+    };
+    if (id == kRenameSheets) {
+        const auto* sheet = tvrxCast<TvSmSheet>(m_page.GetSelectedComponent());
+        add(sheet ? sheet->getLayoutReference() : nullptr);
+    } else if (id == kNewSheet) {
+        const TvSmFileReference *location = nullptr, *drawing = nullptr; // of the next above
+        const TvSmPersist* at = m_page.tree().GetComponent(GetInsertionPlace().parent);
+        for (; const auto* subset = tvrxCast<TvSmSubset>(at); at = at->getOwner()) {
+            location = location ? location : subset->getNewSheetLocation();
+            drawing = drawing ? drawing : subset->getDefaultTemplateLayout();
+        }
+        add(location);
+        add(drawing);
+    }
+    return questions;
+}
+
+/// False: the user does not wait for the disk.
+bool PanelCommands::isAnswered(std::vector<core::DrawingLook::Question> questions)
+{
+    return std::ranges::all_of(questions, [this](core::DrawingLook::Question& question) {
+        return lookInTime(std::move(question), waiting()).has_value();
+    });
 }
 
 TvSmDatabase* PanelCommands::database() const

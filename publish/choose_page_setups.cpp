@@ -1,3 +1,4 @@
+#include <core/watch_poller.h>
 #include <ed/user_prompts.h>
 #include <resources/texts.h>
 #include <sm/change_scope.h>
@@ -14,7 +15,7 @@ constexpr int kTitle = 525; // text
 
 void keep(TvSmDatabase& database, const TvString& path)
 {
-    sm::ChangeScope scope(&database);
+    sm::ChangeScope scope(core::answering(&database));
     if (!scope)
         return;
     TvSmSheetSet& set = *database.getSheetSet();

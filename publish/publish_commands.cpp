@@ -5,6 +5,7 @@
 #include <base/kv_file_system.h>
 #include <core/optional_module.h>
 #include <core/session.h>
+#include <core/watch_poller.h>
 #include <ed/tv_ap_doc_manager.h>
 #include <panel/panel_commands.h>
 #include <plot/publish_request.h>
@@ -144,7 +145,7 @@ void editPdfOptions(const PublishSelection& selection)
     const auto run = plotEntry<plot::PdfPublishOption>("KvCmd_PDFPublishOption");
     if (!run || selection.components.empty())
         return;
-    sm::ChangeScope scope(selection.database);
+    sm::ChangeScope scope(core::answering(selection.database));
     if (!scope)
         return;
     run(scope.database());
@@ -162,7 +163,8 @@ void managePageSetups(TvSmDatabase* database, const AskForPageSetups& ask)
     const TvSmFileReference* reference = database ? neededPageSetups(*database, ask) : nullptr;
     if (!reference)
         return;
-    const TvString path = reference->resolveFileName();
+    const TvString path =
+        core::answersInTime(reference->getFileName()) ? reference->resolveFileName() : TvString();
     if (!KvFileSystem::isFileExisting(path, kTries, kDelayMs)) {
         say(kNoPageSetups, reference->getFileName(), kSheetSets);
         return;

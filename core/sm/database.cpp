@@ -120,6 +120,11 @@ bool isLockedHere(const TvSmDatabase* db)
     return db && Internals::state(*db).isLocked();
 }
 
+bool loadVersion(TvSmDatabase& db, base::VersionRead&& version)
+{
+    return Internals::state(db).loadVersion(std::move(version));
+}
+
 bool isReadOnlyVersion(const TvSmDatabase* db)
 {
     return db && Internals::state(*db).isReadOnlyVersion();

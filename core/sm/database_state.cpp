@@ -266,20 +266,33 @@ bool DatabaseState::load(const TvString& path)
         m_status = read.status();
         return false;
     }
+    return takeOver(from, std::move(*read));
+}
+
+bool DatabaseState::loadVersion(base::VersionRead&& version)
+{
+    if (m_inTransaction || m_unlocking || m_fileName.isEmpty())
+        return false;
+    const BusyScope busy(*this);
+    return takeOver(m_fileName, std::move(version));
+}
+
+bool DatabaseState::takeOver(const TvString& from, base::VersionRead&& read)
+{
     const bool isOwnFile =
         !m_fileName.isEmpty() && base::PathRules::native().isSame(from, m_fileName);
     // Only a shared database that waits for nothing to be written is sure to be what the file is.
-    if (isOwnFile && m_kind == DatabaseKind::Shared && !m_mustWrite && m_base == read->hash) {
-        m_stamp = read->stamp;
+    if (isOwnFile && m_kind == DatabaseKind::Shared && !m_mustWrite && m_base == read.hash) {
+        m_stamp = read.stamp;
         m_status = Status();
         return true;
     }
-    m_status = replaceContent(std::move(read->bytes), from);
+    m_status = replaceContent(std::move(read.bytes), from);
     if (!m_status)
         return false;
     if (isOwnFile) {
-        m_base = read->hash;
-        m_stamp = read->stamp;
+        m_base = read.hash;
+        m_stamp = read.stamp;
         m_mustWrite = false;
     } else {
         m_mustWrite = true;

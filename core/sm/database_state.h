@@ -9,6 +9,7 @@
 
 #include "handle_index.h"
 #include "internals.h"
+#include "sm/load_version.h"
 
 namespace sm {
 
@@ -92,7 +93,7 @@ public:
     TvSmSheetSet& set() { return m_set; }
 
     // A set larger than this is no set: 100,000 sheets take a tenth of it.
-    static constexpr std::uint64_t kLargestFile = std::uint64_t(1) << 31;
+    static constexpr std::uint64_t kLargestFile = kLargestSetFile;
 
     // --- objects
     std::uint64_t newHandle()
@@ -135,6 +136,7 @@ public:
     const TvString& fileName() const { return m_fileName; }
     bool setFileName(const TvString& path);
     bool load(const TvString& path);
+    bool loadVersion(base::VersionRead&& version);
     bool save();
     bool lock();
     bool unlock(bool commit);
@@ -183,6 +185,7 @@ private:
     void groupViews(const TvSmSubset& subset, std::uint64_t fallback);
     void takeFileName(const TvString& path);
     base::Status readFresh();
+    bool takeOver(const TvString& from, base::VersionRead&& read);
     void markDefaultCategory();
     base::Status publish(const std::string& text, bool keepRecovery);
     base::Status commitChanges();

@@ -1,9 +1,12 @@
 #include "sm/kv_db_util.h"
 
+#include <algorithm>
+
 #include <base/kv_file_system.h>
 #include <base/path_rules.h>
 
 #include "internals.h"
+#include "sm/ask_disk.h"
 #include "sm/environment.h"
 
 using sm::Internals;
@@ -55,37 +58,84 @@ public:
     {
     }
 
-    bool leadsTo(const TvSmFileReference& reference) const
+    enum class Answer { No, Yes, TheDiskKnows };
+    Answer leadsTo(const TvSmFileReference& reference) const
     {
         const TvString stored = reference.getFileName();
         if (!base::equalNoCase(lastPart(stored), m_fileName))
-            return false;
-        if (isSame(stored))
-            return true;
-        const TvString resolved = reference.resolveFileName();
-        return !resolved.isEmpty() &&
-               (isSame(resolved) || KvFileSystem::isSameFile(resolved, m_drawing));
+            return Answer::No;
+        return stored == m_drawing ? Answer::Yes : Answer::TheDiskKnows;
+    }
+
+    sm::DiskQuestion question(const TvSmFileReference& reference) const
+    {
+        const TvString stored = reference.getFileName();
+        const std::vector<TvString> places = sm::placesOf(reference);
+        sm::DiskQuestion question{places, [stored, places, drawing = m_drawing](const auto& about) {
+                                      return isOneOf(stored, places, drawing, about);
+                                  }};
+        question.paths.push_back(m_drawing);
+        return question;
     }
 
 private:
+    static bool isOneOf(const TvString& stored, const std::vector<TvString>& places,
+                        const TvString& drawing, const sm::About& about)
+    {
+        if (base::PathRules::native().isSame(stored, drawing) &&
+            sm::isSameFile(stored, drawing, about))
+            return true;
+        const auto isThere = [&](const TvString& place) {
+            const std::shared_ptr<void> asked = about(place);
+            return KvFileSystem::pathFileExists(place);
+        };
+        const auto resolved = std::ranges::find_if(places, isThere);
+        return resolved != places.end() && sm::isSameFile(*resolved, drawing, about);
+    }
     static std::u16string_view lastPart(const TvString& path)
     {
         const int slash = path.findLastOneOf(u"/\\");
         return path.view().substr(static_cast<std::size_t>(slash + 1));
     }
-    bool isSame(const TvString& path) const
-    {
-        if (path == m_drawing)
-            return true;
-        if (!base::PathRules::native().isSame(path, m_drawing))
-            return false;
-        // Spellings that differ in case may be two files.
-        return !(KvFileSystem::isFileExisting(path) && KvFileSystem::isFileExisting(m_drawing)) ||
-               KvFileSystem::isSameFile(path, m_drawing);
-    }
 
     TvString m_drawing;
     TvString m_fileName;
+};
+
+/// The sheets that may be of a drawing, in tree order; the disk is asked about all of them at once.
+class Candidates
+{
+public:
+    explicit Candidates(const TvChar* drawing) : m_match(TvString(drawing)) {}
+
+    /// @return whether it is one for certain.
+    bool add(TvSmSheet& sheet, const TvSmFileReference& reference)
+    {
+        const DrawingMatch::Answer answer = m_match.leadsTo(reference);
+        if (answer == DrawingMatch::Answer::No)
+            return false;
+        const bool isSure = answer == DrawingMatch::Answer::Yes;
+        m_sheets.push_back({&sheet, isSure});
+        if (!isSure)
+            m_questions.push_back(m_match.question(reference));
+        return isSure;
+    }
+
+    std::vector<TvSmSheet*> take(sm::Wanted wanted)
+    {
+        const std::vector<bool> answers = sm::askDisk(std::move(m_questions), wanted);
+        auto answer = answers.begin();
+        std::vector<TvSmSheet*> found;
+        for (const auto& [sheet, isSure] : m_sheets)
+            if (isSure || *answer++)
+                found.push_back(sheet);
+        return found;
+    }
+
+private:
+    DrawingMatch m_match;
+    std::vector<std::pair<TvSmSheet*, bool>> m_sheets;
+    std::vector<sm::DiskQuestion> m_questions; // of those that are not sure
 };
 
 } // namespace
@@ -95,16 +145,15 @@ TvSmSheet* KvDbUtil::FindSheetFromSubset(const TvSmSubset* subset, const TvChar*
 {
     if (!subset || !drawingName)
         return nullptr;
-    const DrawingMatch drawing{TvString(drawingName)};
-    TvSmSheet* found = nullptr;
+    Candidates candidates(drawingName);
     forEachSheet(*subset, [&](TvSmSheet& sheet) {
         const TvSmTvDbLayoutReference* layout = sheet.getLayoutReference();
-        if (layout && TvDbHandle(layout->getHandle().view()) == layoutHandle &&
-            drawing.leadsTo(*layout))
-            found = &sheet;
-        return found == nullptr;
+        const bool isFound = layout && TvDbHandle(layout->getHandle().view()) == layoutHandle &&
+                             candidates.add(sheet, *layout);
+        return !isFound;
     });
-    return found;
+    const std::vector<TvSmSheet*> found = candidates.take(sm::Wanted::FirstYes);
+    return found.empty() ? nullptr : found.front();
 }
 
 void KvDbUtil::GetAllSheetsInTheSubSet(const TvSmSubset* subset, std::vector<TvSmSheet*>& out)
@@ -133,14 +182,15 @@ bool KvDbUtil::GetAllSheetOfOneDwgInSheetSet(const TvSmSheetSet* sheetSet,
 {
     if (!sheetSet || !drawingName)
         return false;
-    const DrawingMatch drawing{TvString(drawingName)};
-    const std::size_t before = out.size();
+    Candidates candidates(drawingName);
     forEachSheet(*sheetSet, [&](TvSmSheet& sheet) {
-        if (sheet.getLayoutReference() && drawing.leadsTo(*sheet.getLayoutReference()))
-            out.push_back(&sheet);
+        if (const TvSmTvDbLayoutReference* layout = sheet.getLayoutReference())
+            candidates.add(sheet, *layout);
         return true;
     });
-    return out.size() > before;
+    const std::vector<TvSmSheet*> found = candidates.take(sm::Wanted::All);
+    out.insert(out.end(), found.begin(), found.end());
+    return !found.empty();
 }
 
 bool KvDbUtil::IsCurrentSheetInSheetSet(const TvSmDatabase* db)

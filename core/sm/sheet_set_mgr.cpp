@@ -6,6 +6,7 @@
 #include <base/path_rules.h>
 
 #include "database_state.h"
+#include "sm/ask_disk.h"
 #include "sm/environment.h"
 
 using base::Failure;
@@ -37,19 +38,11 @@ TvString fullPath(const TvString& path)
                    : rules.normalise(rules.join(base::pathFromNative(current.string()), path));
 }
 
-/// Whether two paths name one set: the same text, the same file on disk, or texts that differ in
-/// case only, unless both spellings exist as files of their own.
-bool namesSameSet(const TvString& left, const TvString& right)
+/// Whether two paths name one set. What must not be touched is told by its name.
+sm::DiskQuestion whetherSameSet(const TvString& left, const TvString& right)
 {
-    if (left == right)
-        return true;
-    if (!KvFileSystem::isTouchAllowed(left) || !KvFileSystem::isTouchAllowed(right))
-        return base::PathRules::native().isSame(left, right);
-    if (KvFileSystem::isSameFile(left, right))
-        return true;
-    if (!base::PathRules::native().isSame(left, right))
-        return false;
-    return !(KvFileSystem::isFileExisting(left) && KvFileSystem::isFileExisting(right));
+    return {{left, right},
+            [left, right](const sm::About& about) { return sm::isSameFile(left, right, about); }};
 }
 
 class Counted
@@ -132,10 +125,14 @@ TvSmDatabase* TvSmSheetSetMgr::findOpenDatabase(const TvString& path) const
     for (const auto& db : m_state->open)
         if (db->getFileName() == full)
             return db.get();
+    std::vector<sm::DiskQuestion> questions;
     for (const auto& db : m_state->open)
-        if (namesSameSet(db->getFileName(), full))
-            return db.get();
-    return nullptr;
+        questions.push_back(whetherSameSet(db->getFileName(), full));
+    const std::vector<bool> answers = sm::askDisk(std::move(questions), sm::Wanted::FirstYes);
+    const auto found = std::find(answers.begin(), answers.end(), true);
+    return found == answers.end()
+               ? nullptr
+               : m_state->open[static_cast<std::size_t>(found - answers.begin())].get();
 }
 
 bool TvSmSheetSetMgr::closeDatabase(TvSmDatabase* db)

@@ -275,9 +275,16 @@ bool FileAccess::isReadOnly(const TvString& path)
 
 bool FileAccess::isSameFile(const TvString& left, const TvString& right)
 {
-    FileInfo mine, other;
-    return find(left, 1, 0, mine) && find(right, 1, 0, other) &&
-           mine.stamp.device == other.stamp.device && mine.stamp.inode == other.stamp.inode;
+    const std::optional<FileIdentity> mine = identityOf(left);
+    return mine && mine == identityOf(right);
+}
+
+std::optional<FileIdentity> FileAccess::identityOf(const TvString& path)
+{
+    FileInfo info;
+    if (!find(path, 1, 0, info))
+        return std::nullopt;
+    return FileIdentity{info.stamp.device, info.stamp.inode};
 }
 
 std::vector<KvFileSystem::Entry> FileAccess::listFolder(const TvString& folder)

@@ -89,3 +89,8 @@ base::Result<std::vector<std::byte>> KvFileSystem::readFile(const TvString& path
 {
     return files().readFile(path, limit);
 }
+
+std::optional<base::FileIdentity> base::identityOf(const TvString& path)
+{
+    return ::files().identityOf(path);
+}

@@ -27,6 +27,8 @@ TvStatusCode codeFor(const base::Status& status, TvStatusCode otherwise);
 
 /// Whether another database of this process holds the file for writing, or somebody uses it.
 bool isHeldByAnother(const TvString& path, const DatabaseImpl& asking);
+/// Behind a save, which made another file of it.
+void noteSaved(const DatabaseImpl& database);
 /// Keeps a file from everybody else for the time of a save.
 class SaveUse
 {

@@ -2,6 +2,7 @@
 #include <mutex>
 
 #include <base/atomic_replace.h>
+#include <base/file_identity.h>
 #include <base/kv_file_system.h>
 #include <base/path_rules.h>
 #include <db/file_open_info_tip_manager.h>
@@ -17,8 +18,25 @@ constexpr std::uint64_t kLargestFile = std::uint64_t(1) << 31;
 base::FileOps* g_files = nullptr;
 base::Clock* g_clock = nullptr;
 OpenDocuments* g_documents = nullptr;
-std::vector<const DatabaseImpl*> g_holders; // databases that hold a file for writing
-std::mutex g_holdersMutex;                  // others may be made and go in other threads
+
+/// A database that holds a file for writing.
+struct Holder {
+    const DatabaseImpl* database;
+    std::optional<base::FileIdentity> file; ///< the disk is not asked for it again and again
+};
+std::vector<Holder> g_holders;
+std::mutex g_holdersMutex; // others may be made and go in other threads
+
+bool holds(const Holder& holder, const TvString& path,
+           const std::optional<base::FileIdentity>& meant)
+{
+    const base::PathRules& rules = base::PathRules::native();
+    const TvString& held = holder.database->originalPath;
+    if (rules.normalise(held) == rules.normalise(path))
+        return true;
+    // What it holds may lie where nothing answers: it is asked about only if all speaks for it.
+    return (meant ? holder.file == meant : rules.isSame(held, path)) && isSameFile(held, path);
+}
 
 } // namespace
 
@@ -75,17 +93,25 @@ base::Clock& databaseClock()
 
 bool isHeldByAnother(const TvString& path, const DatabaseImpl& asking)
 {
-    for (const DatabaseImpl* holder : g_holders)
-        if (holder != &asking && holder->holdsFile && isSameFile(holder->originalPath, path))
+    const std::optional<base::FileIdentity> meant = base::identityOf(path);
+    for (const Holder& holder : g_holders)
+        if (holder.database != &asking && holder.database->holdsFile && holds(holder, path, meant))
             return true;
     return isUsedByAnother(path, asking.owner());
+}
+
+void noteSaved(const DatabaseImpl& database)
+{
+    const auto holder = std::ranges::find(g_holders, &database, &Holder::database);
+    if (holder != g_holders.end() && isSameFile(database.path, database.originalPath))
+        holder->file = base::identityOf(database.path);
 }
 
 DatabaseImpl::~DatabaseImpl()
 {
     {
         const std::lock_guard guard(g_holdersMutex);
-        std::erase(g_holders, this);
+        std::erase_if(g_holders, [this](const Holder& each) { return each.database == this; });
     }
     endUse(m_owner);
 }
@@ -123,6 +149,7 @@ TvStatusCode DatabaseImpl::readFile(const TvString& wanted, int mode)
         return fail(content.status(), codeFor(content.status(), TvStatus::FileNotReadable));
     const auto* first = reinterpret_cast<const std::uint8_t*>(content->bytes.data());
     const base::ContentHash hash = base::hashOf(content->bytes);
+    const base::FileStamp stamp = content->stamp;
     std::vector<std::uint8_t> bytes(first, first + content->bytes.size());
     content->bytes = {};
     if (const TvStatusCode status = readBytes(std::move(bytes)))
@@ -132,7 +159,7 @@ TvStatusCode DatabaseImpl::readFile(const TvString& wanted, int mode)
     holdsFile = mode == TvDb::kReadAndWrite;
     if (holdsFile) {
         const std::lock_guard guard(g_holdersMutex);
-        g_holders.push_back(this);
+        g_holders.push_back({this, base::FileIdentity{stamp.device, stamp.inode}});
     }
     return TvStatus::Ok;
 }

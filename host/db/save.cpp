@@ -90,6 +90,7 @@ TvStatusCode DatabaseImpl::save(const TvString& target, bool backup, FileFormat 
     path = target;
     fileHash = base::hashOf(std::as_bytes(std::span(*bytes)));
     isModified = false;
+    noteSaved(*this);
     return TvStatus::Ok;
 }
 

@@ -117,13 +117,22 @@ TvApDocument* TvApDocManager::document(const TvDbDatabase* database) const
 
 TvApDocument* TvApDocManager::documentOf(const TvString& path) const
 {
-    for (const std::unique_ptr<TvApDocument>& document : m_documents) {
-        if (document->isNamedDrawing() &&
-            (base::PathRules::native().isSame(document->fileName(), path) ||
-             KvFileSystem::isSameFile(document->fileName(), path)))
-            return document.get();
-    }
-    return nullptr;
+    const auto isOfThatName = [&](const auto& document) {
+        return document->isNamedDrawing() &&
+               base::PathRules::native().isSame(document->fileName(), path);
+    };
+    const auto named = std::ranges::find_if(m_documents, isOfThatName);
+    if (named != m_documents.end())
+        return named->get();
+    // Only the file that is meant is asked about: those of the documents may lie where nothing
+    // answers. One that was replaced meanwhile may have left its identity to any other file.
+    const std::optional<base::FileIdentity> meant = base::identityOf(path);
+    const auto isThatFile = [&](const auto& document) {
+        return meant && document->m_fileIdentity == meant &&
+               KvFileSystem::isSameFile(document->fileName(), path);
+    };
+    const auto found = std::ranges::find_if(m_documents, isThatFile);
+    return found == m_documents.end() ? nullptr : found->get();
 }
 
 TvDbDatabase* TvApDocManager::databaseOf(const TvString& path)
@@ -223,6 +232,7 @@ TvStatusCode TvApDocManager::openDocument(const TvString& path, bool readOnly, T
     if (status != TvStatus::Ok)
         return fail(database->lastFailure(), status);
     out = add(std::move(database), {}, readOnly);
+    out->m_fileIdentity = base::identityOf(path);
     if (TvEditor* editor = tvedEditor())
         editor->fireEndDwgOpen(path, out->database());
     return TvStatus::Ok;
@@ -250,6 +260,7 @@ TvStatusCode TvApDocManager::saveDocument(TvApDocument* document, const TvString
         return fail(database.lastFailure(), status);
     document->m_savedFormat = format;
     document->m_savedVersion = wanted;
+    document->m_fileIdentity = base::identityOf(target); // a save makes another file
     if (!isOwnName)
         document->m_isReadOnly = !db::beginUse(database, target);
     if (TvEditor* editor = tvedEditor())

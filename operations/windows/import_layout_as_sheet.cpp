@@ -1,5 +1,6 @@
 #include "operations_windows/import_layout_as_sheet.h"
 
+#include <core/watch_poller.h>
 #include <operations/import_sheets.h>
 #include <panel/handler_installer.h>
 #include <panel/import_layouts.h>
@@ -57,7 +58,7 @@ void ImportLayoutAsSheetInto(panel::SheetListPage& page, const panel::InsertionP
     // Taking the lock may read the set anew, and let items go: what is needed is found again.
     const TvString parent = handleOf(target), neighbour = handleOf(place.before);
     const bool wasEmpty = target && !place.parent->hasChildren();
-    sm::ChangeScope scope(target ? target->database() : nullptr);
+    sm::ChangeScope scope(core::answering(target ? target->database() : nullptr));
     auto* subset = scope ? objectAt<TvSmSubset>(*scope.database(), parent) : nullptr;
     if (!subset)
         return;

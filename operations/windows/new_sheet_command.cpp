@@ -1,5 +1,6 @@
 #include "operations_windows/new_sheet_command.h"
 
+#include <core/watch_poller.h>
 #include <ed/tv_ap_doc_manager.h>
 #include <panel/handler_installer.h>
 #include <rx/resource_module.h>
@@ -41,7 +42,8 @@ void CreateNewSheetInto(panel::SheetListPage& page, const panel::InsertionPlace&
     // Taking the lock may read the set anew, and let items go: what is needed is found again.
     const TvString parent = handleOf(target), neighbour = handleOf(place.before);
     const bool wasEmpty = target && !place.parent->hasChildren();
-    sm::ChangeScope scope = sm::ChangeScope::withoutTest(target ? target->database() : nullptr);
+    sm::ChangeScope scope =
+        sm::ChangeScope::withoutTest(core::answering(target ? target->database() : nullptr));
     auto* subset = scope ? objectAt<TvSmSubset>(*scope.database(), parent) : nullptr;
     if (!subset)
         return;

@@ -6,6 +6,7 @@
 #include <core/inspector_style.h>
 #include <core/publish_options_dialog.h>
 #include <core/session.h>
+#include <core/watch_poller.h>
 #include <panel/handler_installer.h>
 #include <panel/panel_commands.h>
 #include <publish/publish_commands.h>
@@ -27,7 +28,7 @@ bool editOptions(void* parent, TvSmDatabase& database, TvSmPublishOptions& optio
 
 void editPublishList(panel::SheetListPage& page)
 {
-    sm::ChangeScope scope(GetCurrentDatabase());
+    sm::ChangeScope scope(core::answering(GetCurrentDatabase()));
     if (!scope)
         return;
     const rx::ResourceContext ours(rx::sheetSetResourceName());
@@ -40,7 +41,7 @@ void editPublishOptions(panel::SheetListPage&)
 {
     TvSmDatabase* database = GetCurrentDatabase();
     TvSmPublishOptions* options = database ? database->getSheetSet()->getPublishOptions() : nullptr;
-    sm::ChangeScope scope(options ? database : nullptr);
+    sm::ChangeScope scope(core::answering(options ? database : nullptr));
     if (!scope)
         return;
     const rx::ResourceContext ours(rx::sheetSetResourceName());

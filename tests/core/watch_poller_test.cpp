@@ -1,5 +1,12 @@
 // The poll of open sets that asks the disk in another thread.
 
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <base/path_rules.h>
 #include <core/leftover.h>
 #include <core/watch_poller.h>
 
@@ -212,6 +219,8 @@ TEST_F(WatchPollerTest, AFolderThatIsAwayIsAskedOnlyInAnotherThreadAndStopsNobod
     replaceOutside("near.dst", "OTHER");
     while (nameOf(near) != "OTHER")
         poller.tick();
+    while (files.inside() == 0) // the same
+        poller.tick();
     for (int i = 0; i < 20; ++i)
         poller.tick();
     EXPECT_EQ(files.inside(), 1) << "one thread waits there, however often it ticks";
@@ -278,6 +287,116 @@ TEST_F(WatchPollerTest, WhatWasLeftBesideASetIsHandedOverWhenTheUserMayBeAsked)
     poller.tick();
     EXPECT_EQ(g_lookedAfter, 1);
     core::setLeftover(former);
+}
+
+/// On the system's own disk, which tells what happens: looks are rare.
+class IdleWatchTest : public WatchPollerTest
+{
+protected:
+    void SetUp() override
+    {
+        WatchPollerTest::SetUp();
+        sm::environment().files = nullptr;
+        for (TvSmDatabase* each : {near, far}) {
+            // What is written from now on has another time for certain.
+            const fs::path file = base::nativePath(each->getFileName());
+            fs::last_write_time(file, fs::last_write_time(file) - std::chrono::hours(1));
+            g_watchTable.at(each).takeFile();
+        }
+        for (int i = 0; i < 2; ++i)
+            poller.tick();
+    }
+    /// The system tells nobody of it.
+    void writeUnnoticed(const char* file, const char* name) const
+    {
+        const int descriptor = ::open((folder.path() / file).c_str(), O_RDWR | O_CLOEXEC);
+        ASSERT_GE(descriptor, 0);
+        const std::size_t at = folder.read(file).find("PLAN"), size = folder.read(file).size();
+        void* bytes = ::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+        ASSERT_NE(bytes, MAP_FAILED);
+        std::memcpy(static_cast<char*>(bytes) + at, name, 4);
+        ::msync(bytes, size, MS_SYNC);
+        ::munmap(bytes, size);
+        ::close(descriptor);
+    }
+
+    core::WatchPoller poller{kForEver, 1000, 1'000'000};
+};
+
+TEST_F(IdleWatchTest, ASetIsNotLookedAtWhileNothingHappens)
+{
+    writeUnnoticed("share/far.dst", "ALAS");
+    poller.tick();
+    EXPECT_EQ(nameOf(far), "PLAN");
+    core::WatchPoller other(kForEver, 1000, 0);
+    other.tick();
+    EXPECT_EQ(nameOf(far), "ALAS") << "it would have been seen";
+}
+
+TEST_F(IdleWatchTest, AReplacedFileIsLoadedAtTheNextTick)
+{
+    replaceOutside("share/far.dst", "OTHER");
+    poller.tick();
+    EXPECT_EQ(nameOf(far), "OTHER");
+    poller.tick();
+    replaceOutside("near.dst", "OTHER");
+    poller.tick();
+    EXPECT_EQ(nameOf(near), "OTHER");
+}
+
+TEST_F(IdleWatchTest, AFileThatGoesIsWrittenAgainAtTheNextTick)
+{
+    fs::remove(folder.path() / "near.dst");
+    poller.tick();
+    EXPECT_TRUE(fs::exists(folder.path() / "near.dst"));
+}
+
+TEST_F(IdleWatchTest, AFolderThatIsReplacedIsNoticedAndWatchedOn)
+{
+    fs::copy(folder.path() / "share", folder.path() / "new");
+    fs::rename(folder.path() / "share", folder.path() / "former");
+    fs::rename(folder.path() / "new", folder.path() / "share");
+    for (int i = 0; i < 3; ++i)
+        poller.tick();
+    replaceOutside("share/far.dst", "OTHER");
+    poller.tick();
+    EXPECT_EQ(nameOf(far), "OTHER");
+}
+
+TEST_F(IdleWatchTest, TheLockOfAnotherIsSeenWhenItComesAndWhenItGoes)
+{
+    base::EditLock other(base::systemFileOps(), base::systemClock(), folder.file("share/far.dst"));
+    ASSERT_TRUE(other.take(u"edit"));
+    poller.tick();
+    EXPECT_EQ(core::lockStatusAtHand(far), 2);
+    poller.tick();
+    other.release();
+    poller.tick();
+    EXPECT_EQ(core::lockStatusAtHand(far), 0);
+}
+
+TEST_F(IdleWatchTest, ASetThatIsALinkIntoAnotherFolderIsLookedAtEachTime)
+{
+    fs::rename(folder.path() / "near.dst", folder.path() / "share/real.dst");
+    fs::create_symlink(folder.path() / "share/real.dst", folder.path() / "near.dst");
+    for (int i = 0; i < 3; ++i)
+        poller.tick();
+    writeUnnoticed("share/real.dst", "ALAS");
+    poller.tick();
+    EXPECT_EQ(nameOf(near), "ALAS");
+}
+
+TEST_F(IdleWatchTest, AChangeThatHadToWaitIsTakenInWhenTheLockEnds)
+{
+    ASSERT_TRUE(far->lockDb(far));
+    poller.tick();
+    replaceOutside("share/far.dst", "OTHER");
+    poller.tick();
+    poller.tick();
+    EXPECT_EQ(nameOf(far), "PLAN");
+    ASSERT_TRUE(far->unlockDb(far, false));
+    poller.tick();
+    EXPECT_EQ(nameOf(far), "OTHER");
 }
 
 } // namespace

@@ -110,6 +110,31 @@ TEST_F(DocumentTest, AFileThatIsOpenIsNotOpenedTwice)
     EXPECT_EQ(manager.documentOf(folder.file("c.dwg")), nullptr);
 }
 
+TEST_F(DocumentTest, AFileIsKnownByAnotherNameAfterASaveMadeItAnew)
+{
+    std::filesystem::create_symlink(folder.path() / "a.dwg", folder.path() / "link.dwg");
+    TvApDocument* a = open("a.dwg");
+    const auto before = a->fileIdentity();
+    ASSERT_TRUE(before);
+    ASSERT_EQ(manager.saveDocument(a), TvStatus::Ok);
+    EXPECT_NE(a->fileIdentity(), before);
+    EXPECT_EQ(manager.documentOf(folder.file("link.dwg")), a);
+    ASSERT_EQ(manager.saveDocument(a, folder.file("other.dwg")), TvStatus::Ok);
+    EXPECT_EQ(manager.documentOf(folder.file("link.dwg")), nullptr);
+    std::filesystem::create_symlink(folder.path() / "other.dwg", folder.path() / "link2.dwg");
+    EXPECT_EQ(manager.documentOf(folder.file("link2.dwg")), a);
+}
+
+TEST_F(DocumentTest, OfAFileThatWasReplacedIsNotTakenForAnyOther)
+{
+    TvApDocument* a = open("a.dwg", true);
+    // The file goes on under another name, and another one takes its place.
+    std::filesystem::rename(folder.path() / "a.dwg", folder.path() / "former.dwg");
+    std::filesystem::copy_file(folder.path() / "b.dwg", folder.path() / "a.dwg");
+    EXPECT_EQ(manager.documentOf(folder.file("former.dwg")), nullptr);
+    EXPECT_EQ(manager.documentOf(folder.file("a.dwg")), a);
+}
+
 TEST_F(DocumentTest, AreWalkedInTheOrderOfTheirOpening)
 {
     TvApDocument* b = open("b.dwg");

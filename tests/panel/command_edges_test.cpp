@@ -1,61 +1,19 @@
 // Commands whose set or sheet goes while a question stands.
 
-#include <panel/panel_commands.h>
-
 #include <ed/command_line.h>
 #include <ed/user_prompts.h>
 #include <panel/recover_drawing.h>
 
-#include "document_scene.h"
+#include "command_scene.h"
 
 namespace {
 
-class QuietProgram : public panel::PanelProgram
-{
-public:
-    void exploreFile(const TvString& path) override { explored.push_back(path); }
-    void hidePanel() override {}
-    std::vector<TvString> explored;
-};
-
-/// Does something while a task dialog stands, and then answers.
-class ActingMessages : public ScriptedMessages
-{
-public:
-    TaskAnswer showTask(const TaskDialog&) override
-    {
-        ++tasks;
-        if (meanwhile)
-            meanwhile();
-        TaskAnswer given;
-        given.button = task;
-        return given;
-    }
-    std::function<void()> meanwhile;
-    int task = 2, tasks = 0;
-};
-
-/// The session's palettes are the page.
-class PageHost : public NotingHost
-{
-public:
-    core::SheetSetPalette* palette(Palette which) override
-    {
-        return which == Palette::SheetList ? page : nullptr;
-    }
-    panel::SheetListPage* page = nullptr;
-};
-
-class CommandEdgesTest : public DocumentTest
+class CommandEdgesTest : public CommandTest
 {
 protected:
     void SetUp() override
     {
-        DocumentTest::SetUp();
-        m_cookie = manager().registerEventHandler(&m_events);
-        core::setSessionHost(&pageHost);
-        set(u"SSMSHEETSTATUS", 0);
-        database = made("house.dst");
+        CommandTest::SetUp();
         DrawingMaker maker;
         maker.paper(u"A1").saveAs(folder.file("b.dwg"));
         change(database, [&](TvSmSheetSet& top) {
@@ -66,38 +24,11 @@ protected:
             roof = addSubset(&top, u"Roof");
             addSheet(roof, u"3", u"Tiles");
         });
-        pageHost.page = &page;
-        ActivateSheetSet(database);
-    }
-    void TearDown() override
-    {
-        DocumentTest::TearDown();
-        pageHost.page = nullptr;
-        manager().unregisterEventHandler(m_cookie);
-    }
-    panel::TreeItem* at(const TvSmPersist* object) { return page.tree().itemOf(handleOf(object)); }
-    void select(std::initializer_list<const TvSmPersist*> objects)
-    {
-        page.tree().ClearSelection();
-        for (const TvSmPersist* object : objects)
-            page.tree().SelectItem(at(object));
-        page.tree().setCaret(at(*objects.begin()));
+        show();
     }
 
-    TvSmDatabase* database = nullptr;
     TvSmSheet *lost = nullptr, *plan = nullptr;
     TvSmSubset* roof = nullptr;
-    PageHost pageHost;
-    panel::PageWindow window;
-    panel::SheetListPage page{window, base::systemClock()};
-    panel::PanelMenus menus{page};
-    QuietProgram program;
-    ActingMessages answers;
-    panel::PanelCommands commands{page, menus, program};
-
-private:
-    CTvSmSheetSetEventsHandler m_events{&g_watchTable};
-    int m_cookie = -1;
 };
 
 TEST_F(CommandEdgesTest, SheetsOfASetThatClosesMeanwhileAreLeftAlone)
@@ -105,7 +36,7 @@ TEST_F(CommandEdgesTest, SheetsOfASetThatClosesMeanwhileAreLeftAlone)
     answers.meanwhile = [] { CloseCurrentSheetSet(); };
     select({lost, plan});
     commands.run(panel::kOpenSheet);
-    EXPECT_EQ(answers.tasks, 1);
+    EXPECT_EQ(answers.tasks.size(), 1u);
     EXPECT_EQ(documents().documentCount(), 0);
 }
 
@@ -117,7 +48,7 @@ TEST_F(CommandEdgesTest, ASheetThatGoesWhileItsRecoveryIsAskedAboutIsNotRemovedA
     answers.task = 1001;
     answers.answer = TvUserMessages::Answer::Ok;
     panel::RecoverMissingDrawing(lost->getLayoutReference(), 618, 619);
-    EXPECT_EQ(answers.tasks, 1);
+    EXPECT_EQ(answers.tasks.size(), 1u);
     EXPECT_TRUE(answers.asked.empty());
 }
 

@@ -1,23 +1,14 @@
 // What the menus know of documents, drawings and locks, and what their shared numbers mean.
 
-#include <panel/panel_commands.h>
-
 #include <ed/layouts.h>
 #include <resources/texts.h>
 
-#include "document_scene.h"
+#include "command_scene.h"
 
 namespace {
 
 using panel::PanelMenus;
 using Labels = std::vector<TvString>;
-
-class QuietProgram : public panel::PanelProgram
-{
-public:
-    void exploreFile(const TvString&) override {}
-    void hidePanel() override {}
-};
 
 class MenuFactsTest : public DocumentTest
 {
@@ -68,7 +59,7 @@ protected:
     panel::PageWindow window;
     panel::SheetListPage page{window, base::systemClock()};
     PanelMenus menus{page};
-    QuietProgram program;
+    NotingProgram program;
     panel::PanelCommands commands{page, menus, program};
 };
 

@@ -1,7 +1,5 @@
 // What the page's commands do.
 
-#include <panel/panel_commands.h>
-
 #include <base/edit_lock.h>
 #include <core/tip_style.h>
 #include <ed/command_line.h>
@@ -11,23 +9,12 @@
 #include <panel/open_sheets.h>
 #include <panel/recover_drawing.h>
 
-#include "document_scene.h"
-#include "panel_scene.h"
+#include "command_scene.h"
 
 namespace {
 
 using Ids = std::vector<int>;
 using Labels = std::vector<TvString>;
-
-class NotingProgram : public panel::PanelProgram
-{
-public:
-    void exploreFile(const TvString& path) override { explored.push_back(path); }
-    void hidePanel() override { ++hidden; }
-    void tipStyleChanged() override { ++tips; }
-    Labels explored;
-    int hidden = 0, tips = 0;
-};
 
 class NotingPrompts : public ed::UserPrompts
 {
@@ -46,42 +33,12 @@ public:
     Labels what;
 };
 
-/// Answers task dialogs, too.
-class Answers : public ScriptedMessages
-{
-public:
-    TaskAnswer showTask(const TaskDialog& dialog) override
-    {
-        tasks.push_back(dialog);
-        TaskAnswer given;
-        given.button = task;
-        return given;
-    }
-    std::vector<TaskDialog> tasks;
-    int task = 2;
-};
-
-/// The session's palettes are the page.
-class PageHost : public NotingHost
-{
-public:
-    core::SheetSetPalette* palette(Palette which) override
-    {
-        return which == Palette::SheetList ? page : nullptr;
-    }
-    panel::SheetListPage* page = nullptr;
-};
-
-class PanelCommandsTest : public DocumentTest
+class PanelCommandsTest : public CommandTest
 {
 protected:
     void SetUp() override
     {
-        DocumentTest::SetUp();
-        m_cookie = manager().registerEventHandler(&m_events);
-        core::setSessionHost(&pageHost);
-        set(u"SSMSHEETSTATUS", 0);
-        database = made("house.dst");
+        CommandTest::SetUp();
         change(database, [this](TvSmSheetSet& top) {
             top.setName(u"House");
             ground = addSubset(&top, u"Ground");
@@ -92,23 +49,7 @@ protected:
             roof = addSubset(&top, u"Roof");
             cover = addSheet(&top, u"", u"Cover");
         });
-        pageHost.page = &page;
-        ActivateSheetSet(database);
-    }
-    void TearDown() override
-    {
-        DocumentTest::TearDown();
-        pageHost.page = nullptr;
-        manager().unregisterEventHandler(m_cookie);
-        panel::setReplaceLayout({});
-    }
-    panel::TreeItem* at(const TvSmPersist* object) { return page.tree().itemOf(handleOf(object)); }
-    void select(std::initializer_list<const TvSmPersist*> objects)
-    {
-        page.tree().ClearSelection();
-        for (const TvSmPersist* object : objects)
-            page.tree().SelectItem(at(object));
-        page.tree().setCaret(at(*objects.begin()));
+        show();
     }
     Labels selectedLabels()
     {
@@ -127,21 +68,9 @@ protected:
         });
     }
 
-    TvSmDatabase* database = nullptr;
     TvSmSubset *ground = nullptr, *details = nullptr, *roof = nullptr;
     TvSmSheet *plan = nullptr, *stair = nullptr, *section = nullptr, *cover = nullptr;
-    PageHost pageHost;
-    panel::PageWindow window;
-    panel::SheetListPage page{window, base::systemClock()};
-    panel::PanelMenus menus{page};
-    NotingProgram program;
     NotingPrompts prompts;
-    Answers answers;
-    panel::PanelCommands commands{page, menus, program};
-
-private:
-    CTvSmSheetSetEventsHandler m_events{&g_watchTable};
-    int m_cookie = -1;
 };
 
 TEST_F(PanelCommandsTest, AnInstallerPutsItsHandlersIntoPagesMadeFromThenOnUntilItGoes)

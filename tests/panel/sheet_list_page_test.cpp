@@ -92,6 +92,23 @@ TEST_F(SheetListPageTest, AFirstDisplayOpensTheRootAndTheFirstLevelAndSelectsThe
     EXPECT_TRUE(window.has("enable"));
 }
 
+TEST_F(SheetListPageTest, OfASetWithoutSubsetsTheSheetsHangBelowTheOpenRoot)
+{
+    TvSmDatabase* flat = made("flat.dst");
+    ASSERT_TRUE(flat->lockDb(flat));
+    flat->getSheetSet()->setName(u"Flat");
+    const TvSmSheet* first = addSheet(flat->getSheetSet(), u"1", u"Plan");
+    addSheet(flat->getSheetSet(), u"2", u"Section");
+    ASSERT_TRUE(flat->unlockDb(flat, true));
+    show(flat);
+    EXPECT_EQ(outlineOf(list, list.root()), "Flat\n 1 - Plan\n 2 - Section\n");
+    EXPECT_TRUE(list.root()->isExpanded());
+    EXPECT_EQ(list.itemOf(handleOf(first))->parent(), list.root());
+    EXPECT_EQ(selectedLabels(), Labels{u"Flat"});
+    show(nullptr, false);
+    manager().closeDatabase(flat);
+}
+
 TEST_F(SheetListPageTest, ASetThatIsShownAgainLooksAsItDid)
 {
     TvSmDatabase* other = made("other.dst");

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sm/ask_disk.h>
+
 #include "kill_at_syscall.h"
 #include "sheet_set_builder.h"
 
@@ -198,4 +200,30 @@ TEST_F(DbUtil, AskingForTheCurrentLayoutTouchesTheDiskAHandfulOfTimesOnly)
         GTEST_SKIP() << textOf(outcome);
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_LT(outcome.calls, 20);
+}
+namespace {
+
+/// Notes what is asked, and answers no.
+std::vector<std::size_t> g_asked;
+std::vector<bool> answerNo(std::vector<sm::DiskQuestion> questions, sm::Wanted)
+{
+    g_asked.push_back(questions.size());
+    return std::vector<bool>(questions.size());
+}
+
+} // namespace
+
+TEST_F(DbUtil, WhatTheDiskDoesNotAnswerInTimeIsNotTheDrawing)
+{
+    std::filesystem::create_directory_symlink(folder.path(), folder.path() / "link");
+    const TvString linked = folder.file("link/a.dwg"), stored = folder.file("a.dwg");
+    g_asked.clear();
+    sm::setDiskAsker(&answerNo);
+    Sheets sheets;
+    EXPECT_EQ(find(linked, 0x1F), nullptr);
+    EXPECT_FALSE(KvDbUtil::GetAllSheetOfOneDwgInSheetSet(set, linked.kwszPtr(), sheets));
+    EXPECT_EQ(g_asked, (std::vector<std::size_t>{1, 2})) << "those of that name, all at once";
+    EXPECT_EQ(find(stored, 0x1F), first) << "the same text needs no disk";
+    sm::setDiskAsker(nullptr);
+    EXPECT_EQ(find(linked, 0x1F), first);
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include <base/file_identity.h>
 #include <base/tv_string.h>
 #include <core/apart_work.h>
 #include <core/drawing_info_cache.h>
@@ -42,8 +43,13 @@ public:
     enum class Depth { Place, Facts, Content }; ///< each one tells what the former tells, and more
     struct Question {
         TvString stored;
-        std::vector<TvString> places;    ///< that may be asked; the first with something counts
-        std::vector<TvString> documents; ///< which drawings are open
+        std::vector<TvString> places; ///< that may be asked; the first with something counts
+        /// A drawing that is open. Its own folder is not asked: it may not answer any more.
+        struct OpenDrawing {
+            TvString name;
+            std::optional<base::FileIdentity> file;
+        };
+        std::vector<OpenDrawing> documents;
         Depth depth = Depth::Place;
         bool isKnown = false; ///< its content, as of:
         TvString knownPath;

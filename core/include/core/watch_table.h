@@ -29,6 +29,8 @@ struct WatchEntry {
 
     /// Takes time and file over: what is there now is known.
     void takeFile();
+    /// The same of a version that was read already; the disk is not asked.
+    void takeStamp(const base::FileStamp& seen);
     /// A set that was made and not saved yet has no file that could go.
     bool neverHadAFile() const { return fileTime == 0 && !stamp; }
 };

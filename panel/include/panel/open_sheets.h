@@ -20,6 +20,10 @@ using WaitForDisk = std::function<bool(const TvString& file, const std::function
 std::optional<core::DrawingFacts> placeOfDrawing(const TvSmTvDbLayoutReference& reference,
                                                  const WaitForDisk& wait = {});
 
+/// The same for a question that was made before.
+std::optional<core::DrawingFacts> lookInTime(core::DrawingLook::Question question,
+                                             const WaitForDisk& wait = {});
+
 /// Opens the drawings of sheets, one after the other, and shows their layouts. One that is open
 /// already is only shown. A drawing that is not there, or an open one without the layout, leads to
 /// RecoverMissingDrawing().

@@ -65,6 +65,8 @@ private:
     TvSmDatabase* database() const;
     std::vector<TvString> selectedHandles() const;
     WaitForDisk waiting();
+    std::vector<core::DrawingLook::Question> askedBeforehand(int id) const;
+    bool isAnswered(std::vector<core::DrawingLook::Question> questions);
     void refreshStatus() { m_page.statusTimer().UpdateSheetStatusIfEnabled(); }
     void applySelection(const TvString& handle);
     void setFormat(int id);

@@ -11,7 +11,9 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <unistd.h>
 
 namespace {
@@ -160,6 +162,10 @@ KV_GATED(int, faccessat, -1, (int at, const char* path, int rights, int flags) n
          path, rights, flags)
 KV_GATED(ssize_t, readlink, -1, (const char* path, char* out, std::size_t size) noexcept, path,
          path, out, size)
+KV_GATED(int, statfs, -1, (const char* path, struct statfs* out) noexcept, path, path, out)
+KV_GATED(int, statfs64, -1, (const char* path, struct statfs64* out) noexcept, path, path, out)
+KV_GATED(int, inotify_add_watch, -1, (int queue, const char* path, std::uint32_t mask) noexcept,
+         path, queue, path, mask)
 KV_GATED(DIR*, opendir, nullptr, (const char* path), path, path)
 KV_GATED(int, rename, -1, (const char* path, const char* to) noexcept, path, path, to)
 KV_GATED(int, link, -1, (const char* path, const char* to) noexcept, path, path, to)

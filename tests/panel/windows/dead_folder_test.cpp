@@ -4,7 +4,10 @@
 #include <QTimer>
 
 #include <base/kv_file_system.h>
+#include <core/auto_open_reactor.h>
+#include <core/sheet_data.h>
 #include <core/watch_poller.h>
+#include <ed/layouts.h>
 
 #include "dead_folder.h"
 #include "page_scene.h"
@@ -30,7 +33,7 @@ protected:
         });
         ActivateSheetSet(far);
         ActivateSheetSet(database);
-        poller = std::make_unique<core::WatchPoller>(5, 60);
+        poller = std::make_unique<core::WatchPoller>(5, 60, 0);
         poller->tick();
         dlg->page().expandAll(true);
         settle();
@@ -109,6 +112,22 @@ TEST_F(DeadFolderTest, TicksGoOnAndTheSetCountsAsUnreachable)
         [this](TvSmDatabase& copy) { inCopy<TvSmSheet>(copy, plan)->setTitle(u"Other"); });
     EXPECT_TRUE(turnUntil([this] { return rows().find("1 - Other") != std::string::npos; }))
         << "the other set is watched on";
+}
+
+TEST_F(DeadFolderTest, ASetThatNothingHappenedToIsNotAskedAbout)
+{
+    share.comeBack();
+    poller = std::make_unique<core::WatchPoller>(10'000, 60, 1'000'000);
+    poller->tick(); // from now on the system tells
+    poller->tick();
+    share.die();
+    for (int i = 0; i < 50; ++i)
+        poller->tick();
+    EXPECT_EQ(share.asked(), 0);
+    poller = std::make_unique<core::WatchPoller>(0, 60, 0);
+    poller->tick();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return share.asked() > 0; }, 30000))
+        << "one that trusts nobody asks";
 }
 
 TEST_F(DeadFolderTest, TheTreeIsFilledAndItsStatusIsAskedFor)
@@ -244,6 +263,138 @@ TEST_F(DeadFolderTest, ARecentSetThatDoesNotAnswerIsNotOpenedByWhoDoesNotWait)
     QTest::mouseClick(dlg->Item<COpenComboBox>(CSheetSetDlg::kSetBox), Qt::LeftButton);
     EXPECT_EQ(waits, 1);
     EXPECT_EQ(GetCurrentDatabase(), database);
+}
+
+/// Documents and current drawings in the folder, opened while it was alive.
+class DeadDocumentTest : public DeadFolderTest
+{
+protected:
+    void openThenDie(bool readOnly = false)
+    {
+        share.comeBack();
+        ASSERT_TRUE(opened("share/plan.dwg", readOnly));
+        ASSERT_TRUE(opened("share/stair.dwg", readOnly));
+        share.die();
+    }
+};
+
+TEST_F(DeadDocumentTest, AnotherDrawingOpensAndIsLookedAt)
+{
+    openThenDie();
+    doubleClick(section);
+    EXPECT_EQ(tvDocManagerPtr()->documentCount(), 3);
+    EXPECT_EQ(tvDocManagerPtr()->mdiActiveDocument()->docTitle(), u"section.dwg");
+    click(section);
+    dlg->commands().run(panel::kOpenSheetReadOnly);
+    EXPECT_EQ(tvDocManagerPtr()->documentCount(), 3);
+}
+
+TEST_F(DeadDocumentTest, AnotherDrawingOfTheSameFileNameOpens)
+{
+    openThenDie();
+    drawingFor(section, "plan.dwg");
+    click(section);
+    dlg->commands().run(panel::kOpenSheetReadOnly);
+    EXPECT_EQ(tvDocManagerPtr()->documentCount(), 3);
+    EXPECT_EQ(tvDocManagerPtr()->mdiActiveDocument()->fileName(), folder.file("plan.dwg"));
+}
+
+TEST_F(DeadDocumentTest, MenusOpenWhileItsDrawingIsTheCurrentOne)
+{
+    drawingFor(section, "plan.dwg");
+    openThenDie(true);
+    tvDocManagerPtr()->activateDocument(
+        tvDocManagerPtr()->documentOf(folder.file("share/plan.dwg")));
+    ed::setCurrentLayout(*tvDocManagerPtr()->curDocument()->database(),
+                         DrawingMaker(*tvDocManagerPtr()->curDocument()->database()).layout(u"A1"));
+    for (const TvSmPersist* each : {plan, stair, section}) {
+        rightClick(pointOf(each));
+        EXPECT_FALSE(menus.ids.empty());
+    }
+}
+
+TEST_F(DeadDocumentTest, MenusOpenWhileASheetThereHasTheCurrentDrawingsFileName)
+{
+    share.comeBack();
+    std::filesystem::create_directory(folder.path() / "near");
+    DrawingMaker maker;
+    maker.paper(u"A1").saveAs(folder.file("near/plan.dwg"));
+    share.die();
+    TvApDocument* document = opened("near/plan.dwg", true);
+    ed::setCurrentLayout(*document->database(), maker.layout(u"A1"));
+    rightClick(pointOf(section));
+    EXPECT_FALSE(menus.ids.empty());
+    EXPECT_FALSE(panel::contextFacts(dlg->page().tree(), *at(section)).isCurrentSheetInSet);
+}
+
+TEST_F(DeadFolderTest, ADrawingOpensThatNamesASetThereOrIsASheetOfOne)
+{
+    const TvEdAutoOpenSheetSetReactor reactor;
+    set(u"SSLOCATE", 1);
+    set(u"SSMAUTOOPEN", 1);
+    share.comeBack();
+    DrawingMaker maker;
+    maker.paper(u"A1").saveAs(folder.file("shed.dwg"));
+    change(far, [&](TvSmSheetSet& top) {
+        setLayout(tvrxCast<TvSmSheet>(itemsOf(top.getSheetEnumerator()).front()),
+                  folder.file("shed.dwg"), maker.handleOf(u"A1"), u"A1");
+    });
+    TvDbDatabase scratch(false, true);
+    ASSERT_EQ(scratch.readDwgFile(folder.file("section.dwg")), TvStatus::Ok);
+    ASSERT_TRUE(WriteSheetData(
+        &scratch, {u"99", u"A1", folder.file("section.dwg"), folder.file("share/gone.dst")}));
+    ASSERT_EQ(scratch.saveAs(folder.file("orphan.dwg")), TvStatus::Ok);
+    share.die();
+    ASSERT_TRUE(opened("shed.dwg"));
+    EXPECT_EQ(GetCurrentDatabase(), far) << "it is open: it is shown";
+    ASSERT_TRUE(opened("orphan.dwg"));
+    EXPECT_TRUE(messages.asked.empty()) << "whether its set is there nobody knows";
+    ActivateSheetSet(database);
+}
+
+TEST_F(DeadFolderTest, AnotherSetIsOpenedAndThoseThereAreShownAndClosed)
+{
+    TvSmDatabase* near = made("near.dst");
+    change(near, [](TvSmSheetSet& top) { top.setName(u"Near"); });
+    manager().closeDatabase(near);
+    UpdateRecentList(folder.file("NEAR.dst"), true);
+    UpdateRecentList(folder.file("near.dst"), true);
+    menus.choice = 5; // behind two sets
+    QTest::mouseClick(dlg->Item<COpenComboBox>(CSheetSetDlg::kSetBox), Qt::LeftButton);
+    EXPECT_EQ(GetCurrentDatabase()->getFileName(), folder.file("near.dst"));
+    ActivateSheetSet(far);
+    settle();
+    EXPECT_NE(rows().find("9 - Shed"), std::string::npos);
+    dlg->commands().run(panel::kCloseSheetSet);
+    EXPECT_NE(GetCurrentDatabase(), far);
+}
+
+TEST_F(DeadFolderTest, CommandsThatAskForADrawingOrAPlaceBeforeTheirDialogMayBeGivenUp)
+{
+    refuseToWait();
+    int renamed = 0, made = 0;
+    dlg->commands().setHandler(panel::kRenameSheets, [&](auto&) { ++renamed; });
+    dlg->commands().setHandler(panel::kNewSheet, [&](auto&) { ++made; });
+    click(plan);
+    dlg->commands().run(panel::kRenameSheets);
+    EXPECT_EQ(waits, 1);
+    EXPECT_EQ(renamed, 0);
+    change(database, [&](TvSmSheetSet&) {
+        auto place = std::make_unique<TvSmFileReference>();
+        ASSERT_TRUE(place->initNew(ground, u""));
+        ASSERT_TRUE(place->setFileName(folder.file("share")));
+        ASSERT_TRUE(ground->setNewSheetLocation(place.get()));
+        place.release();
+    });
+    click(stair); // its subset has the place of the one above
+    dlg->commands().run(panel::kNewSheet);
+    EXPECT_EQ(made, 0);
+    click(section);
+    dlg->commands().run(panel::kRenameSheets);
+    EXPECT_EQ(renamed, 1);
+    click(roof);
+    dlg->commands().run(panel::kNewSheet);
+    EXPECT_EQ(made, 1);
 }
 
 } // namespace

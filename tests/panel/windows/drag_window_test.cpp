@@ -170,4 +170,67 @@ TEST_F(DragWindowTest, OtherCommandsStayAwayMeanwhile)
     EXPECT_EQ(database->getLockStatus(), 0);
 }
 
+TEST_F(DragWindowTest, WhileThePointerStandsAtAnEdgeTheDropGoesToWhatScrolledUnderIt)
+{
+    change(database, [this](TvSmSheetSet&) {
+        for (int i = 0; i < 40; ++i)
+            addSheet(roof, TvString().format(u"%d", 100 + i), u"Sheet");
+    });
+    settle();
+    const QScrollBar* bar = tree().verticalScrollBar();
+    take(plan);
+    moveTo(QPoint(60, area()->height() - 2));
+    const TvString before = tree().itemUnder(QPoint(60, area()->height() - 2))->handle();
+    ASSERT_TRUE(QTest::qWaitFor([bar] { return bar->value() > 3 * bar->singleStep(); }, 10000));
+    const TvString under = tree().itemUnder(QPoint(60, area()->height() - 2))->handle();
+    ASSERT_NE(under, before);
+    release();
+    ASSERT_TRUE(at(plan)->previousSibling());
+    EXPECT_EQ(at(plan)->previousSibling()->handle(), under);
+}
+
+/// Counts what its timers do.
+class TimerCount : public QObject
+{
+public:
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        count += event->type() == QEvent::Timer;
+        return false;
+    }
+};
+
+TEST_F(DragWindowTest, BehindTheDropNoTimerGoesOn)
+{
+    TimerCount timers;
+    tree().installEventFilter(&timers);
+    take(plan);
+    moveTo(pointOf(section));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return timers.count > 0; }, 10000)) << "it ticks meanwhile";
+    moveTo(pointOf(details));
+    release();
+    settle();
+    QTest::qWait(10); // what the drop itself put off
+    timers.count = 0;
+    QTest::qWait(panel::TreeDrag::kExpandMs + 3 * panel::TreeDrag::kScrollMs);
+    EXPECT_EQ(timers.count, 0);
+    EXPECT_FALSE(at(details)->isExpanded());
+}
+
+TEST_F(DragWindowTest, ADropIsNoClickOnTheItemThatItWasTakenBy)
+{
+    click(plan);
+    click(section, Qt::ControlModifier);
+    ASSERT_EQ(items().caret(), at(plan));
+    take(section);
+    moveTo(pointOf(roof));
+    release();
+    EXPECT_EQ(rows(), "House\n Ground\n  Details\n Roof\n  1 - Plan\n  3 - Section\n Cover\n");
+    EXPECT_EQ(items().caret(), at(plan));
+    EXPECT_EQ(selectedInView(), std::vector<std::string>{"1 - Plan"});
+}
+
 } // namespace

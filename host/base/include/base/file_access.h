@@ -6,6 +6,7 @@
 #include <string>
 
 #include <base/clock.h>
+#include <base/file_identity.h>
 #include <base/file_ops.h>
 #include <base/kv_file_system.h>
 
@@ -37,6 +38,7 @@ public:
     std::uint64_t getModificationTime(const TvString& path);
     bool isReadOnly(const TvString& path);
     bool isSameFile(const TvString& left, const TvString& right);
+    std::optional<FileIdentity> identityOf(const TvString& path); ///< as base::identityOf()
     std::vector<KvFileSystem::Entry> listFolder(const TvString& folder);
     void allowHost(const TvString& host);
     bool isTouchAllowed(const TvString& path) const;

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 
+#include <base/file_identity.h>
 #include <base/tv_string.h>
 #include <db/drawing_file.h>
 #include <rx/tv_rx_object.h>
@@ -24,6 +25,9 @@ class TvApDocument : public TvRxObject
     TvString docTitle() const;
     /// Whether the drawing has a file.
     bool isNamedDrawing() const;
+    /// Which file the drawing came from or was saved to last; nullopt without one. The disk is not
+    /// asked: its folder may not answer any more.
+    const std::optional<base::FileIdentity>& fileIdentity() const { return m_fileIdentity; }
     TvDbDatabase* database() const { return m_database.get(); }
     /// Opened for looking only: it cannot be saved under its own name.
     bool isReadOnly() const { return m_isReadOnly; }
@@ -41,6 +45,7 @@ private:
     std::unique_ptr<TvDbDatabase> m_database;
     TvString m_title; // of a drawing without a file
     bool m_isReadOnly = false;
+    std::optional<base::FileIdentity> m_fileIdentity;
     std::optional<db::FileFormat> m_savedFormat;
     int m_savedVersion = 0; // 0: never saved in a version that was named
     int m_locks = 0;
