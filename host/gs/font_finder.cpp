@@ -26,6 +26,12 @@ void addFamily(const Pattern& pattern, const char* family)
     FcPatternAddString(pattern.get(), FC_FAMILY, reinterpret_cast<const FcChar8*>(family));
 }
 
+void addLook(const Pattern& pattern, bool isBold, bool isItalic)
+{
+    FcPatternAddInteger(pattern.get(), FC_WEIGHT, isBold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
+    FcPatternAddInteger(pattern.get(), FC_SLANT, isItalic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
+}
+
 Pattern match(FcConfig* config, const Pattern& wanted)
 {
     FcConfigSubstitute(config, wanted.get(), FcMatchPattern);
@@ -103,8 +109,7 @@ FontFile FontFinder::find(const std::string& family, bool isBold, bool isItalic)
     if (!family.empty())
         addFamily(wanted, family.c_str());
     addFamily(wanted, kLastFamily);
-    FcPatternAddInteger(wanted.get(), FC_WEIGHT, isBold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
-    FcPatternAddInteger(wanted.get(), FC_SLANT, isItalic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
+    addLook(wanted, isBold, isItalic);
     FcPatternAddBool(wanted.get(), FC_SCALABLE, FcTrue);
     const Pattern found = match(m_config, wanted);
     FontFile file = fileOf(m_config, found);
@@ -112,7 +117,7 @@ FontFile FontFinder::find(const std::string& family, bool isBold, bool isItalic)
     return file;
 }
 
-FontFile FontFinder::withCharacter(char32_t character) const
+FontFile FontFinder::withCharacter(char32_t character, bool isBold, bool isItalic) const
 {
     const Pattern wanted(m_config ? FcPatternCreate() : nullptr);
     const Letters letters(FcCharSetCreate());
@@ -120,6 +125,7 @@ FontFile FontFinder::withCharacter(char32_t character) const
         return {};
     FcCharSetAddChar(letters.get(), character);
     addFamily(wanted, kLastFamily);
+    addLook(wanted, isBold, isItalic);
     FcPatternAddCharSet(wanted.get(), FC_CHARSET, letters.get());
     FcPatternAddBool(wanted.get(), FC_SCALABLE, FcTrue);
     const Pattern found = match(m_config, wanted);

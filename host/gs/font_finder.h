@@ -28,8 +28,8 @@ public:
 
     /// The family, or the nearest that there is.
     FontFile find(const std::string& family, bool isBold, bool isItalic) const;
-    /// A font with that character; an empty path when none has it.
-    FontFile withCharacter(char32_t character) const;
+    /// A font with that character, bold or italic if there is one; an empty path when none has it.
+    FontFile withCharacter(char32_t character, bool isBold, bool isItalic) const;
 
 private:
     _FcConfig* m_config; // owned; null on a machine without fonts

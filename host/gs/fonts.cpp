@@ -1,6 +1,7 @@
 #include "gs/fonts.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <set>
 #include <vector>
@@ -58,6 +59,31 @@ void Font::shape(const TextStretch& stretch, std::vector<ShapedLetter>& out)
 }
 
 struct Fonts::Impl {
+    /// Letters that a font borrows are bold or italic as its own are.
+    struct Look {
+        bool isBold = false, isItalic = false;
+
+        std::size_t number() const { return (isBold ? 2U : 0U) + (isItalic ? 1U : 0U); }
+    };
+    Look lookOf(const Font& font) const
+    {
+        const auto found = looks.find(&font);
+        return found == looks.end() ? Look() : found->second;
+    }
+    static LetterChange changeOf(const FontFile& file, Look look)
+    {
+        LetterChange change;
+        change.slant = look.isItalic && !file.isItalic ? kSlant : 0;
+        change.weight = look.isBold && !file.isBold ? kWeight : 0;
+        return change;
+    }
+    /// Null when no font of the machine has it.
+    Font* withCharacter(char32_t character, Look look)
+    {
+        const FontFile file = finder.withCharacter(character, look.isBold, look.isItalic);
+        return open(file, changeOf(file, look));
+    }
+
     using FileKey = std::tuple<std::string, int, LetterChange>; // path, index
 
     Font& outline(const FontFamily& family)
@@ -68,14 +94,14 @@ struct Fonts::Impl {
         if (byFamily.size() >= kMostFonts)
             return draughting;
         const FontFile file = finder.find(family.name, family.isBold, family.isItalic);
-        LetterChange change;
-        change.slant = family.isItalic && !file.isItalic ? kSlant : 0;
-        change.weight = family.isBold && !file.isBold ? kWeight : 0;
+        LetterChange change = changeOf(file, {family.isBold, family.isItalic});
         // Paragraphs break where they did with the font that was meant.
         change.meanWidth = file.isOther ? usualWidth(family.name) : 0;
         Font* font = open(file, change);
         if (!font)
             font = &draughting;
+        else
+            looks.emplace(font, Look{family.isBold, family.isItalic});
         byFamily.emplace(key, font);
         return *font;
     }
@@ -101,19 +127,20 @@ struct Fonts::Impl {
     }
 
     /// A font that has a letter and all its marks; null: none has.
-    Font* lenderOf(std::u32string_view group)
+    Font* lenderOf(std::u32string_view group, Look look)
     {
-        for (Font* font : lenders)
+        std::vector<Font*>& known = lenders[look.number()];
+        for (Font* font : known)
             if (hasAll(*font, group))
                 return font;
         for (const char32_t character : group) {
             if (isUnseen(character) || asked.size() >= kMostQuestions ||
-                !asked.insert(character).second)
+                !asked.emplace(character, look.number()).second)
                 continue;
-            Font* const font = open(finder.withCharacter(character), {});
-            if (!font || std::find(lenders.begin(), lenders.end(), font) != lenders.end())
+            Font* const font = withCharacter(character, look);
+            if (!font || std::find(known.begin(), known.end(), font) != known.end())
                 continue;
-            lenders.push_back(font);
+            known.push_back(font);
             if (hasAll(*font, group))
                 return font;
         }
@@ -139,7 +166,7 @@ struct Fonts::Impl {
             if (!font && !runs.empty() && runs.back().font && hasAll(*runs.back().font, group))
                 font = runs.back().font;
             if (!font)
-                font = lenderOf(group);
+                font = lenderOf(group, lookOf(wanted));
             if (font) {
                 add(font, at, group.size());
             } else {
@@ -155,7 +182,7 @@ struct Fonts::Impl {
     Font* fontFor(Font& wanted, char32_t character)
     {
         const std::u32string_view alone(&character, 1);
-        return hasAll(wanted, alone) ? &wanted : lenderOf(alone);
+        return hasAll(wanted, alone) ? &wanted : lenderOf(alone, lookOf(wanted));
     }
 
     void addBoxes(const TextStretch& stretch, std::vector<ShapedLetter>& out) const
@@ -169,16 +196,17 @@ struct Fonts::Impl {
     }
 
     /// From the fonts that lent letters before, else from one that the machine finds.
-    const Glyph* borrowed(char32_t character)
+    const Glyph* borrowed(char32_t character, Look look)
     {
-        for (Font* font : lenders)
+        std::vector<Font*>& known = lenders[look.number()];
+        for (Font* font : known)
             if (const Glyph* glyph = font->glyph(character))
                 return glyph;
         if (lacked.contains(character) || lacked.size() >= kMostQuestions)
             return nullptr;
-        if (Font* font = open(finder.withCharacter(character), {}))
+        if (Font* font = withCharacter(character, look))
             if (const Glyph* glyph = font->glyph(character)) {
-                lenders.push_back(font);
+                known.push_back(font);
                 return glyph;
             }
         lacked.insert(character);
@@ -191,8 +219,12 @@ struct Fonts::Impl {
     FontReader reader; // before the fonts that it reads
     std::map<FileKey, std::unique_ptr<OutlineFont>> byFile;
     std::map<std::tuple<std::string, bool, bool>, Font*> byFamily; // not owned; in byFile
-    std::vector<Font*> lenders{&draughting};                       // not owned
-    std::set<char32_t> lacked, asked;
+    std::map<const Font*, Look> looks;                             // of those in byFamily
+    std::array<std::vector<Font*>, 4> lenders{
+        // by the number of a look; not owned
+        {{&draughting}, {&draughting}, {&draughting}, {&draughting}}};
+    std::set<char32_t> lacked;
+    std::set<std::pair<char32_t, std::size_t>> asked;
     Glyph nobodyHasIt = box();
 };
 
@@ -253,7 +285,7 @@ const Glyph& Fonts::glyph(Font& font, char32_t character)
 {
     if (const Glyph* glyph = font.glyph(character))
         return *glyph;
-    const Glyph* glyph = m_impl->borrowed(character);
+    const Glyph* glyph = m_impl->borrowed(character, m_impl->lookOf(font));
     return glyph ? *glyph : m_impl->nobodyHasIt;
 }
 

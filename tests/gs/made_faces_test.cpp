@@ -90,4 +90,20 @@ TEST_F(BareMachine, SlantsMarksAndJoinedLettersAsWell)
               gs::boxOf(joined.at(0).glyph->path).width() + 0.05);
 }
 
+// On the machine that runs the tests: of what a serif face lacks, it borrows.
+TEST(BorrowedLetters, LeanWithThoseThatBorrowThem)
+{
+    gs::Fonts machine;
+    const auto width = [&](bool isItalic) {
+        gs::Font& serif = machine.find({u"DejaVu Serif", true, false, isItalic});
+        EXPECT_FALSE(serif.glyph(U'\u05D5'));
+        const auto line = machine.line(serif, U"\u05D5");
+        const gs::Box shaped = gs::boxOf(line.at(0).glyph->path);
+        const gs::Box alone = gs::boxOf(machine.glyph(serif, U'\u05D5').path);
+        EXPECT_NEAR(shaped.width(), alone.width(), 1e-9);
+        return shaped.width();
+    };
+    EXPECT_GT(width(true), width(false) + 0.05);
+}
+
 } // namespace
