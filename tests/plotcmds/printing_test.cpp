@@ -93,6 +93,22 @@ TEST_F(Printing, AFileIsHandedOverAndRemoved)
     EXPECT_FALSE(fs::exists(folder.path() / "page.pdf"));
 }
 
+TEST_F(Printing, TheFolderForFilesThatArePrintedIsMade)
+{
+    const QByteArray former = qgetenv("XDG_CACHE_HOME");
+    qputenv("XDG_CACHE_HOME", (folder.path() / "cache").c_str());
+    const fs::path first = plotcmds::temporaryPdf().utf8();
+    const fs::path second = plotcmds::temporaryPdf().utf8();
+    if (former.isEmpty())
+        qunsetenv("XDG_CACHE_HOME");
+    else
+        qputenv("XDG_CACHE_HOME", former);
+
+    EXPECT_TRUE(first.string().starts_with((folder.path() / "cache").string()));
+    EXPECT_TRUE(fs::is_directory(first.parent_path()));
+    EXPECT_NE(first, second);
+}
+
 TEST_F(Printing, WhatTheServiceComplainsOfIsTold)
 {
     program("lp", "echo 'lp: no such printer' >&2; exit 1");

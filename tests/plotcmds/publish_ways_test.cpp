@@ -3,15 +3,18 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 
 #include <db/tv_db_dictionary.h>
 #include <ed/tv_ap_doc_manager.h>
 #include <rx/tv_rx_dictionary.h>
 
+#include "attached_scene.h"
 #include "fake_programs.h"
 #include "module_scene.h"
 #include "plotcmds_ids.h"
+#include "publisher.h"
 #include "scripted_prompts.h"
 
 namespace {
@@ -252,12 +255,50 @@ TEST_F(PublishWays, WhereTheOptionsSayNoPlaceTheFolderIsAskedFor)
     EXPECT_TRUE(std::filesystem::exists(folder.path() / "sheets" / "1 Ground.pdf"));
 }
 
+TEST_F(PublishWays, AnAnswerIsTakenInFullAndWithOneEnding)
+{
+    const auto answered = [this](const char* typed, plot::OutputKind kind) {
+        prompts.files = {TvString(typed)};
+        return plotcmds::askTarget(kind, {}).utf8();
+    };
+    const std::string here = std::filesystem::current_path().string();
+    EXPECT_EQ(answered("plans", plot::kOnePdf), here + "/plans.pdf");
+    EXPECT_EQ(answered("../plans", plot::kSvgPerSheet),
+              std::filesystem::path(here).parent_path().string() + "/plans");
+    EXPECT_EQ(answered("/a/PLANS.PDF", plot::kToPrinter), "/a/PLANS.PDF");
+}
+
 TEST_F(PublishWays, WhoGivesUpTheQuestionPublishesNothing)
 {
     forgetPlace();
     publish(plot::kOnePdf);
 
     EXPECT_EQ(progress(), nullptr);
+    EXPECT_TRUE(messages.said.empty());
+}
+
+TEST_F(PublishWays, WhatASheetLacksIsListedThoughItIsMade)
+{
+    plan.addTo(plan.paper(), new TvDbBlockReference(
+                                 {50, 50, 0}, attachDrawing(plan.database(), u"Ref", u"ref.dwg")));
+    ASSERT_EQ(plan.database().saveAs(folder.file("plan.dwg")), TvStatus::Ok);
+    publish(plot::kOnePdf);
+
+    ASSERT_TRUE(waitForEnd());
+    EXPECT_EQ(line(), "Publishing is finished: 2 sheets.");
+    const auto* list = progress()->Item<QListWidget>(ProgressDialog::kFailures);
+    ASSERT_EQ(list->count(), 2);
+    EXPECT_EQ(list->item(0)->text(),
+              QStringLiteral("1 - Ground: The external reference Ref is not shown: there is no "
+                             "drawing ref.dwg."));
+}
+
+TEST_F(PublishWays, UnknownKindsOfOutputAreNone)
+{
+    for (const int kind : {-1, 4}) {
+        publish(kind);
+        EXPECT_EQ(progress(), nullptr) << kind;
+    }
     EXPECT_TRUE(messages.said.empty());
 }
 
