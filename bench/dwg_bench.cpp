@@ -13,7 +13,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <db/default_drawing.h>
 #include <db/record_editor.h>
 #include <db/summary_record.h>
 #include <dwg/bit_reader.h>
@@ -22,6 +21,7 @@
 #include <lz2004.h>
 #include <paged_container.h>
 
+#include "made_drawing.h"
 #include "ratio.h"
 
 namespace {
@@ -32,77 +32,35 @@ using Buffer = std::vector<std::uint8_t>;
 constexpr int k2000 = 1015, k2018 = 1032;
 constexpr std::size_t kWantedSize = 5u << 20;
 
-const dwg::DwgCodec& codec()
-{
-    static const dwg::DwgCodec codec;
-    return codec;
-}
-
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
 /// Adds entities of several kinds to model space, as a plan has them: coordinates that fill their
 /// bits.
 class Plan
 {
 public:
-    explicit Plan(db::Version version)
-        : m_version(version), m_content(db::makeDefaultDrawing(version, db::Measurement::Metric)),
-          m_next(m_content.header.handle("HANDSEED"))
-    {
-    }
+    explicit Plan(db::Version version) : m_drawing(version) {}
 
     Buffer withEntities(int count)
     {
         std::vector<db::Record> entities;
         for (int i = 0; i < count; ++i)
             entities.push_back(entity(i));
-        std::vector<db::Record>& all = m_content.objects;
-        own(entities);
-        std::move(entities.begin(), entities.end(), std::back_inserter(all));
-        db::RecordEditor(m_content.header).setHandle("HANDSEED", m_next);
-        return written();
+        return m_drawing.fileWith(std::move(entities));
     }
 
 private:
-    void own(const std::vector<db::Record>& entities)
-    {
-        for (db::Record& record : m_content.objects)
-            if (record.handle() == m_content.header.handle("BRMSPACE")) {
-                db::ArrayEditor owned = db::RecordEditor(record).array("owned");
-                owned.resize(static_cast<std::uint32_t>(entities.size()));
-                for (std::uint32_t i = 0; i < owned.size(); ++i)
-                    owned.setHandle(i, entities[i].handle());
-                db::RecordEditor(record).setHandle("first_entity", entities.front().handle());
-                db::RecordEditor(record).setHandle("last_entity", entities.back().handle());
-            }
-    }
-
     double noise() { return (m_noise = m_noise * 6364136223846793005u + 1) * 0x1p-44; }
 
     db::Record entity(int index)
     {
         static constexpr const char* kClasses[] = {"LINE", "LINE",   "LWPOLYLINE", "CIRCLE",
                                                    "ARC",  "INSERT", "TEXT",       "LINE"};
-        db::Record record(*db::classNamed(kClasses[index % 8]));
-        record.setHandle(m_next++);
-        record.setTypeNumber(record.classDef()->typeNumber());
-        record.setVersion(m_version);
+        db::Record record = m_drawing.entity(kClasses[index % 8], index);
         db::RecordEditor edit(record);
-        edit.setInteger("entmode", 2);
-        edit.setFlag("nolinks", true);
-        edit.setHandle("layer", m_content.header.handle("CLAYER"));
         for (const char* field : {"start", "end", "center", "ins_pt"})
             edit.setPoint(field, {noise(), noise(), field[0] == 'i' ? noise() : 0});
         for (const char* field : {"radius", "start", "end", "height"})
             edit.setReal(field, noise());
-        edit.setText("text", u"General arrangement, level " +
-                                 std::u16string(1, static_cast<char16_t>(u'0' + index % 10)));
-        edit.setHandle("style", m_content.header.handle("TEXTSTYLE"));
-        edit.setHandle("block", m_content.header.handle("BRPSPACE"));
+        edit.setHandle("block", m_drawing.handle("BRPSPACE"));
         if (record.has("points")) {
             db::ArrayEditor points = edit.array("points");
             points.resize(12);
@@ -112,26 +70,7 @@ private:
         return record;
     }
 
-    Buffer written()
-    {
-        std::map<std::uint64_t, const db::Record*> records;
-        std::vector<std::uint64_t> handles;
-        for (const db::Record& record : m_content.objects) {
-            records.emplace(record.handle(), &record);
-            handles.push_back(record.handle());
-        }
-        db::Contents contents;
-        contents.changed = &records;
-        contents.header = &m_content.header;
-        contents.handles = handles;
-        const auto bytes = codec().write(contents, m_version);
-        require(bool(bytes));
-        return *bytes;
-    }
-
-    db::Version m_version;
-    db::DrawingContent m_content;
-    std::uint64_t m_next;
+    MadeDrawing m_drawing;
     std::uint64_t m_noise = 88172645463325252u;
 };
 

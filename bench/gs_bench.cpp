@@ -2,20 +2,18 @@
 // and the time between two frames.
 
 #include <cmath>
-#include <cstdlib>
-#include <map>
 #include <memory>
 #include <string>
 
 #include <benchmark/benchmark.h>
 #include <cairo.h>
 
-#include <db/default_drawing.h>
 #include <db/record_editor.h>
 #include <db/tv_db_layout.h>
 #include <dwg/dwg_codec.h>
 #include <gs/picture.h>
 
+#include "made_drawing.h"
 #include "ratio.h"
 
 namespace {
@@ -28,18 +26,6 @@ constexpr int kWidth = 1600, kHeight = 1000;
 constexpr double kFramesPerSecond = 60;
 constexpr db::Version kVersion = db::Version::Ac1032;
 
-void require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
-const dwg::DwgCodec& codec()
-{
-    static const dwg::DwgCodec codec;
-    return codec;
-}
-
 /// A floor plan: rooms in rows, and in each the same number of things of its size: walls,
 /// outlines, doors, fixtures, names.
 class Plan
@@ -48,35 +34,16 @@ public:
     static constexpr int kThingsOfRoom = 20;
     static constexpr double kRoom = 6;
 
-    Plan() : m_content(db::makeDefaultDrawing(kVersion, db::Measurement::Metric))
-    {
-        m_next = m_content.header.handle("HANDSEED");
-    }
-
     Buffer withEntities(int count)
     {
         m_rooms = static_cast<int>(std::ceil(std::sqrt(count / double(kThingsOfRoom))));
         std::vector<db::Record> entities;
         for (int i = 0; i < count; ++i)
             entities.push_back(entity(i));
-        own(entities);
-        std::move(entities.begin(), entities.end(), std::back_inserter(m_content.objects));
-        db::RecordEditor(m_content.header).setHandle("HANDSEED", m_next);
-        return written();
+        return m_drawing.fileWith(std::move(entities));
     }
 
 private:
-    void own(const std::vector<db::Record>& entities)
-    {
-        for (db::Record& record : m_content.objects)
-            if (record.handle() == m_content.header.handle("BRMSPACE")) {
-                db::ArrayEditor owned = db::RecordEditor(record).array("owned");
-                owned.resize(static_cast<std::uint32_t>(entities.size()));
-                for (std::uint32_t i = 0; i < owned.size(); ++i)
-                    owned.setHandle(i, entities[i].handle());
-            }
-    }
-
     double within()
     {
         m_noise = std::fmod(m_noise * 16807, 2147483647.0);
@@ -89,13 +56,8 @@ private:
                                                    "ARC",  "LINE", "TEXT",       "LINE"};
         const int room = index / kThingsOfRoom;
         const double x = room % m_rooms * kRoom, y = room / m_rooms * kRoom;
-        db::Record record(*db::classNamed(kClasses[index % 8]));
-        record.setHandle(m_next++);
-        record.setTypeNumber(record.classDef()->typeNumber());
-        record.setVersion(kVersion);
+        db::Record record = m_drawing.entity(kClasses[index % 8], index);
         db::RecordEditor edit(record);
-        edit.setInteger("entmode", 2);
-        edit.setHandle("layer", m_content.header.handle("CLAYER"));
         const double atX = x + within() * kRoom * 0.7, atY = y + within() * kRoom * 0.7;
         edit.setPoint("start", {atX, atY, 0});
         edit.setPoint("end", {atX + within() * kRoom * 0.3, atY + within() * kRoom * 0.3, 0});
@@ -107,9 +69,6 @@ private:
             edit.setReal("start", within() * 3);
             edit.setReal("end", 3 + within() * 3);
         }
-        edit.setText("text", u"General arrangement, level " +
-                                 std::u16string(1, static_cast<char16_t>(u'0' + index % 10)));
-        edit.setHandle("style", m_content.header.handle("TEXTSTYLE"));
         if (record.has("points")) {
             db::ArrayEditor points = edit.array("points");
             points.resize(12);
@@ -119,25 +78,7 @@ private:
         return record;
     }
 
-    Buffer written()
-    {
-        std::map<std::uint64_t, const db::Record*> records;
-        std::vector<std::uint64_t> handles;
-        for (const db::Record& record : m_content.objects) {
-            records.emplace(record.handle(), &record);
-            handles.push_back(record.handle());
-        }
-        db::Contents contents;
-        contents.changed = &records;
-        contents.header = &m_content.header;
-        contents.handles = handles;
-        const auto bytes = codec().write(contents, kVersion);
-        require(bool(bytes));
-        return *bytes;
-    }
-
-    db::DrawingContent m_content;
-    std::uint64_t m_next = 0;
+    MadeDrawing m_drawing{kVersion};
     double m_noise = 42;
     int m_rooms = 1;
 };

@@ -67,10 +67,6 @@ void followRolledBack(TvSmDatabase& database, const std::vector<Visited>& visite
             RenameLayoutOfSheet(layoutOf(database, each.handle), each.before.layoutName);
 }
 
-} // namespace
-
-namespace {
-
 /// What renameSheets() does, but for the labels once the set has its former names again.
 bool walk(TvSmDatabase* database, RenameWalkPorts& ports, std::vector<Visited>& visited)
 {

@@ -2,6 +2,7 @@
 
 #include <db/attached_drawings.h>
 
+#include "attach_drawing.h"
 #include "real_drawing.h"
 #include "temp_folder.h"
 
@@ -24,23 +25,6 @@ protected:
 
     TempFolder folder;
 };
-
-TvDbObjectId attach(TvDbDatabase& drawing, const TvChar* name, const TvChar* path,
-                    bool isUnloaded = false)
-{
-    TvDbObjectPointer<TvDbBlockTable> blocks(drawing.symbolTableId(TvDb::SymbolTable::Block),
-                                             TvDb::kForWrite);
-    auto* block = new TvDbBlockTableRecord;
-    block->setName(name);
-    TvDbObjectId id;
-    EXPECT_EQ(blocks->add(id, block), TvStatus::Ok);
-    db::RecordEditor edit = block->edit();
-    edit.setFlag("is_xref", true);
-    edit.setFlag("xref_unloaded", isUnloaded);
-    edit.setText("xref_path", path);
-    block->close();
-    return id;
-}
 
 } // namespace
 
@@ -111,16 +95,16 @@ TEST_F(AttachedDrawingsTest, LostReferencesAreToldWithTheirReasons)
     folder.write("broken.dwg", "AC1032 nothing more");
     {
         const auto mid = openBytes(minimalDrawing("line-ac1032.dwg"));
-        attach(*mid, u"Nested", u"nested.dwg");
+        attachDrawing(*mid, u"Nested", u"nested.dwg");
         ASSERT_EQ(mid->saveAs(folder.file("mid.dwg")), TvStatus::Ok);
     }
     const auto host = openBytes(minimalDrawing("line-ac1032.dwg"));
-    attach(*host, u"A", u"a.dwg");
-    attach(*host, u"Gone", u"gone.dwg");
-    attach(*host, u"Off", u"gone2.dwg", true);
-    attach(*host, u"Broken", u"broken.dwg");
-    attach(*host, u"Far", u"\\\\server\\share\\far.dwg");
-    attach(*host, u"Mid", u"mid.dwg");
+    attachDrawing(*host, u"A", u"a.dwg");
+    attachDrawing(*host, u"Gone", u"gone.dwg");
+    attachDrawing(*host, u"Off", u"gone2.dwg", false, true);
+    attachDrawing(*host, u"Broken", u"broken.dwg");
+    attachDrawing(*host, u"Far", u"\\\\server\\share\\far.dwg");
+    attachDrawing(*host, u"Mid", u"mid.dwg");
     ASSERT_EQ(host->saveAs(folder.file("host.dwg")), TvStatus::Ok);
     db::AttachedDrawings attached;
     std::vector<std::pair<std::string, base::Reason>> told;
@@ -143,7 +127,7 @@ TEST_F(AttachedDrawingsTest, BytesStandForAFile)
     ASSERT_EQ(db::readBytesAs(drawing, minimalDrawing("line-ac1032.dwg"), folder.file("host.dwg")),
               TvStatus::Ok);
     EXPECT_EQ(drawing.getFilename(), folder.file("host.dwg"));
-    const TvDbObjectId id = attach(drawing, u"A", u"a.dwg");
+    const TvDbObjectId id = attachDrawing(drawing, u"A", u"a.dwg");
     EXPECT_EQ(TvDbObjectPointer<TvDbBlockTableRecord>(id)->xrefStatus(), TvDb::kXrfResolved);
     TvDbDatabase broken(false, true);
     EXPECT_NE(db::readBytesAs(broken, {1, 2, 3}, folder.file("host.dwg")), TvStatus::Ok);

@@ -4,28 +4,11 @@
 
 #include <base/faulty_file_ops.h>
 
+#include "attach_drawing.h"
 #include "real_drawing.h"
 #include "temp_folder.h"
 
 namespace {
-
-TvDbObjectId addXref(TvDbDatabase& drawing, const TvString& name, const TvString& path,
-                     bool isOverlay = false, bool isUnloaded = false)
-{
-    TvDbObjectPointer<TvDbBlockTable> blocks(drawing.symbolTableId(TvDb::SymbolTable::Block),
-                                             TvDb::kForWrite);
-    auto* block = new TvDbBlockTableRecord;
-    block->setName(name);
-    TvDbObjectId id;
-    EXPECT_EQ(blocks->add(id, block), TvStatus::Ok);
-    db::RecordEditor edit = block->edit();
-    edit.setFlag("is_xref", true);
-    edit.setFlag("xref_overlaid", isOverlay);
-    edit.setFlag("xref_unloaded", isUnloaded);
-    edit.setText("xref_path", path.view());
-    block->close();
-    return id;
-}
 
 class XrefTest : public testing::TestWithParam<std::string>
 {
@@ -40,8 +23,8 @@ protected:
     {
         const auto drawing = openBytes(minimalDrawing("line-" + GetParam() + ".dwg"));
         for (const Ref& ref : refs)
-            addXref(*drawing, TvString(base::utf16FromUtf8(ref.name)), ref.path, ref.isOverlay,
-                    ref.isUnloaded);
+            attachDrawing(*drawing, TvString(base::utf16FromUtf8(ref.name)), ref.path,
+                          ref.isOverlay, ref.isUnloaded);
         std::filesystem::create_directories((folder.path() / name).parent_path());
         EXPECT_EQ(drawing->saveAs(folder.file(name)), TvStatus::Ok);
     }
@@ -229,7 +212,7 @@ TEST_P(XrefTest, WhatCannotBeReadOrAskedForIsUnresolved)
 TEST(Xrefs, OfADrawingWithoutAFileWithRelativePathsAreUnresolved)
 {
     TvDbDatabase drawing(true, true);
-    const TvDbObjectId id = addXref(drawing, u"Base", u"base.dwg");
+    const TvDbObjectId id = attachDrawing(drawing, u"Base", u"base.dwg");
     EXPECT_EQ(TvDbObjectPointer<TvDbBlockTableRecord>(id)->xrefStatus(), TvDb::kXrfUnresolved);
     TvDbXrefGraph graph;
     ASSERT_EQ(tvdbGetHostDwgXrefGraph(&drawing, graph, false), TvStatus::Ok);

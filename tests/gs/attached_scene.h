@@ -5,27 +5,9 @@
 #include <db/tv_db_text.h>
 #include <dwg/dwg_codec.h>
 
+#include "attach_drawing.h"
 #include "scene_tools.h"
 #include "temp_folder.h"
-
-/// Puts a block that refers to another drawing into @p drawing.
-inline TvDbObjectId attachDrawing(TvDbDatabase& drawing, const TvChar* name, const TvChar* path,
-                                  bool isOverlay = false, bool isUnloaded = false)
-{
-    TvDbObjectPointer<TvDbBlockTable> blocks(drawing.symbolTableId(TvDb::SymbolTable::Block),
-                                             TvDb::kForWrite);
-    auto* block = new TvDbBlockTableRecord;
-    block->setName(name);
-    TvDbObjectId id;
-    EXPECT_EQ(blocks->add(id, block), TvStatus::Ok);
-    db::RecordEditor edit = block->edit();
-    edit.setFlag("is_xref", true);
-    edit.setFlag("xref_overlaid", isOverlay);
-    edit.setFlag("xref_unloaded", isUnloaded);
-    edit.setText("xref_path", path);
-    block->close();
-    return id;
-}
 
 /// A new drawing that shows others.
 class AttachedScene : public DrawingScene

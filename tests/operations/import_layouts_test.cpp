@@ -200,6 +200,15 @@ TEST_F(ImportLayoutsTest, InTheOrderOfTabsStandAsTheDrawingShowsThem)
     EXPECT_EQ(rows(drawings), (Lines{"tabs.dwg: Ape 404", "tabs.dwg: Zebra 404"}));
 }
 
+TEST_F(ImportLayoutsTest, AreAnnouncedDrawingByDrawing)
+{
+    const Paths drawings{drawing("a.dwg", {u"A"}), path("gone.dwg"), drawing("b.dwg", {u"B"})};
+    int announced = 0;
+    operations::loadLayouts(drawings, {&manager()}, operations::LayoutOrder::Dictionary,
+                            [&] { ++announced; });
+    EXPECT_EQ(announced, 3);
+}
+
 TEST_F(ImportLayoutsTest, OfASetBesidesCountAsThoseOfAnOpenOne)
 {
     const TvString plans = drawing("Plans.dwg", {u"Level 1"});

@@ -1,100 +1,13 @@
 // Renames of many drawings on a disk that fails, and beside people who do not wait.
 
-#include <utility>
-
 #include <sys/stat.h>
 
-#include <operations/rename_apply.h>
-
-#include "rename_scene.h"
-
-using operations::RenamePlan;
-using operations::RenameRecovery;
-using Kind = base::FaultyFileOps::Kind;
+#include "rename_fault_scene.h"
 
 namespace {
 
-class RenameFaultTest : public RenameTest
+class RenameFaultTest : public RenameFaultScene
 {
-protected:
-    /// New numbers, layouts and files for all sheets.
-    RenamePlan all() const
-    {
-        return operations::planRename(operations::renumberTargets(
-            *house, *operations::SheetNumbers::make(u"A-10", 1), {true, true}));
-    }
-    base::Status apply(const RenamePlan& effects)
-    {
-        return operations::applyRename(*database, effects,
-                                       [this] { return database->unlockDb(database, true); });
-    }
-    /// Names and contents of all that a user made.
-    std::map<std::string, std::string> files() const
-    {
-        std::map<std::string, std::string> found;
-        for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
-            const std::string name = entry.path().filename().string();
-            if (name.ends_with(".dwg") || name.starts_with(".kvrename"))
-                found[name] = folder.read(name);
-        }
-        return found;
-    }
-    std::vector<std::string> names() const
-    {
-        std::vector<std::string> all;
-        for (const auto& [name, content] : files())
-            all.push_back(name);
-        return all;
-    }
-    /// As if the machine had stopped in front of the writing of the set: everything but the set is
-    /// where it was at that moment.
-    void stopBeforeTheSetIsWritten(const RenamePlan& effects)
-    {
-        const auto isOfRename = [](const std::filesystem::path& path) {
-            const std::string name = path.filename().string();
-            return name.ends_with(".dwg") || name.starts_with(".kvrename") ||
-                   name == ".house.dst.rename";
-        };
-        const std::filesystem::path image = folder.path() / "image";
-        std::filesystem::create_directory(image);
-        const auto ofRename = [&](const std::filesystem::path& where) {
-            std::vector<std::filesystem::path> found;
-            for (const auto& entry : std::filesystem::directory_iterator(where))
-                if (isOfRename(entry.path()))
-                    found.push_back(entry.path());
-            return found;
-        };
-        EXPECT_FALSE(operations::applyRename(*database, effects, [&] {
-            for (const auto& file : ofRename(folder.path()))
-                std::filesystem::copy(file, image / file.filename());
-            return false;
-        }));
-        ASSERT_TRUE(database->unlockDb(database, false));
-        for (const auto& file : ofRename(folder.path()))
-            std::filesystem::remove(file);
-        for (const auto& file : ofRename(image))
-            std::filesystem::copy(file, folder.path() / file.filename());
-        ASSERT_EQ(names().size(), 2u + effects.drawings.size()) << "new ones, and former contents";
-    }
-    void recover()
-    {
-        ASSERT_TRUE(database->getLockStatus() == 1 || database->lockDb(database));
-        EXPECT_TRUE(operations::recoverRename(*database));
-        EXPECT_TRUE(database->unlockDb(database, false));
-    }
-    /// Called once, in front of the first move of a file of that name.
-    void beforeMoveOf(const std::string& name, std::function<void()> step)
-    {
-        ops.before = [this, name, step](int, const base::FaultyFileOps::Call& call) {
-            if (call.kind != Kind::RenameNew || std::filesystem::path(call.path).filename() != name)
-                return;
-            const auto only = std::exchange(ops.before, nullptr); // keeps this function alive
-            step();
-        };
-    }
-
-    const std::vector<std::string> oldNames{"plan.dwg", "section.dwg"};
-    const std::vector<std::string> newNames{"A-10 Plan.dwg", "A-12 Section.dwg"};
 };
 
 TEST_F(RenameFaultTest, WhicheverCallFailsItIsAllOldOrAllNewOnceRecovered)
@@ -188,55 +101,56 @@ TEST_F(RenameFaultTest, WhatSomebodyMadeOfANewDrawingBeforeItWentBackIsKeptBesid
     EXPECT_EQ(folder.read("section.dwg"), before.at("section.dwg"));
 }
 
-TEST_F(RenameFaultTest, WhatSomebodyMadeOfANewDrawingBeforeTheRecoveryIsKeptBesideIt)
+TEST_F(RenameFaultTest, ANewContentWhoseWritingFailedAtItsEndIsNotUsed)
 {
-    const auto before = files();
-    stopBeforeTheSetIsWritten(all());
-    folder.write("A-12 Section.dwg", "their work");
-    recover();
-    const std::vector<std::string> now = names();
-    ASSERT_EQ(now.size(), 3u);
-    EXPECT_TRUE(now[0].starts_with("A-12 Section (recovered ")) << now[0];
-    EXPECT_EQ(folder.read(now[0]), "their work");
-    EXPECT_EQ(folder.read("plan.dwg"), before.at("plan.dwg"));
-    EXPECT_EQ(folder.read("section.dwg"), before.at("section.dwg"));
+    ops.before = [this](int n, const base::FaultyFileOps::Call& call) {
+        if (call.kind == Kind::Close && call.path.ends_with(".new"))
+            ops.failAt(n, EIO);
+    };
+    EXPECT_FALSE(apply(all()));
+    ops.before = nullptr;
+    EXPECT_EQ(names(), oldNames);
 }
 
-TEST_F(RenameFaultTest, ARecoveryOverwritesNoDrawingThatSomebodyPutInItsPlace)
+TEST_F(RenameFaultTest, AFormerContentThatIsGoneAlreadyLeavesNothingToDo)
 {
-    const auto before = files();
-    stopBeforeTheSetIsWritten(all());
-    folder.write("section.dwg", "their work");
-    ASSERT_TRUE(database->lockDb(database));
-    EXPECT_FALSE(operations::recoverRename(*database));
-    EXPECT_EQ(folder.read("section.dwg"), "their work");
-    EXPECT_TRUE(operations::hasRenameToRecover(database->getFileName())) << "for another try";
-    std::filesystem::rename(folder.path() / "section.dwg", folder.path() / "theirs");
-    recover();
-    EXPECT_TRUE(files() == before);
+    EXPECT_TRUE(operations::applyRename(*database, all(), [this] {
+        for (const std::string& name : names())
+            if (name.ends_with(".old"))
+                std::filesystem::remove(folder.path() / name);
+        return database->unlockDb(database, true);
+    }));
     EXPECT_FALSE(operations::hasRenameToRecover(database->getFileName()));
 }
 
-TEST_F(RenameFaultTest, ASetThatSomebodyChangedMeanwhileWithoutTheNewNamesIsTakenBackToo)
+TEST_F(RenameFaultTest, TheNewNamesAreOnTheDiskBeforeTheSetIsWritten)
 {
-    const auto before = files();
-    stopBeforeTheSetIsWritten(all());
-    change(database, [this](TvSmSheetSet&) { section->setTitle(u"Cut"); });
-    recover();
-    EXPECT_TRUE(files() == before);
-    EXPECT_EQ(section->getNumber(), u"3");
+    base::FaultyFileOps noting(base::systemFileOps());
+    noting.skipFlushing();
+    sm::environment().files = &noting;
+    EXPECT_TRUE(operations::applyRename(*database, all(), [&] {
+        const auto& calls = noting.trace();
+        const auto isMove = [](const auto& call) { return call.kind == Kind::RenameNew; };
+        const auto last = std::ranges::find_if(calls.rbegin(), calls.rend(), isMove).base();
+        const auto isFolder = [this](const auto& call) {
+            return call.kind == Kind::Flush && call.path == folder.path().string();
+        };
+        EXPECT_TRUE(std::any_of(last, calls.end(), isFolder));
+        return database->unlockDb(database, true);
+    }));
+    sm::environment().files = &ops;
 }
 
-TEST_F(RenameFaultTest, ASetThatNobodyWroteIsTakenBackEvenIfItHadTheNewNamesBefore)
+TEST_F(RenameFaultTest, WhatHindersTheWayBackIsToldRatherThanWhatBeganIt)
 {
-    const auto before = files();
-    operations::SheetTarget target; // the set calls the layout so already
-    target.sheet = stair;
-    target.layout = u"old name";
-    stopBeforeTheSetIsWritten(operations::planRename(std::vector{target}));
-    recover();
-    EXPECT_TRUE(files() == before);
-    EXPECT_EQ(layoutOnDisk(stair), u"A2");
+    const base::Status status = operations::applyRename(*database, all(), [this] {
+        folder.write("section.dwg", "their work");
+        return false;
+    });
+    EXPECT_FALSE(status);
+    EXPECT_NE(status.failure(), base::Failure::Interrupted);
+    EXPECT_EQ(folder.read("section.dwg"), "their work");
+    EXPECT_TRUE(operations::hasRenameToRecover(database->getFileName()));
 }
 
 TEST_F(RenameFaultTest, ASetThatWasWrittenAlthoughTheAnswerWasLostHasTheNewNames)
@@ -247,6 +161,16 @@ TEST_F(RenameFaultTest, ASetThatWasWrittenAlthoughTheAnswerWasLostHasTheNewNames
     }));
     EXPECT_EQ(names(), newNames);
     EXPECT_FALSE(operations::hasRenameToRecover(database->getFileName()));
+}
+
+TEST_F(RenameFaultTest, ASetThatSomebodyElseWroteInsteadHasNotTheNewNames)
+{
+    EXPECT_FALSE(operations::applyRename(*database, all(), [this] {
+        EXPECT_TRUE(database->unlockDb(database, false));
+        change(database, [](TvSmSheetSet& top) { top.setName(u"House 2"); });
+        return false;
+    }));
+    EXPECT_EQ(names(), oldNames);
 }
 
 TEST_F(RenameFaultTest, WhoChangesHisMindIsToldOfNoOtherFailure)
@@ -265,22 +189,6 @@ TEST_F(RenameFaultTest, NothingButTheDrawingsAndTheNoteForTheUndoIsLeft)
             name.starts_with(".") && name.find(".dwg") != std::string::npos)
             hidden.push_back(name);
     EXPECT_EQ(hidden, std::vector<std::string>());
-    EXPECT_TRUE(isThere(".house.dst.renamed"));
-}
-
-TEST_F(RenameFaultTest, AJournalAtItsEndIsFinishedWhateverTheSetSays)
-{
-    operations::RenameJournal journal;
-    journal.token = base::newToken();
-    journal.stage = operations::RenameStage::Done;
-    journal.drawings.push_back(
-        {folder.file("plan.dwg"), folder.file("plan.dwg"), true, base::ContentHash()});
-    folder.write(std::filesystem::path(journal.asidePath(0)).filename().string(), "former");
-    folder.write(".house.dst.rename", operations::journalText(journal));
-    const auto recovered = operations::recoverRename(*database);
-    ASSERT_TRUE(recovered);
-    EXPECT_EQ(*recovered, RenameRecovery::Finished);
-    EXPECT_EQ(names(), oldNames) << "the former content is gone";
     EXPECT_TRUE(isThere(".house.dst.renamed"));
 }
 

@@ -82,6 +82,8 @@ TEST_F(LookAfterTest, WhatTheSetDoesNotHaveYetIsTakenBackWhenTheUserSaysSo)
     EXPECT_EQ(messages.numbers(), std::vector<int>{kTakeBack});
     EXPECT_EQ(messages.asked.front().arguments,
               (std::vector<TvString>{folder.file("house.dst"), u"1"}));
+    EXPECT_EQ(messages.asked.front().standard, TvUserMessages::Answer::Yes);
+    EXPECT_EQ(std::ranges::count(host.told, "list reload"), 1) << "drawings have other names";
     EXPECT_TRUE(isThere("old.dwg"));
     EXPECT_FALSE(isThere("new.dwg"));
     EXPECT_FALSE(operations::hasRenameToRecover(database->getFileName()));
@@ -170,6 +172,88 @@ TEST_F(LookAfterTest, OpeningTheSetAsksWhereNobodyWatches)
     OpenSheetSetFile(folder.file("house.dst"));
     EXPECT_EQ(messages.numbers(), std::vector<int>{kTakeBack});
     EXPECT_TRUE(isThere("old.dwg"));
+}
+
+TEST_F(LookAfterTest, WhyItCouldNotBeTakenBackIsTold)
+{
+    leave(journal());
+    folder.write("old.dwg", "somebody's");
+    messages.answer = TvUserMessages::Answer::Yes;
+    operations::lookAfterRename(*database);
+    ASSERT_EQ(messages.asked.size(), 2u);
+    EXPECT_EQ(messages.asked[1].caption, kDamaged);
+    EXPECT_EQ(messages.asked[1].icon, TvUserMessages::Icon::Warning);
+    EXPECT_EQ(folder.read("old.dwg"), "somebody's");
+    EXPECT_TRUE(operations::hasRenameToRecover(database->getFileName()));
+}
+
+/// A question during which something else happens.
+class SlowAnswer : public ScriptedMessages
+{
+public:
+    SlowAnswer() { answer = Answer::Yes; }
+    Answer show(const Message& message) override
+    {
+        const auto first = std::exchange(meanwhile, nullptr);
+        if (first)
+            first();
+        return ScriptedMessages::show(message);
+    }
+    std::function<void()> meanwhile;
+};
+
+TEST_F(LookAfterTest, WhoTakesTheLockDuringTheQuestionIsToldOf)
+{
+    leave(journal());
+    base::EditLock other(base::systemFileOps(), base::systemClock(), folder.file("house.dst"));
+    SlowAnswer slow;
+    slow.meanwhile = [&] { ASSERT_TRUE(other.take(u"rename")); };
+    operations::lookAfterRename(*database);
+    ASSERT_EQ(slow.asked.size(), 2u);
+    EXPECT_EQ(slow.asked[1].caption, kDamaged);
+    EXPECT_TRUE(isThere("new.dwg"));
+}
+
+TEST_F(LookAfterTest, NothingElseIsAskedDuringTheQuestion)
+{
+    leave(journal());
+    SlowAnswer slow;
+    slow.answer = TvUserMessages::Answer::No;
+    slow.meanwhile = [&] {
+        leave(journal()); // another one
+        operations::lookAfterRename(*database);
+        EXPECT_TRUE(slow.asked.empty());
+    };
+    operations::lookAfterRename(*database);
+    EXPECT_EQ(slow.asked.size(), 1u);
+    operations::lookAfterRename(*database);
+    EXPECT_EQ(slow.asked.size(), 2u) << "its turn comes";
+}
+
+TEST_F(LookAfterTest, OfASetThatIsClosedDuringTheQuestionNothingIsTakenBack)
+{
+    leave(journal());
+    SlowAnswer slow;
+    slow.meanwhile = [] { CloseCurrentSheetSet(); };
+    operations::lookAfterRename(*database);
+    EXPECT_EQ(slow.asked.size(), 1u);
+    EXPECT_TRUE(isThere("new.dwg"));
+    EXPECT_TRUE(isThere(".house.dst.rename"));
+}
+
+TEST_F(LookAfterTest, AJournalThatSomebodyElseLookedAfterMeanwhileIsNotAskedAbout)
+{
+    leave(journal());
+    sm::environment().files = &ops;
+    ops.reset();
+    ops.before = [this](int n, const base::FaultyFileOps::Call&) {
+        if (n == 2) // it was seen
+            std::filesystem::remove(folder.path() / ".house.dst.rename");
+    };
+    operations::lookAfterRename(*database);
+    ops.before = nullptr;
+    sm::environment().files = nullptr;
+    EXPECT_TRUE(messages.asked.empty());
 }
 
 TEST_F(LookAfterTest, ASetWithoutAJournalAsksNothing)

@@ -207,6 +207,14 @@ TEST_F(RenameSheetTest, ADrawingThatWentSinceIsToldAndNothingBecomesAFileElsewhe
     EXPECT_FALSE(isThere("nine.dwg") || std::filesystem::exists("/nine.dwg"));
 }
 
+TEST_F(RenameSheetTest, OfADrawingThatWentSinceTheNameIsThatWhichTheSetHasNow)
+{
+    SheetRename rename = loaded(plan);
+    plan->getLayoutReference()->setFileName(folder.file("moved.dwg"));
+    EXPECT_EQ(rename.apply({u"1", u"Plan", u"A1", u"plan.dwg"}, {}), RenameOutcome::DrawingGone);
+    EXPECT_EQ(rename.names().file, u"moved.dwg");
+}
+
 TEST_F(RenameSheetTest, AHandleWithoutALayoutIsALayoutThatIsMissing)
 {
     plan->getLayoutReference()->setHandle(u"1"); // of a table

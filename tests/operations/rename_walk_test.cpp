@@ -1,5 +1,7 @@
 // A walk renames sheet after sheet, and is kept or taken back as one.
 
+#include <sys/stat.h>
+
 #include "rename_scene.h"
 
 using operations::RenameNames;
@@ -90,6 +92,40 @@ TEST_F(RenameWalkTest, CancelOnTheThirdSheetBringsTheFirstTwoBackAndTheThirdWasN
     EXPECT_EQ(labels, (std::vector<TvString>{u"x1", u"x2", u"1", u"3", u"4"}))
         << "once more when they have their numbers back";
     EXPECT_EQ(database->getLockStatus(), 0);
+}
+
+TEST_F(RenameWalkTest, ADrawingWhoseLayoutKeptItsNameIsNotWrittenToTakeItBack)
+{
+    const auto inodeOf = [this](const char* name) {
+        struct stat found {
+        };
+        EXPECT_EQ(stat((folder.path() / name).c_str(), &found), 0);
+        return found.st_ino;
+    };
+    // Of the one on which the user gives up the set has a former name.
+    change(database, [this](TvSmSheetSet&) { section->getLayoutReference()->setName(u"B0"); });
+    const ino_t never = inodeOf("section.dwg");
+    ScriptedWalk walk(database, plan,
+                      {{{u"x1", u"X1", u"A1", u"x1.dwg"}, RenameStep::Next},
+                       {{u"x2", u"X2", u"L2", u"x2.dwg"}, RenameStep::Cancel}});
+    ino_t applied = 0;
+    walk.onStep = [&](std::size_t step) {
+        if (step == 1)
+            applied = inodeOf("x1.dwg");
+    };
+    EXPECT_FALSE(operations::renameSheets(database, walk));
+    EXPECT_EQ(inodeOf("plan.dwg"), applied);
+    EXPECT_EQ(inodeOf("section.dwg"), never);
+}
+
+TEST_F(RenameWalkTest, AWalkThatComesToASheetWithoutALayoutIsTakenBack)
+{
+    change(database, [](TvSmSheetSet& top) { addSheet(&top, u"5", u"Bare"); });
+    EXPECT_FALSE(walk({{{u"x1", u"X1", u"L1", u"x1.dwg"}, RenameStep::Next},
+                       {{u"x2", u"X2", u"L2", u"x2.dwg"}, RenameStep::Next},
+                       {{u"x3", u"X3", u"L3", u"x3.dwg"}, RenameStep::Next}}));
+    EXPECT_TRUE(isThere("plan.dwg") && isThere("section.dwg") && isThere("last.dwg"));
+    EXPECT_EQ(layoutOnDisk(plan) + layoutOnDisk(section) + layoutOnDisk(last), u"A1B1C1");
 }
 
 TEST_F(RenameWalkTest, OkKeepsEveryStepOfTheWalk)

@@ -316,6 +316,28 @@ TEST_F(RenumberTest, ADrawingThatChangesOrIsOpenedAfterThePlanKeepsEverythingAsI
     EXPECT_FALSE(operations::hasRenameToRecover(database->getFileName()));
 }
 
+TEST_F(RenumberTest, ADrawingThatKeepsItsNamesIsLeftToWhoHasItOpen)
+{
+    plan->getLayoutReference()->setFileName(u"plan.dwg"); // found beside the set
+    std::vector<SheetTarget> targets(2);
+    targets[0].sheet = plan;
+    targets[0].number = u"7";
+    targets[0].layout = u"A1"; // as it is called
+    targets[1].sheet = section;
+    targets[1].file = u"cut.dwg";
+    const RenamePlan effects = operations::planRename(targets);
+    {
+        const Held held(folder.file("plan.dwg"));
+        EXPECT_TRUE(applied(effects));
+    }
+    EXPECT_EQ(plan->getNumber(), u"7");
+    EXPECT_EQ(plan->getLayoutReference()->getFileName(), u"plan.dwg") << "as it was stored";
+    EXPECT_EQ(files(), (std::vector<std::string>{"cut.dwg", "plan.dwg"}));
+    std::filesystem::remove(folder.path() / "plan.dwg");
+    const auto undo = operations::planRenameUndo(*database);
+    EXPECT_TRUE(undo && !undo->hasClash()) << "nor does the undo ask for it";
+}
+
 TEST_F(RenumberTest, ASetThatCannotBeWrittenBringsAllDrawingsBack)
 {
     const std::string before = state();
@@ -337,33 +359,6 @@ TEST_F(RenumberTest, AViewThatStandsInADrawingFollowsItToo)
     ASSERT_TRUE(database->unlockDb(database, true) && relock());
     ASSERT_TRUE(applied(renumbered(u"7", false, true)));
     EXPECT_EQ(reference->getFileName(), folder.file("7 Plan.dwg"));
-}
-
-TEST_F(RenumberTest, AJournalComesBackAsItWasWrittenAndNothingElseIsOne)
-{
-    operations::RenameJournal journal;
-    journal.token = base::newToken();
-    journal.stage = operations::RenameStage::Arriving;
-    journal.before = {1, 2};
-    journal.drawings.push_back({folder.file("a b%.dwg"), folder.file("c\n.dwg"), true, {3, 4}});
-    journal.sheets.push_back({u"2A", u"", u"1\t", u"\xd800", u"T", 0, u"5E", u"L", u"M"});
-    const std::string text = operations::journalText(journal);
-    const auto read = operations::parseJournal(text);
-    ASSERT_TRUE(read);
-    EXPECT_EQ(operations::journalText(*read), text);
-    EXPECT_EQ(read->sheets, journal.sheets);
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        std::string damaged = text;
-        damaged[i] ^= 1;
-        EXPECT_FALSE(operations::parseJournal(damaged)) << i;
-        EXPECT_FALSE(operations::parseJournal(text.substr(0, i))) << i;
-    }
-    journal.sheets[0].drawing = 1;
-    EXPECT_FALSE(operations::parseJournal(operations::journalText(journal)));
-    journal.sheets[0].drawing = 0;
-    journal.drawings[0].newPath = u"/elsewhere/c.dwg";
-    EXPECT_FALSE(operations::parseJournal(operations::journalText(journal)))
-        << "no drawing leaves its folder";
 }
 
 TEST_F(RenumberTest, ADamagedJournalStopsTheRecoveryAndStays)

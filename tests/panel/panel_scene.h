@@ -2,6 +2,7 @@
 
 #include <panel/sheet_tree.h>
 
+#include "house_sheets.h"
 #include "session_scene.h"
 
 /// Notes what a tree tells, and holds it to its word: what is told about comes before what was.
@@ -64,25 +65,14 @@ inline std::string outlineOf(const panel::SheetTree& tree, panel::TreeItem* item
 }
 
 /// A set in a tree.
-///
-/// House: Ground (1 - Plan, Details (2 - Stair), 3 - Section), Roof (), Cover
-class PanelTest : public SessionTest
+class PanelTest : public SessionTest, protected HouseSheets
 {
 protected:
     void SetUp() override
     {
         SessionTest::SetUp();
         database = made("house.dst");
-        change([this](TvSmSheetSet& top) {
-            top.setName(u"House");
-            ground = addSubset(&top, u"Ground");
-            plan = addSheet(ground, u"1", u"Plan");
-            details = addSubset(ground, u"Details");
-            stair = addSheet(details, u"2", u"Stair");
-            section = addSheet(ground, u"3", u"Section");
-            roof = addSubset(&top, u"Roof");
-            cover = addSheet(&top, u"", u"Cover");
-        });
+        change([this](TvSmSheetSet& top) { makeSheets(top); });
         tree.setDatabase(database);
     }
     void TearDown() override
@@ -112,7 +102,5 @@ protected:
     }
 
     TvSmDatabase* database = nullptr;
-    TvSmSubset *ground = nullptr, *details = nullptr, *roof = nullptr;
-    TvSmSheet *plan = nullptr, *stair = nullptr, *section = nullptr, *cover = nullptr;
     panel::SheetTree tree;
 };

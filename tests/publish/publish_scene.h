@@ -8,6 +8,7 @@
 #include <rx/module_loader.h>
 
 #include "document_scene.h"
+#include "house_sheets.h"
 #include "plot_calls.h"
 
 /// The modules of one folder of the build, until a test takes them away.
@@ -29,9 +30,7 @@ public:
 };
 
 /// A set in a page, and a plot module that notes what it is asked for.
-///
-/// House: Ground (1 Plan, Details (2 Stair), 3 Section), Roof (), Cover
-class PublishTest : public DocumentTest
+class PublishTest : public DocumentTest, protected HouseSheets
 {
 protected:
     void SetUp() override
@@ -39,16 +38,7 @@ protected:
         DocumentTest::SetUp();
         use("all");
         database = made("house.dst");
-        change(database, [this](TvSmSheetSet& top) {
-            top.setName(u"House");
-            ground = addSubset(&top, u"Ground");
-            plan = addSheet(ground, u"1", u"Plan");
-            details = addSubset(ground, u"Details");
-            stair = addSheet(details, u"2", u"Stair");
-            section = addSheet(ground, u"3", u"Section");
-            roof = addSubset(&top, u"Roof");
-            cover = addSheet(&top, u"", u"Cover");
-        });
+        change(database, [this](TvSmSheetSet& top) { makeSheets(top); });
         publish::addHandlers(commands, core::ApartWork::kForEver);
         host.list = &page;
         ActivateSheetSet(database);
@@ -123,13 +113,8 @@ protected:
 
     PlotCalls calls;
     TvSmDatabase* database = nullptr;
-    TvSmSubset *ground = nullptr, *details = nullptr, *roof = nullptr;
-    TvSmSheet *plan = nullptr, *stair = nullptr, *section = nullptr, *cover = nullptr;
 
 private:
-    class Window : public panel::PageWindow
-    {
-    };
     class Program : public panel::PanelProgram
     {
     public:
@@ -137,7 +122,7 @@ private:
         void hidePanel() override {}
     };
     std::unique_ptr<TestModules> m_modules;
-    Window m_window;
+    panel::PageWindow m_window;
     Program m_program;
     base::ManualClock m_clock;
 

@@ -13,6 +13,7 @@
 #include <ui/window_state.h>
 
 #include "document_scene.h"
+#include "house_sheets.h"
 
 /// Notes the menus that are shown, and chooses what the test prepared.
 class ScriptedMenus : public ed::MenuService
@@ -33,9 +34,7 @@ public:
 };
 
 /// The page in a window, with a set that has a drawing for some of its sheets.
-///
-/// House: Ground (1 - Plan, Details (2 - Stair), 3 - Section), Roof (), Cover
-class PageTest : public DocumentTest
+class PageTest : public DocumentTest, protected HouseSheets
 {
 protected:
     void SetUp() override
@@ -47,16 +46,7 @@ protected:
         m_cookie = manager().registerEventHandler(&m_events);
         set(u"SSMSHEETSTATUS", 0);
         database = made("house.dst");
-        change(database, [this](TvSmSheetSet& top) {
-            top.setName(u"House");
-            ground = addSubset(&top, u"Ground");
-            plan = addSheet(ground, u"1", u"Plan");
-            details = addSubset(ground, u"Details");
-            stair = addSheet(details, u"2", u"Stair");
-            section = addSheet(ground, u"3", u"Section");
-            roof = addSubset(&top, u"Roof");
-            cover = addSheet(&top, u"", u"Cover");
-        });
+        change(database, [this](TvSmSheetSet& top) { makeSheets(top); });
         holder = std::make_unique<QWidget>();
         dlg = new CSheetSetDlg([] { return true; });
         ASSERT_TRUE(dlg->CreateIn(holder.get()));
@@ -161,8 +151,6 @@ protected:
 
     ScriptedMenus menus;
     TvSmDatabase* database = nullptr;
-    TvSmSubset *ground = nullptr, *details = nullptr, *roof = nullptr;
-    TvSmSheet *plan = nullptr, *stair = nullptr, *section = nullptr, *cover = nullptr;
     std::unique_ptr<QWidget> holder;
     CSheetSetDlg* dlg = nullptr; // the holder's
 
