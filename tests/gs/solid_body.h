@@ -68,6 +68,28 @@ private:
         write(text);
     }
 
+    /// In all the ways there are.
+    void longWord(const std::string& text)
+    {
+        tag(8);
+        raw(text.size(), 2);
+        write(text);
+        whole(9, static_cast<std::int64_t>(text.size()));
+        write(text);
+        tag(2);
+        raw(7, 1);
+        tag(3);
+        raw(0xFFFF, 2);
+        tag(5);
+        raw(std::bit_cast<std::uint32_t>(1.5F), 4);
+        tag(22);
+        raw(0, 8);
+        raw(0, 8);
+        tag(23);
+        raw(5, 8);
+        whole(18, 0);
+    }
+
     void writeHead()
     {
         if (isText())
@@ -118,6 +140,8 @@ private:
             tag(token == "reversed" ? 10 : 11);
         else if (token == "open")
             whole(21, 0);
+        else if (token.starts_with("\"long"))
+            longWord(token.substr(1, token.size() - 2));
         else if (token[0] == '"')
             word(7, token.substr(1, token.size() - 2));
         else if (std::isalpha(static_cast<unsigned char>(token[0])))
@@ -165,7 +189,7 @@ inline std::vector<std::string> cubeRecords()
 {
     // 0 the body, 1 its place, 8 corners from 2, their points from 10, edges and lines from 18.
     std::vector<std::string> records{
-        "body $-1 i:-1 $-1 $-1 $-1 $1",
+        "body $-1 i:-1 $-1 $-1 $-1 $1 \"a#word\" \"long\"",
         "transform $-1 i:-1 $-1 [1 0 0 0 1 0 0 0 1 100 200 0 1 no_rotate no_reflect no_shear]"};
     for (int i = 0; i < 8; ++i)
         records.push_back("vertex $-1 i:-1 $-1 $18 $" + std::to_string(10 + i));
@@ -178,7 +202,7 @@ inline std::vector<std::string> cubeRecords()
                 const std::string line = std::to_string(records.size() + 1);
                 records.push_back("edge $-1 i:-1 $-1 $" + std::to_string(2 + i) + " 0 $" +
                                   std::to_string(2 + i + side) + " 10 $-1 $" + line +
-                                  " forward \"a#word\"");
+                                  " forward \"unknown\"");
                 records.push_back("straight-curve $-1 i:-1 $-1 0,0,0 1,0,0 I I");
             }
     return records;

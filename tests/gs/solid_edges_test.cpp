@@ -126,7 +126,8 @@ TEST(SolidEdges, AFreeCurveIsDrawnBetweenItsCorners)
         // A curve that other records told before.
         const gs::SpacePath again = edgeBetween(
             form, "0,0,0", "3,0,0", "$2 $3 $-1 $7 forward",
-            {"spline-surface $-1 i:-1 $-1 forward { one { ref i:0 } } { two " + spline + " }",
+            {"spline-surface $-1 i:-1 $-1 forward { one { ref i:0 } { ref i:0 } } { two " + spline +
+                 " }",
              "intcurve-curve $-1 i:-1 $-1 forward { ref i:2 } I I"});
         ASSERT_EQ(again.points().size(), 4U) << int(form);
         expectPoint(again.points()[1], 1, 3, 0);
@@ -343,6 +344,16 @@ TEST(SolidEdges, ABentPipeShowsBowsTheShorterWay)
         ASSERT_EQ(countOf(bend, Verb::Curve), 4U + 2 * 4U) << int(form);
         expectPoint(bend.points()[0], 6, 0, 0);
         expectPoint(bend.points()[3], 0, -6, 0);
+
+        const std::string r = "3.5355339059327378", x = "0.70710678118654752";
+        const gs::SpacePath left = pipe(
+            form, "torus-surface $-1 i:-1 $-1 0,0,0 0,0,1 5 1 1,0,0 I I I I",
+            "ellipse-curve $-1 i:-1 $-1 -" + r + ',' + r + ",0 -" + x + ",-" + x + ",0 0,0,1 1",
+            '-' + r + ',' + r + ",1",
+            "ellipse-curve $-1 i:-1 $-1 -" + r + ",-" + r + ",0 " + x + ",-" + x + ",0 0,0,1 1",
+            '-' + r + ",-" + r + ",1");
+        expectPoint(left.points()[0], -6 * std::sqrt(0.5), 6 * std::sqrt(0.5), 0);
+        expectPoint(left.points()[3], -6 * std::sqrt(0.5), -6 * std::sqrt(0.5), 0);
     }
 }
 
