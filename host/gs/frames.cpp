@@ -33,10 +33,13 @@ Color meanOf(const Picture& picture)
     std::uint64_t red = 0, green = 0, blue = 0, count = 0;
     for (std::size_t i = 0; i < picture.pixels.size(); i += step, ++count) {
         const std::uint32_t pixel = picture.pixels[i];
-        red += pixel >> 16 & 0xFF, green += pixel >> 8 & 0xFF, blue += pixel & 0xFF;
+        const std::uint32_t paper = picture.isTransparent ? 255 - (pixel >> 24) : 0;
+        red += (pixel >> 16 & 0xFF) + paper;
+        green += (pixel >> 8 & 0xFF) + paper;
+        blue += (pixel & 0xFF) + paper;
     }
     const auto mean = [count](std::uint64_t sum) {
-        return static_cast<std::uint32_t>(sum / count);
+        return static_cast<std::uint32_t>(std::min<std::uint64_t>(sum / count, 255));
     };
     return Color::given(mean(red) << 16 | mean(green) << 8 | mean(blue));
 }
@@ -90,15 +93,19 @@ void drawNamedFrame(Scene& scene, const FrameArea& area, const TvString& name)
 }
 
 void fillWithPicture(Scene& scene, const FrameArea& area,
-                     const std::shared_ptr<const Picture>& picture)
+                     const std::shared_ptr<const Picture>& picture, const PictureLook& shown)
 {
     if (!picture || picture->isEmpty() || !scene.isShown())
         return;
     ItemLook look = scene.itemLook();
     look.kind = Item::Kind::EvenOddFill;
     look.color = meanOf(*picture);
+    look.alpha = static_cast<std::uint8_t>(look.alpha * (1 - std::clamp(shown.fade, 0.0, 1.0)));
+    if (shown.clip != Item::kNoClip)
+        look.clip = shown.clip;
     Filling filling;
     filling.picture = picture;
+    filling.turnsOnDark = shown.turnsOnDark;
     filling.stops = {{0, look.color}};
     // Seen from the side, heights count: its square is placed in space.
     const TvGeMatrix3d& map = scene.frame().map;
@@ -106,6 +113,23 @@ void fillWithPicture(Scene& scene, const FrameArea& area,
                                                                area.right.crossProduct(area.up));
     look.filling = scene.writer().addFilling(std::move(filling), map * square);
     scene.writer().add(look, scene.lastPath(), map);
+}
+
+void addPictureFrame(Scene& scene, const TvString& name, const FrameArea& area)
+{
+    const auto seen = [&](const TvGePoint3d& point) {
+        return scene.writer().seen(scene.frame().map * point);
+    };
+    const ItemLook look = scene.itemLook();
+    PictureFrame frame;
+    frame.fileName = name;
+    frame.origin = seen(area.origin);
+    frame.right = seen(area.origin + area.right) - frame.origin;
+    frame.up = seen(area.origin + area.up) - frame.origin;
+    frame.layer = look.layer;
+    frame.clip = look.clip;
+    frame.handle = look.handle;
+    scene.writer().addPicture(std::move(frame));
 }
 
 } // namespace gs

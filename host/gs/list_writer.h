@@ -81,6 +81,7 @@ public:
     /// Counts a visit of an entity. False when the limits are reached: end quietly.
     bool mayVisit();
     bool isFull() const { return m_list.m_isCut; }
+    const std::atomic<bool>* stop() const { return m_limits.stop; } ///< as in ListLimits
     /// The index, and the extents.
     void finish();
 

@@ -275,7 +275,8 @@ void Painter::stroke(const Item& item, PathView path)
 
 void Painter::fill(const Item& item, PathView path, Item::Kind kind, std::uint8_t alpha)
 {
-    if (!useFilling(item, alpha))
+    const bool isFilled = useFilling(item, alpha);
+    if (!isFilled)
         useColor(item, alpha);
     cairo_new_path(m_context);
     if (isNear(item.box))
@@ -284,7 +285,12 @@ void Painter::fill(const Item& item, PathView path, Item::Kind kind, std::uint8_
         traceCut(cutArea(path, m_near, 0.25 / m_scale));
     cairo_set_fill_rule(m_context, kind == Item::Kind::EvenOddFill ? CAIRO_FILL_RULE_EVEN_ODD
                                                                    : CAIRO_FILL_RULE_WINDING);
-    cairo_fill(m_context);
+    if (!isFilled || alpha == 255 || !m_list.fillingOf(item)->picture)
+        return cairo_fill(m_context);
+    cairo_save(m_context);
+    cairo_clip(m_context);
+    cairo_paint_with_alpha(m_context, alpha / 255.0);
+    cairo_restore(m_context);
 }
 
 template <class Line>

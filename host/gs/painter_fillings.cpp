@@ -31,8 +31,8 @@ cairo_pattern_t* patternOf(const Picture& picture, const cairo_matrix_t& square)
     auto* const pixels =
         reinterpret_cast<unsigned char*>(const_cast<std::uint32_t*>(picture.pixels.data()));
     cairo_surface_t* const surface = cairo_image_surface_create_for_data(
-        pixels, CAIRO_FORMAT_RGB24, picture.width, picture.height,
-        picture.width * static_cast<int>(sizeof(std::uint32_t)));
+        pixels, picture.isTransparent ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24, picture.width,
+        picture.height, picture.width * static_cast<int>(sizeof(std::uint32_t)));
     cairo_pattern_t* const pattern = cairo_pattern_create_for_surface(surface);
     cairo_surface_destroy(surface); // the pattern keeps it
     // From the square, whose y runs upwards, to rows from the top.
@@ -42,6 +42,14 @@ cairo_pattern_t* patternOf(const Picture& picture, const cairo_matrix_t& square)
     cairo_pattern_set_matrix(pattern, &map);
     cairo_pattern_set_extend(pattern, CAIRO_EXTEND_PAD);
     return pattern;
+}
+
+const Picture& shownOf(const Filling& filling, Background background)
+{
+    const Picture& picture = *filling.picture;
+    return filling.turnsOnDark && picture.onDark && background == Background::Dark
+               ? picture.onDark->of(picture)
+               : picture;
 }
 
 cairo_pattern_t* patternOf(const Filling& filling, const cairo_matrix_t& square,
@@ -73,7 +81,7 @@ bool Painter::useFilling(const Item& item, std::uint8_t alpha)
         return false;
     useCairo();
     cairo_pattern_t* const pattern =
-        filling->picture ? patternOf(*filling->picture, *square)
+        filling->picture ? patternOf(shownOf(*filling, m_options.background), *square)
                          : patternOf(*filling, *square, m_options.background, alpha);
     if (!pattern)
         return false;

@@ -130,10 +130,11 @@ std::vector<std::uint8_t> pngBytes(const Picture& picture)
     std::vector<std::uint8_t> bytes;
     if (picture.isEmpty())
         return bytes;
-    // Without alpha; cairo only reads the pixels.
+    // cairo only reads the pixels.
     Picture::Pixels pixels = picture.pixels;
     const Surface surface(cairo_image_surface_create_for_data(
-        reinterpret_cast<unsigned char*>(pixels.data()), CAIRO_FORMAT_RGB24, picture.width,
+        reinterpret_cast<unsigned char*>(pixels.data()),
+        picture.isTransparent ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24, picture.width,
         picture.height, picture.width * static_cast<int>(sizeof(std::uint32_t))));
     if (cairo_surface_write_to_png_stream(surface.get(), append, &bytes) != CAIRO_STATUS_SUCCESS)
         bytes.clear();

@@ -1,6 +1,7 @@
 #include "attachments.h"
 
 #include "lens.h"
+#include "underlay_pages.h"
 
 #include <cmath>
 #include <cstring>
@@ -213,11 +214,19 @@ void Scene::add(const ItemLook& look, const Path& flat, const TvGeMatrix3d& plac
     m_writer.add(look, flat, placed(place), coarse);
 }
 
-std::shared_ptr<const Picture> Scene::pictureOf(std::uint64_t handle, const PictureReader& read)
+std::shared_ptr<const Picture> Scene::pictureOf(std::uint64_t handle, const PictureReader& read,
+                                                const PictureTone& tone)
 {
-    const auto [at, isNew] = m_pictures.try_emplace(handle);
-    if (isNew)
+    const auto [at, isNew] = m_pictures.try_emplace({handle, tone});
+    if (!isNew)
+        return at->second;
+    if (tone.isPlain()) {
         at->second = read();
+    } else if (const auto plain = pictureOf(handle, read); plain) {
+        auto toned = std::make_shared<Picture>(*plain);
+        applyTone(*toned, tone);
+        at->second = std::move(toned);
+    }
     return at->second;
 }
 
@@ -278,6 +287,15 @@ Attachments& Scene::attachments()
     if (!m_attachments)
         m_attachments = std::make_unique<Attachments>(m_database, m_writer, m_attached);
     return *m_attachments;
+}
+
+UnderlayPages& Scene::pages()
+{
+    if (m_host)
+        return m_host->pages();
+    if (!m_pages)
+        m_pages = std::make_unique<UnderlayPages>(m_writer.stop());
+    return *m_pages;
 }
 
 const AttachedReference& Scene::referenceOf(TvDbObjectId block)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string_view>
 #include <unordered_set>
@@ -9,12 +10,14 @@
 #include <db/passing_entities.h>
 
 #include "looks.h"
+#include "picture_tone.h"
 #include "shape_files.h"
 #include "text_tools.h"
 
 namespace gs {
 struct OwnColor;
 class Attachments;
+class UnderlayPages;
 struct AttachedReference;
 class Fonts;
 struct LinePattern;
@@ -131,9 +134,13 @@ public:
     /// Puts the outline of another entity of the same block into path(), if it has one; else leaves
     /// path() as it is.
     void outlineOf(TvDbObjectId id);
-    /// What @p read gives for the object with this handle; read once for each list.
+    /// What @p read gives for the object with this handle, shown in @p tone; read once for each
+    /// list.
     using PictureReader = std::function<std::shared_ptr<const Picture>()>;
-    std::shared_ptr<const Picture> pictureOf(std::uint64_t handle, const PictureReader& read);
+    std::shared_ptr<const Picture> pictureOf(std::uint64_t handle, const PictureReader& read,
+                                             const PictureTone& tone = {});
+    /// Of the list: also what attached drawings show.
+    UnderlayPages& pages();
     /// Draws an entity that belongs to this one (an attribute), as part of it.
     void drawPart(TvDbObjectId id);
 
@@ -170,7 +177,7 @@ private:
     std::unordered_map<TvDbObjectId, LinePattern> m_patterns;
     TextTools m_textTools;
     ShapeFiles m_shapes;
-    std::unordered_map<std::uint64_t, std::shared_ptr<const Picture>> m_pictures;
+    std::map<std::pair<std::uint64_t, PictureTone>, std::shared_ptr<const Picture>> m_pictures;
     double m_linetypeScale; // of the drawing
     const Frame* m_frame = nullptr;
     std::uint64_t m_handle = 0;
@@ -179,6 +186,7 @@ private:
     SpacePath* m_outline = nullptr; // not owned; where paths go instead of into the list
     TvDbObjectId m_overall;
     std::unique_ptr<Attachments> m_attachments; // of the list's own drawing, once there are any
+    std::unique_ptr<UnderlayPages> m_pages;     // the same
 };
 
 /// How many units of the list's plane one unit is, about, where @p map leads to it.

@@ -41,7 +41,8 @@ struct UsedImage {
     int width = 0, height = 0;
     std::string packed;
     bool isJpeg = false;
-    bool isGray = false; ///< of a JPEG: one channel
+    bool isGray = false;      ///< of a JPEG: one channel
+    std::string opacity = {}; ///< packed, a byte a pixel; empty: all of it hides what is below
 };
 
 /// A link in its place.

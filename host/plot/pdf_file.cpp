@@ -88,14 +88,22 @@ struct PdfFile::Impl {
         return all;
     }
 
+    static std::string imageEntries(const UsedImage& used, const char* colors)
+    {
+        return fmt::format("/Type /XObject /Subtype /Image /Width {} /Height {} /ColorSpace /{} "
+                           "/BitsPerComponent 8",
+                           used.width, used.height, colors);
+    }
+
     int picture(const UsedImage& used)
     {
-        return pictures.find(used.packed, [&] {
-            const std::string entries =
-                fmt::format("/Type /XObject /Subtype /Image /Width {} /Height {} /ColorSpace /{} "
-                            "/BitsPerComponent 8{}",
-                            used.width, used.height, used.isGray ? "DeviceGray" : "DeviceRGB",
-                            used.isJpeg ? " /Filter /DCTDecode" : "");
+        return pictures.find(used.packed + used.opacity, [&] {
+            std::string entries = imageEntries(used, used.isGray ? "DeviceGray" : "DeviceRGB");
+            if (used.isJpeg)
+                entries += " /Filter /DCTDecode";
+            if (!used.opacity.empty())
+                entries += " /SMask " + pdfReference(pdf.writeStream(
+                                            imageEntries(used, "DeviceGray"), used.opacity, true));
             return pdf.writeStream(entries, used.packed, !used.isJpeg);
         });
     }

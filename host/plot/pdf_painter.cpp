@@ -363,13 +363,23 @@ std::int32_t PdfPainter::imageFor(const gs::Picture& picture)
                                     picture.isGrayJpeg});
         return at->second;
     }
-    std::string bytes;
+    std::string bytes, opacity;
     bytes.reserve(picture.pixels.size() * 3);
-    for (const std::uint32_t pixel : picture.pixels)
+    for (const std::uint32_t pixel : picture.pixels) {
+        // Colours of what is transparent are multiplied by how far it is not.
+        const std::uint32_t alpha = picture.isTransparent ? pixel >> 24 : 255;
+        const auto part = [&](std::uint32_t value) {
+            return static_cast<char>(alpha == 0 || alpha == 255
+                                         ? value
+                                         : std::min(value * 255 / alpha, std::uint32_t(255)));
+        };
         for (const int shift : {16, 8, 0})
-            bytes += static_cast<char>(pixel >> shift & 0xFF);
-    m_content.images.push_back(
-        {picture.width, picture.height, deflated(bytes, kPacking), false, false});
+            bytes += part(pixel >> shift & 0xFF);
+        if (picture.isTransparent)
+            opacity += static_cast<char>(alpha);
+    }
+    m_content.images.push_back({picture.width, picture.height, deflated(bytes, kPacking), false,
+                                false, opacity.empty() ? opacity : deflated(opacity, kPacking)});
     return at->second;
 }
 

@@ -166,6 +166,25 @@ TEST(Forms, AnImageIsDrawnFromItsFileBesideTheDrawing)
     edit.setInteger("display", 1);
     const TvDbObjectId id = scene.add(image);
     TvDbObjectPointer<TvDbRasterImage>(id, TvDb::kForWrite)->setImageDefId(fileId);
+    const auto show = [&](std::int64_t brightness, std::int64_t contrast, std::int64_t fade) {
+        const TvDbObjectPointer<TvDbRasterImage> entity(id, TvDb::kForWrite);
+        db::RecordEditor look = entity->edit();
+        look.setInteger("brightness", brightness);
+        look.setInteger("contrast", contrast);
+        look.setInteger("fade", fade);
+    };
+    const auto expectRed = [&](int red, int others) {
+        const std::uint32_t pixel = pictureOf(scene.list(), 40).at(20, 4);
+        EXPECT_NEAR(pixel >> 16 & 0xFF, red, 2);
+        EXPECT_NEAR(pixel >> 8 & 0xFF, others, 2);
+    };
+    show(50, 25, 0);
+    expectRed(191, 64);
+    show(100, 50, 0);
+    expectRed(255, 128);
+    show(50, 50, 40); // on what is dark
+    EXPECT_LT(pictureOf(scene.list(), 40).at(20, 4) >> 16 & 0xFF, 190U);
+    show(50, 50, 0);
     const gs::DisplayList list = scene.list();
     ASSERT_EQ(list.items().size(), 2U); // the picture, and its frame
     EXPECT_NE(list.fillingOf(list.items()[0]), nullptr);

@@ -2,6 +2,8 @@
 
 #include "jpeg_bytes.h"
 
+#include <functional>
+
 #include <db/record_editor.h>
 #include <db/tv_db_annotations.h>
 
@@ -51,6 +53,60 @@ protected:
         return plot::svgOf(*page, {}, {}, {}, nullptr).value_or("");
     }
 
+    /// Red, green and blue at a place in mm from the lower left of the paper.
+    using PaperSeen = std::function<std::uint32_t(int x, int y)>;
+    /// The layout as another program shows its PDF.
+    PaperSeen plotted()
+    {
+        plot::JobRequest request;
+        request.target = folder.file("out.pdf");
+        plot::PageOrder order;
+        order.content = scene.bytes();
+        order.layoutName = u"Plan";
+        request.pages.push_back(order);
+        plot::JobWatcher watcher;
+        EXPECT_TRUE(plot::run(request, watcher).status);
+        const std::string path = (folder.path() / "out").string();
+        int code = 1;
+        const std::string said = printed("qpdf --check " + path + ".pdf", &code);
+        EXPECT_EQ(code, 0) << said;
+        printed("pdftoppm -scale-to-x 420 -scale-to-y 297 -singlefile " + path + ".pdf " + path);
+        const std::string all = folder.read("out.ppm");
+        const std::size_t size = std::size_t(420) * 297 * 3;
+        EXPECT_GT(all.size(), size);
+        return [all, first = all.size() - std::min(size, all.size())](int x, int y) {
+            const std::size_t pixel = first + (std::size_t(296 - y) * 420 + std::size_t(x)) * 3;
+            std::uint32_t rgb = 0;
+            for (std::size_t i = 0; i < 3; ++i)
+                rgb = rgb << 8 | static_cast<unsigned char>(all.at(pixel + i));
+            return rgb;
+        };
+    }
+    /// Of its page the lowest quarter is drawn, in red: the left half of that hides what is below,
+    /// the right one half of it. It is shown in the place of an image.
+    void addUnderlay()
+    {
+        folder.write("plan.pdf",
+                     "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n"
+                     "2 0 obj<</Type/Pages/Kids[3 0 R]/Count 1>>endobj\n"
+                     "3 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 72 72]/Contents 4 0 R/Resources"
+                     "<</ExtGState<</G<</ca 0.5>>>>>>>>endobj\n"
+                     "4 0 obj<</Length 51>>stream\n"
+                     "1 0 0 rg 0 0 36 18 re f /G gs 36 0 36 18 re f      \nendstream endobj\n"
+                     "trailer<</Root 1 0 R>>\n%%EOF\n");
+        auto* file = new TvDbUnderlayDefinition;
+        file->setSourceFileName(folder.file("plan.pdf"));
+        file->edit().setText("item", u"1");
+        ASSERT_EQ(scene.database().addTvDbObject(lastFile, file), TvStatus::Ok);
+        file->close();
+        const TvDbObjectId id = scene.addTo(scene.paper(), new TvDbUnderlayReference);
+        const TvDbObjectPointer<TvDbUnderlayReference> page(id, TvDb::kForWrite);
+        db::RecordEditor edit = page->edit();
+        edit.setPoint("scale", {100, 100, 100});
+        edit.setInteger("flags", 2);
+        edit.setHandle("definition", lastFile.handle().value());
+    }
+
     TempFolder folder;
     PlotScene scene;
     TvDbObjectId lastFile;
@@ -86,28 +142,9 @@ TEST_F(PicturePage, OtherProgramsShowTheJpegOfAPdf)
         pixel = pixel == 0xFFFF0000 ? 0xFF404040 : 0xFFC0C0C0;
     for (const bool isGray : {false, true}) {
         addImage("site.jpg", jpegBytes(isGray ? gray : redOverBlue(), isGray));
-        plot::JobRequest request;
-        request.target = folder.file("out.pdf");
-        plot::PageOrder order;
-        order.content = scene.bytes();
-        order.layoutName = u"Plan";
-        request.pages.push_back(order);
-        plot::JobWatcher watcher;
-        ASSERT_TRUE(plot::run(request, watcher).status);
-        const std::string path = (folder.path() / "out").string();
-        int code = 1;
-        const std::string said = printed("qpdf --check " + path + ".pdf", &code);
-        EXPECT_EQ(code, 0) << said;
-        printed("pdftoppm -scale-to-x 420 -scale-to-y 297 -singlefile " + path + ".pdf " + path);
-        const std::string all = folder.read("out.ppm");
-        const std::size_t size = std::size_t(420) * 297 * 3;
-        ASSERT_GT(all.size(), size);
-        const auto at = [&](int x, int y) { // from the lower left of the paper
-            return static_cast<unsigned char>(
-                all[all.size() - size + (std::size_t(296 - y) * 420 + std::size_t(x)) * 3]);
-        };
-        EXPECT_NEAR(at(60, 85), isGray ? 0x40 : 255, 8) << isGray;
-        EXPECT_NEAR(at(60, 35), isGray ? 0xC0 : 0, 8) << isGray;
+        const PaperSeen at = plotted();
+        EXPECT_NEAR(at(60, 85) >> 16, isGray ? 0x40 : 255, 8) << isGray;
+        EXPECT_NEAR(at(60, 35) >> 16, isGray ? 0xC0 : 0, 8) << isGray;
     }
 }
 
@@ -134,6 +171,22 @@ TEST_F(PicturePage, APictureThatIsShownTwiceStandsInAnSvgOnce)
     const std::string page = svg();
     EXPECT_EQ(page.find("<image "), page.rfind("<image "));
     EXPECT_NE(page.find("<use href=\"#i0\""), page.rfind("<use href=\"#i0\""));
+}
+
+TEST_F(PicturePage, PagesOfUnderlaysArePlottedWithPaperThatShowsWhatIsBelow)
+{
+    if (!hasProgram("pdftoppm") || !hasProgram("qpdf"))
+        GTEST_SKIP();
+    addImage("site.jpg", jpegBytes(redOverBlue())); // blue below 60 mm
+    addUnderlay();
+    const PaperSeen at = plotted();
+    EXPECT_NEAR(at(30, 20) >> 16, 255, 3);
+    EXPECT_NEAR(at(30, 20) & 0xFF, 0, 3);
+    EXPECT_NEAR(at(80, 20) >> 16, 127, 3);
+    EXPECT_NEAR(at(80, 20) & 0xFF, 127, 3);
+    EXPECT_NEAR(at(80, 50) >> 16, 0, 3); // nothing is on its paper there
+    EXPECT_NEAR(at(80, 50) & 0xFF, 255, 3);
+    EXPECT_TRUE(has(svg(), "href=\"data:image/png;base64,iVBORw0KGgo"));
 }
 
 TEST_F(PicturePage, AnSvgHasGradients)

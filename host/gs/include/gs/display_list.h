@@ -56,7 +56,8 @@ struct Filling {
     bool isRound = false;
     FlatMap place;
     std::shared_ptr<const Picture> picture; ///< counts in place of the stops; null: none
-    std::vector<Stop> stops;                ///< ascending, one at least
+    bool turnsOnDark = false; ///< a picture shows what it has for dark backgrounds, there
+    std::vector<Stop> stops;  ///< ascending, one at least
 };
 
 /// One thing to draw.

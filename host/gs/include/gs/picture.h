@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <mutex>
 #include <vector>
 
 #include <base/large_memory.h>
@@ -10,8 +12,10 @@
 
 namespace gs {
 
-/// Pixels, row by row from the top; each 32 bits: alpha (always 255), red, green, blue from the
-/// highest byte on.
+class PictureOnDark;
+
+/// Pixels, row by row from the top; each 32 bits: alpha (255, unless it is transparent), red,
+/// green, blue from the highest byte on.
 struct Picture {
     using Pixels = std::vector<std::uint32_t, base::LargeAllocator<std::uint32_t>>;
 
@@ -20,6 +24,10 @@ struct Picture {
     /// The bytes of the JPEG that the pixels are from, for who can show it itself; else empty.
     std::vector<std::uint8_t> jpeg = {};
     bool isGrayJpeg = false; ///< its bytes tell one channel, else three
+    /// Shows what is below it: alpha counts, and the colours are multiplied by it.
+    bool isTransparent = false;
+    /// What is shown on a dark background, where a filling says so; null: nothing else.
+    std::shared_ptr<PictureOnDark> onDark = {};
 
     bool isEmpty() const { return pixels.empty(); }
     std::uint32_t at(int x, int y) const
@@ -27,6 +35,19 @@ struct Picture {
         return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
                       static_cast<std::size_t>(x)];
     }
+};
+
+/// A picture with light and dark exchanged, in the same hues: black lines on nothing are white
+/// ones. Made when it is first asked for, in whichever thread.
+class PictureOnDark
+{
+public:
+    /// @param picture  the same at each call.
+    const Picture& of(const Picture& picture);
+
+private:
+    std::once_flag m_made;
+    Picture m_picture;
 };
 
 /// Sides of a picture are at most this many pixels; what is asked for beyond gives none.
