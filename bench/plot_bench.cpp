@@ -133,10 +133,9 @@ std::size_t writeOurs()
     plot::PdfFile pdf({}, options, {});
     const plot::PageOrder order;
     auto made = plot::pdfContentOf(ourPage(), order, {}, options, nullptr);
-    plot::Spool out({});
-    if (!made || !pdf.add(0, order, std::move(*made)) || !pdf.finish(out))
+    if (!made || !pdf.add(0, order, std::move(*made)) || !pdf.finish())
         std::abort();
-    return out.whole().size();
+    return static_cast<std::size_t>(pdf.content().size());
 }
 
 std::size_t writeWithToolkit()
