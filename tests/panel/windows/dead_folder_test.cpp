@@ -163,6 +163,7 @@ TEST_F(DeadFolderTest, TipsOfOneFolderDoNotPileUpThreads)
         tip().SetHandle(handleOf(sheet));
         EXPECT_TRUE(tip().Update({50, 50}));
         EXPECT_TRUE(tip().isWaiting());
+        EXPECT_TRUE(QTest::qWaitFor([this] { return share.asked() > 0; })) << "its thread runs";
         QTest::qWait(2);
     }
     EXPECT_EQ(share.asked(), 1);
