@@ -204,7 +204,8 @@ TEST(SolidEdges, AreFiniteWhateverIsWrongWithABody)
             for (const std::uint8_t value : {0x00, 0x7F, 0x80, 0xFF}) {
                 Bytes damaged = whole;
                 damaged[at] = value;
-                for (const TvGePoint3d& point : edgesOf(damaged).points())
+                const auto edges = edgesOf(damaged);
+                for (const TvGePoint3d& point : edges.points())
                     ASSERT_TRUE(std::isfinite(point.x + point.y + point.z)) << at;
             }
     }
